@@ -1,0 +1,156 @@
+// The catalogue file: one text file per disc, "<data folder>/<label>.idx".
+//
+//   line 1       DiscHeader   Size|Serial|FileSystem|Clusters|SectorsPerCluster|BytesPerSector|Description
+//   line 2       empty
+//   lines 3..k   FolderRecord Path|Attributes|Time|Description     (walk order)
+//   line k+1     empty
+//   k+2..end     FileRecord   Path|Size|Attributes|Time|Description
+//
+// Every line ends in CR LF. Paths begin with '\' and use '\' inside. Only a
+// description can hold a '|', and it is always the last field, so records are
+// split from the left. The readers never trust the form: a missing file, an
+// empty or cut-short file, a line without bars or a very long line gives what
+// can be read and never a crash or a hang.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/fileops.h"
+#include "core/fixed.h"
+#include "core/records.h"
+
+namespace ct {
+
+struct DiscHeader {
+    std::string HeaderSize, SerialNumber, FileSystem, ClusterCount, SectorsPerCluster,
+        BytesPerSector, Description;
+};
+struct FolderRecord {
+    std::string Path, Attributes, Time, Description;
+};
+struct FileRecord {
+    std::string Path, Size, Attributes, Time, Description;
+};
+
+// --- Line rules ------------------------------------------------------------
+
+// Split from the left at the first six / three / four bars; the rest of the
+// line is the description. Fields a short line lacks are empty.
+DiscHeader SplitHeader(std::string_view line);
+FolderRecord SplitFolder(std::string_view line);
+FileRecord SplitFile(std::string_view line);
+
+// The text before the first '|' (the whole line when it has none).
+std::string_view FirstField(std::string_view line);
+
+// Whether `line` is the record of `path`: it begins with `path` and its first
+// '|' stands right behind it. Exact, case counts, never a mere prefix.
+bool IsRecordOf(std::string_view line, std::string_view path);
+
+// Whether the file `filePath` lies directly in `folder` ("." is the root): it
+// begins with the folder, then '\', then no further '\'. On true, `item` (if
+// given) receives the name as the file list shows it.
+bool LiesDirectlyIn(std::string_view filePath, std::string_view folder,
+                    std::string_view* item = nullptr);
+
+// The line that replaces `line` when its description becomes `text`: the line
+// up to and including its last '|', then `text`. A line without '|' stays.
+std::string WithDescription(std::string_view line, std::string_view text);
+
+// --- Reading -----------------------------------------------------------------
+
+// Reads a file line by line in large blocks. A line is handed out without its
+// CR LF (a lone LF ends a line too), decoded to UTF-8 (DecodeLine). The last
+// line needs no line end. Nothing beyond the current line and the block is
+// kept, so memory doesn't grow with the file.
+class LineReader {
+public:
+    explicit LineReader(const std::string& path);
+    ~LineReader();
+    LineReader(const LineReader&) = delete;
+    LineReader& operator=(const LineReader&) = delete;
+
+    bool IsOpen() const { return file_ != nullptr; }
+    // The next line as raw bytes (valid until the next call). False at the end.
+    bool NextRaw(std::string_view& line);
+    // The next line decoded to UTF-8. False at the end.
+    bool Next(std::string& line);
+    bool AtEnd();
+
+private:
+    bool Fill();
+    std::FILE* file_ = nullptr;
+    std::string buf_;
+    std::size_t pos_ = 0, end_ = 0;
+    bool eof_ = false;
+    std::string carry_;
+};
+
+// Walks a catalogue by its sections. Every call is safe on a damaged file.
+class CatalogueReader {
+public:
+    explicit CatalogueReader(const std::string& path);
+    bool IsOpen() const { return lines_.IsOpen(); }
+    // Line 1 (empty when the file is empty). Reads it if not read yet.
+    const std::string& HeaderLine();
+    // The folder lines, one per call, up to the first empty line behind line 2
+    // or the end of the file. Skips what comes before them.
+    bool NextFolderLine(std::string& line);
+    // The file lines, up to the next empty line or the end of the file. Skips
+    // any folder lines not yet read.
+    bool NextFileLine(std::string& line);
+
+private:
+    enum class At { Start, Folders, Files, Done };
+    LineReader lines_;
+    At at_ = At::Start;
+    std::string header_;
+    bool headerRead_ = false;
+};
+
+struct CatalogueCounts {
+    bool opened = false;
+    std::string headerLine;
+    std::int64_t folders = 0;  // lines between the first and the second empty line
+    std::int64_t files = 0;    // lines behind the second empty line, to the end of the file
+};
+// The counting way: skips lines 1 and 2, counts folder lines up to the first
+// empty line, then every line to the end of the file. Wide counters: a disc of
+// more than 32,767 entries counts right.
+CatalogueCounts CountCatalogue(const std::string& path);
+
+// The record of `path` in a catalogue (whole first field, searched from line 1
+// on, as the panes and the hit list do). False when absent or unreadable.
+bool FindRecordLine(const std::string& cataloguePath, std::string_view path, std::string& line);
+
+// --- Names -------------------------------------------------------------------
+
+// "<dataFolder>/<label>.idx"
+std::string CataloguePath(const std::string& dataFolder, const std::string& label);
+// The label of a walked file name that ends in exactly ".idx" (lower case):
+// the text between the last '/' and those four characters.
+bool LabelOfCatalogueName(std::string_view name, std::string& label);
+// The labels of a data folder walk's file list, in walk order.
+std::vector<std::string> LabelsOf(const WalkList& files);
+
+// --- Writing -----------------------------------------------------------------
+
+// The catalogue Path of a walked Name: the Name without the walked root, every
+// '/' made '\', and in each name every '|', '\' and control character made '?',
+// so that no name can break a line. `root` may end in '/' or not.
+std::string CatalogueEntryPath(std::string_view root, std::string_view name);
+
+std::string HeaderLineOf(const VolumeInfo& volume, std::string_view description);
+std::string FolderLineOf(std::string_view root, const WalkRecord& folder);
+std::string FileLineOf(std::string_view root, const WalkRecord& file);
+
+// The whole catalogue text of a walk, CR LF after every line.
+std::string CatalogueText(std::string_view root, const VolumeInfo& volume,
+                          std::string_view description, const WalkList& folders,
+                          const WalkList& files);
+
+}  // namespace ct

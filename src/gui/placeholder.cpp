@@ -1,0 +1,1 @@
+namespace ct { int GuiPlaceholder() { return 0; } }

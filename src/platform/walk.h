@@ -1,0 +1,25 @@
+// WalkFolder: lists everything below a folder into two arrays, depth first,
+// going down into a folder the moment it is met, entries of one folder in the
+// order the file system delivers them, never sorted, "." and ".." never
+// listed. One statx per entry; symbolic links are not followed (a link to a
+// folder is recorded as a file), and the walk never leaves the file system of
+// the walked root. A folder that can't be read adds its own record and
+// nothing below it; nothing is reported.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "core/adddisc.h"
+#include "core/records.h"
+
+namespace ct {
+
+// `path` with or without a trailing '/'. Names are path + '/' + entry name.
+void WalkFolder(const std::string& path, WalkList& folders, WalkList& files,
+                const std::function<void(std::size_t)>& progress = {});
+
+// The DiscSource of the real machine: WalkFolder and ReadVolumeInfo.
+DiscSource& SystemDiscSource();
+
+}  // namespace ct
