@@ -1,0 +1,59 @@
+// Module Start: the globals every window reads directly, the entry procedure,
+// and the few services all windows share (texts, help, the busy pointer).
+#pragma once
+
+#include <QString>
+#include <cstdint>
+#include <string>
+
+class QWidget;
+
+namespace ct {
+
+class RDDLL;
+class frmHaupt;
+
+namespace Start {
+
+// The settings in force (CT.ini lines 1-3) and the state windows share.
+extern std::string EditTarget;   // "CD", "Ordner", "Datei" or "Suchen"
+extern std::int16_t Language;    // 0 German, 10000 English
+extern std::string DriveLetter;  // the add dialog's drive preset (a mount point)
+extern std::string DataFolder;   // no trailing separator
+extern bool WideLayout;          // desktop at least 1024 x 768
+
+RDDLL& RD();
+
+// Creates frmHaupt (its Form_Load runs), shows it, runs the event loop until
+// the last window has closed.
+int Main(int argc, char** argv);
+
+}  // namespace Start
+
+// The one main window, or nullptr before it exists / after it has gone.
+frmHaupt* MainWindow();
+
+// Text of base id `baseId` in the language in force, read afresh from the
+// program folder's CT.rd at each use. Empty when CT.rd lacks it.
+QString ResourceText(int baseId);
+
+// Starts the help viewer on `topic` in the language's help file, without
+// waiting: "<folder>/folihelp.exe <folder>/CT<n>.fhp, <topic>".
+void HilfeZeigen(const QString& topic);
+// The command line HilfeZeigen builds, for tests.
+std::string HelpCommandLine(const QString& topic);
+
+// The common key handler: F1, with any of Shift/Ctrl/Alt, calls HilfeZeigen
+// with ResourceText(topicId); every other key passes, and F1 isn't swallowed.
+// One line of setup per dialog.
+void InstallHelpKey(QWidget* window, int topicId);
+
+// The screen-wide pointer. Not counted: one Normal() after any number of
+// Busy() calls shows the arrow again.
+void Busy();
+void Normal();
+
+// twips -> pixels (96 DPI: 15 twips a pixel).
+constexpr int Tw(int twips) { return (twips + 7) / 15; }
+
+}  // namespace ct

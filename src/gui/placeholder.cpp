@@ -1,1 +1,0 @@
-namespace ct { int GuiPlaceholder() { return 0; } }
