@@ -17,5 +17,5 @@ function(cartulon_stage target)
   add_custom_command(TARGET ${target} POST_BUILD
     COMMAND ${CMAKE_COMMAND} -E copy_if_different $<TARGET_FILE:${target}> "${CARTULON_STAGE}/"
     VERBATIM)
-  install(TARGETS ${target} RUNTIME DESTINATION .)
+  install(TARGETS ${target} RUNTIME DESTINATION ${CARTULON_INSTALL_DIR})
 endfunction()
