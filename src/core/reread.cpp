@@ -1,0 +1,89 @@
+#include "core/reread.h"
+
+#include <cctype>
+
+namespace ct {
+
+namespace {
+
+constexpr std::string_view kSuffix = ".idx.reread";
+
+std::string Join(const std::string& folder, const std::string& name) {
+    if (folder.empty()) return name;
+    if (folder.back() == '/') return folder + name;
+    return folder + "/" + name;
+}
+
+}  // namespace
+
+std::string SetAsideName(const std::string& label, int number) {
+    std::string name = "." + label + std::string(kSuffix);
+    if (number > 1) name += std::to_string(number);
+    return name;
+}
+
+bool IsSetAsideName(const std::string& name, std::string* label) {
+    std::string_view rest(name);
+    while (!rest.empty() && std::isdigit(static_cast<unsigned char>(rest.back()))) rest.remove_suffix(1);
+    if (rest.size() < 1 + kSuffix.size() || rest.front() != '.' || !rest.ends_with(kSuffix))
+        return false;
+    if (label) *label = std::string(rest.substr(1, rest.size() - 1 - kSuffix.size()));
+    return true;
+}
+
+bool SetAside(FileOps& ops, const std::string& dataFolder, const std::string& label,
+              SetAsideFile& out, std::string* error) {
+    const std::string home = Join(dataFolder, label + ".idx");
+    if (!ops.Exists(home)) {
+        if (error) *error = "Der Katalog " + home + " ist nicht da.";
+        return false;
+    }
+    // An older set-aside file of this label (one that couldn't be restored)
+    // must not be replaced: take the next free number.
+    std::string path;
+    for (int number = 1;; ++number) {
+        path = Join(dataFolder, SetAsideName(label, number));
+        if (!ops.Exists(path)) break;
+    }
+    std::string why;
+    if (!ops.Rename(home, path, &why)) {
+        if (error) *error = why;
+        return false;
+    }
+    out = SetAsideFile{path, home, label};
+    return true;
+}
+
+RestoreResult Restore(DiscSource& source, FileOps& ops, const std::string& dataFolder,
+                      const SetAsideFile& file, std::string* error) {
+    if (ops.Exists(file.home) || LabelInUse(source, dataFolder, file.label))
+        return RestoreResult::LabelTaken;
+    std::string why;
+    if (!ops.Rename(file.path, file.home, &why)) {
+        if (error) *error = why;
+        return RestoreResult::Failed;
+    }
+    return RestoreResult::Restored;
+}
+
+bool Discard(FileOps& ops, const SetAsideFile& file, std::string* error) {
+    return ops.Remove(file.path, error);
+}
+
+std::vector<LeftoverOutcome> RestoreLeftovers(DiscSource& source, FileOps& ops,
+                                              const std::string& dataFolder) {
+    WalkList folders, files;
+    source.WalkFolder(dataFolder, folders, files, {});
+    std::vector<LeftoverOutcome> outcomes;
+    for (const WalkRecord& record : files) {
+        std::string label;
+        if (!IsSetAsideName(NameOf(record.Name), &label)) continue;
+        LeftoverOutcome outcome;
+        outcome.file = SetAsideFile{record.Name, Join(FolderOf(record.Name), label + ".idx"), label};
+        outcome.result = Restore(source, ops, dataFolder, outcome.file, &outcome.error);
+        outcomes.push_back(std::move(outcome));
+    }
+    return outcomes;
+}
+
+}  // namespace ct
