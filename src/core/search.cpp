@@ -1,0 +1,457 @@
+#include "core/search.h"
+
+#include <cstring>
+
+#include "core/catalogue.h"
+#include "core/text.h"
+
+namespace ct {
+
+namespace {
+
+// --- Plain-ASCII fast path ---------------------------------------------------
+// Nearly every catalogue line is plain ASCII, and for those DecodeLine and
+// UpperCase are the identity and a table look-up. Only the other lines pay for
+// decoding.
+
+struct UpperTable {
+    unsigned char map[256];
+    constexpr UpperTable() : map() {
+        for (int i = 0; i < 256; ++i)
+            map[i] = static_cast<unsigned char>(i >= 'a' && i <= 'z' ? i - 32 : i);
+    }
+};
+constexpr UpperTable kUpper;
+
+bool IsAscii(std::string_view s) {
+    const char* p = s.data();
+    std::size_t n = s.size();
+    while (n >= 8) {
+        std::uint64_t w;
+        std::memcpy(&w, p, 8);
+        if (w & 0x8080808080808080ull) return false;
+        p += 8;
+        n -= 8;
+    }
+    while (n--)
+        if (static_cast<unsigned char>(*p++) & 0x80) return false;
+    return true;
+}
+
+// `out` = the upper-cased UTF-8 text `s`, without allocating once `out` has
+// grown to the longest text seen.
+void UpperInto(std::string_view s, std::string& out) {
+    if (IsAscii(s)) {
+        out.resize(s.size());
+        char* d = out.data();
+        for (std::size_t i = 0; i < s.size(); ++i)
+            d[i] = static_cast<char>(kUpper.map[static_cast<unsigned char>(s[i])]);
+    } else {
+        out = UpperCase(s);
+    }
+}
+
+// The fields of a line cut from the left at its first `count` bars; the last
+// one is the rest of the line. Fields the line lacks stay empty.
+template <std::size_t N>
+void CutFields(std::string_view line, std::array<std::string_view, N>& f) {
+    std::size_t start = 0;
+    for (std::size_t i = 0; i < N; ++i) {
+        if (start > line.size()) {
+            f[i] = {};
+            continue;
+        }
+        if (i + 1 == N) {
+            f[i] = line.substr(start);
+            break;
+        }
+        std::size_t bar = line.find('|', start);
+        if (bar == std::string_view::npos) {
+            f[i] = line.substr(start);
+            start = line.size() + 1;
+        } else {
+            f[i] = line.substr(start, bar - start);
+            start = bar + 1;
+        }
+    }
+}
+
+bool StartsWith(std::string_view t, std::string_view s) {
+    return t.size() >= s.size() && std::memcmp(t.data(), s.data(), s.size()) == 0;
+}
+bool EndsWith(std::string_view t, std::string_view s) {
+    return t.size() >= s.size() &&
+           std::memcmp(t.data() + t.size() - s.size(), s.data(), s.size()) == 0;
+}
+bool Contains(std::string_view t, std::string_view s) {
+    if (t.empty()) return false;  // nothing is found in an empty text
+    if (s.empty()) return true;
+    if (s.size() > t.size()) return false;
+    // memchr on the first byte, then a compare: fast for the short names and
+    // terms of a search.
+    const char first = s[0];
+    const char* p = t.data();
+    const char* last = t.data() + (t.size() - s.size());
+    while (p <= last) {
+        p = static_cast<const char*>(std::memchr(p, first, static_cast<std::size_t>(last - p) + 1));
+        if (!p) return false;
+        if (std::memcmp(p + 1, s.data() + 1, s.size() - 1) == 0) return true;
+        ++p;
+    }
+    return false;
+}
+
+// --- Dates -----------------------------------------------------------------------
+
+bool IsLeap(std::int64_t y) { return (y % 4 == 0 && y % 100 != 0) || y % 400 == 0; }
+int DaysInMonth(std::int64_t y, int m) {
+    static constexpr int kDays[12] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+    return m == 2 && IsLeap(y) ? 29 : kDays[m - 1];
+}
+// Days from 1 January of the year 1 (proleptic Gregorian), and back.
+std::int64_t DaysFromCivil(std::int64_t y, int m, int d) {
+    y -= m <= 2;
+    const std::int64_t era = y / 400;
+    const std::int64_t yoe = y - era * 400;
+    const std::int64_t doy = (153 * (m + (m > 2 ? -3 : 9)) + 2) / 5 + d - 1;
+    const std::int64_t doe = yoe * 365 + yoe / 4 - yoe / 100 + doy;
+    return era * 146097 + doe - 306;  // 0001-01-01 is day 0
+}
+void CivilFromDays(std::int64_t z, std::int64_t& y, int& m, int& d) {
+    z += 306;
+    const std::int64_t era = z / 146097;
+    const std::int64_t doe = z - era * 146097;
+    const std::int64_t yoe = (doe - doe / 1460 + doe / 36524 - doe / 146096) / 365;
+    const std::int64_t doy = doe - (365 * yoe + yoe / 4 - yoe / 100);
+    const std::int64_t mp = (5 * doy + 2) / 153;
+    d = static_cast<int>(doy - (153 * mp + 2) / 5 + 1);
+    m = static_cast<int>(mp < 10 ? mp + 3 : mp - 9);
+    y = yoe + era * 400 + (m <= 2);
+}
+
+// Reads 1..maxDigits decimal digits at `pos`.
+bool Digits(std::string_view s, std::size_t& pos, std::size_t maxDigits, int& value,
+            std::size_t& count) {
+    value = 0;
+    count = 0;
+    while (pos < s.size() && s[pos] >= '0' && s[pos] <= '9' && count < maxDigits) {
+        value = value * 10 + (s[pos] - '0');
+        ++pos;
+        ++count;
+    }
+    // More digits than allowed: no date.
+    if (pos < s.size() && s[pos] >= '0' && s[pos] <= '9') return false;
+    return count > 0;
+}
+
+void TwoDigits(std::string& out, int v) {
+    out.push_back(static_cast<char>('0' + v / 10 % 10));
+    out.push_back(static_cast<char>('0' + v % 10));
+}
+
+}  // namespace
+
+// --- Operators ---------------------------------------------------------------------
+
+SearchOp TextOperator(const std::array<std::string, 10>& texts, std::string_view text) {
+    static constexpr SearchOp kOps[8] = {SearchOp::Equal,       SearchOp::NotEqual,
+                                         SearchOp::Contains,    SearchOp::NotContains,
+                                         SearchOp::BeginsWith,  SearchOp::NotBeginsWith,
+                                         SearchOp::EndsWith,    SearchOp::NotEndsWith};
+    for (int i = 0; i < 8; ++i)
+        if (texts[static_cast<std::size_t>(i)] == text) return kOps[i];
+    return SearchOp::None;
+}
+
+SearchOp NumberOperator(const std::array<std::string, 10>& texts, std::string_view text) {
+    if (texts[0] == text) return SearchOp::Equal;
+    if (texts[1] == text) return SearchOp::NotEqual;
+    if (texts[8] == text) return SearchOp::Greater;
+    if (texts[9] == text) return SearchOp::Less;
+    return SearchOp::None;
+}
+
+bool CompareText(SearchOp op, std::string_view t, std::string_view s) {
+    switch (op) {
+    case SearchOp::Equal: return t == s;
+    case SearchOp::NotEqual: return t != s;
+    case SearchOp::Contains: return Contains(t, s);
+    case SearchOp::NotContains: return !Contains(t, s);
+    case SearchOp::BeginsWith: return StartsWith(t, s);
+    case SearchOp::NotBeginsWith: return !StartsWith(t, s);
+    case SearchOp::EndsWith: return EndsWith(t, s);
+    case SearchOp::NotEndsWith: return !EndsWith(t, s);
+    default: return true;
+    }
+}
+
+namespace {
+template <typename T>
+bool CompareNumber(SearchOp op, const T& a, const T& b) {
+    switch (op) {
+    case SearchOp::Equal: return a == b;
+    case SearchOp::NotEqual: return a != b;
+    case SearchOp::Greater: return a > b;
+    case SearchOp::Less: return a < b;
+    default: return true;
+    }
+}
+}  // namespace
+
+// --- Dates ---------------------------------------------------------------------------
+
+bool ReadDate(std::string_view s, SearchTime& out) {
+    std::size_t pos = 0;
+    auto blanks = [&] {
+        while (pos < s.size() && (s[pos] == ' ' || s[pos] == '\t')) ++pos;
+    };
+    int day, month, year, hour = 0, minute = 0, second = 0;
+    std::size_t n;
+    blanks();
+    if (!Digits(s, pos, 2, day, n) || pos >= s.size() || s[pos] != '.') return false;
+    ++pos;
+    if (!Digits(s, pos, 2, month, n) || pos >= s.size() || s[pos] != '.') return false;
+    ++pos;
+    if (!Digits(s, pos, 4, year, n)) return false;
+    if (n <= 2)
+        year += year < 30 ? 2000 : 1900;
+    else if (year < 100)
+        return false;
+    blanks();
+    if (pos < s.size()) {
+        if (!Digits(s, pos, 2, hour, n) || pos >= s.size() || s[pos] != ':') return false;
+        ++pos;
+        if (!Digits(s, pos, 2, minute, n)) return false;
+        if (pos < s.size() && s[pos] == ':') {
+            ++pos;
+            if (!Digits(s, pos, 2, second, n)) return false;
+        }
+        blanks();
+        if (pos != s.size()) return false;
+    }
+    if (month < 1 || month > 12 || day < 1 || day > DaysInMonth(year, month)) return false;
+    if (hour > 23 || minute > 59 || second > 59) return false;
+    out = DaysFromCivil(year, month, day) * 86400 + hour * 3600 + minute * 60 + second;
+    return true;
+}
+
+std::string DateText(SearchTime time) {
+    std::int64_t days = time / 86400, secs = time % 86400;
+    if (secs < 0) {
+        secs += 86400;
+        --days;
+    }
+    std::int64_t y;
+    int m, d;
+    CivilFromDays(days, y, m, d);
+    std::string out;
+    out.reserve(19);
+    TwoDigits(out, d);
+    out.push_back('.');
+    TwoDigits(out, m);
+    out.push_back('.');
+    const int year = static_cast<int>(y);
+    TwoDigits(out, year / 100);
+    TwoDigits(out, year % 100);
+    out.push_back(' ');
+    TwoDigits(out, static_cast<int>(secs / 3600));
+    out.push_back(':');
+    TwoDigits(out, static_cast<int>(secs / 60 % 60));
+    out.push_back(':');
+    TwoDigits(out, static_cast<int>(secs % 60));
+    return out;
+}
+
+std::string FullDateText(std::string_view text) {
+    SearchTime t;
+    if (ReadDate(text, t)) return DateText(t);
+    return std::string(text);
+}
+
+// --- Entry checks ----------------------------------------------------------------------
+
+int CheckCriteria(const SearchCriteria& c) {
+    if (c.kind < 0) return kTopicNoKind;
+    if (c.checkName && c.nameTerm.empty()) return kTopicNoTerm;
+    if (c.checkSize && !c.sizeOperatorChosen) return kTopicNoSizeOperator;
+    if (c.checkAttributes && !c.attributesChosen) return kTopicNoAttributes;
+    if (c.checkDate && !c.dateOperatorChosen) return kTopicNoDateOperator;
+    if (c.checkDescription && !c.descriptionOperatorChosen) return kTopicNoDescriptionOperator;
+    if (c.checkSize && c.sizeText.empty()) return kTopicNoSize;
+    if (c.checkDate && c.dateText.empty()) return kTopicNoDate;
+    if (c.checkDescription && c.descriptionText.empty()) return kTopicNoDescription;
+    bool anyMarked = false;
+    for (const auto& d : c.discs) anyMarked = anyMarked || d.marked;
+    if (!anyMarked) return kTopicNoDisc;
+    SearchTime t;
+    if (c.checkDate && !ReadDate(c.dateText, t)) return kTopicBadDate;
+    return 0;
+}
+
+// --- Matcher -----------------------------------------------------------------------------
+
+Matcher::Matcher(const SearchCriteria& c)
+    : term_(UpperCase(c.nameTerm)),
+      nameOp_(TextOperator(c.operatorTexts, c.nameOperator)),
+      checkName_(c.checkName),
+      checkSize_(c.checkSize),
+      checkAttributes_(c.checkAttributes),
+      checkDate_(c.checkDate),
+      checkDescription_(c.checkDescription),
+      sizeOp_(NumberOperator(c.operatorTexts, c.sizeOperator)),
+      dateOp_(NumberOperator(c.operatorTexts, c.dateOperator)),
+      descriptionOp_(TextOperator(c.operatorTexts, c.descriptionOperator)),
+      sizeLimit_(ParseLeadingDecimal(c.sizeText)),
+      description_(c.descriptionText) {
+    needFields_ = checkSize_ || checkAttributes_ || checkDate_ || checkDescription_;
+    if (c.attributes != kNoAttributesLiteral && c.attributes != c.noAttributesText)
+        wantedAttributes_ = c.attributes;
+    if (checkDate_ && !ReadDate(c.dateText, dateLimit_)) dateOp_ = SearchOp::None;
+}
+
+bool Matcher::TestDisc(std::string_view label, std::string_view headerLine) {
+    if (headerLine.find('|') == std::string_view::npos) return false;  // no header to judge
+    if (nameOp_ == SearchOp::None) return true;
+    const std::string header = DecodeLine(headerLine);
+    std::string l, d;
+    UpperInto(label, l);
+    UpperInto(std::string_view(header).substr(header.rfind('|') + 1), d);
+    // For a negated operator "false when both" is "true when either", so one
+    // rule serves all eight.
+    return CompareText(nameOp_, l, term_) || CompareText(nameOp_, d, term_);
+}
+
+bool Matcher::FieldTests(std::string_view attributes, std::string_view time,
+                         std::string_view description) {
+    if (checkAttributes_ && attributes != wantedAttributes_) return false;
+    if (checkDate_ && dateOp_ != SearchOp::None) {
+        SearchTime t;
+        if (!ReadDate(time, t)) return false;  // an unreadable Time fails this line only
+        if (!CompareNumber(dateOp_, t, dateLimit_)) return false;
+    }
+    if (checkDescription_ && !CompareText(descriptionOp_, description, description_)) return false;
+    return true;
+}
+
+bool Matcher::TestFolderLine(std::string_view line, std::string& path) {
+    std::size_t bar = line.find('|');
+    if (bar == std::string_view::npos) return false;
+    // Only the part that is looked at decides whether the line needs decoding.
+    if (!IsAscii(needFields_ ? line : line.substr(0, bar))) {
+        decoded_ = DecodeLine(line);
+        line = decoded_;
+        bar = line.find('|');
+    }
+    const std::string_view p = line.substr(0, bar);
+    if (checkName_) {
+        if (nameOp_ == SearchOp::EndsWith || nameOp_ == SearchOp::NotEndsWith) {
+            // Folder paths have no closing backslash, so one is taken off the
+            // term, for good: later lines and discs see the shorter term.
+            if (!term_.empty() && term_.back() == '\\') term_.pop_back();
+        }
+        if (nameOp_ != SearchOp::None) {
+            UpperInto(p, upper_);
+            if (!CompareText(nameOp_, upper_, term_)) return false;
+        }
+    }
+    if (needFields_) {
+        std::array<std::string_view, 4> f;
+        CutFields(line, f);
+        if (!FieldTests(f[1], f[2], f[3])) return false;
+    }
+    path.assign(p);
+    return true;
+}
+
+bool Matcher::TestFileLine(std::string_view line, std::string& path) {
+    std::size_t bar = line.find('|');
+    if (bar == std::string_view::npos) return false;
+    if (!IsAscii(needFields_ ? line : line.substr(0, bar))) {
+        decoded_ = DecodeLine(line);
+        line = decoded_;
+        bar = line.find('|');
+    }
+    const std::string_view p = line.substr(0, bar);
+    if (checkName_ && nameOp_ != SearchOp::None) {
+        const std::size_t slash = p.rfind('\\');
+        const std::string_view name = slash == std::string_view::npos ? p : p.substr(slash + 1);
+        UpperInto(name, upper_);
+        if (!CompareText(nameOp_, upper_, term_)) return false;
+    }
+    if (needFields_) {
+        std::array<std::string_view, 5> f;
+        CutFields(line, f);
+        if (checkSize_ && sizeOp_ != SearchOp::None) {
+            const Fixed size = ParseLeadingDecimal(f[1]);
+            // A Size beyond the fixed-point range is no size at all.
+            if (size.raw == INT64_MAX || size.raw == INT64_MIN) return false;
+            if (!CompareNumber(sizeOp_, size, sizeLimit_)) return false;
+        }
+        if (!FieldTests(f[2], f[3], f[4])) return false;
+    }
+    path.assign(p);
+    return true;
+}
+
+// --- The run ---------------------------------------------------------------------------------
+
+SearchEnd RunSearch(const std::string& dataFolder, const SearchCriteria& c, HitSink& sink,
+                    const SearchHooks& hooks) {
+    Matcher matcher(c);
+    const bool folders = c.kind == 1 || c.kind == 2;
+    const bool files = c.kind == 0 || c.kind == 2;
+    std::string path, hit;
+    int counter = 1;
+    auto add = [&](const std::string& text) {
+        if (sink.Count() >= kHitLimit) return false;
+        sink.Add(text);
+        return true;
+    };
+    for (const SearchDisc& disc : c.discs) {
+        if (!disc.marked) continue;
+        {
+            LineReader reader(CataloguePath(dataFolder, disc.label));
+            std::string_view line;
+            if (reader.IsOpen() && reader.NextRaw(line)) {
+                if (matcher.TestDisc(disc.label, line) && !add(disc.label)) return SearchEnd::HitLimit;
+                if (reader.NextRaw(line)) {  // line 2, empty
+                    bool more = true;
+                    while ((more = reader.NextRaw(line)) && !line.empty()) {
+                        if (folders && matcher.TestFolderLine(line, path)) {
+                            hit.assign(disc.label).append(1, '\\').append(path).append(1, '\\');
+                            if (!add(hit)) return SearchEnd::HitLimit;
+                        }
+                    }
+                    while (files && more && (more = reader.NextRaw(line)) && !line.empty()) {
+                        if (matcher.TestFileLine(line, path)) {
+                            hit.assign(disc.label).append(1, '\\').append(path);
+                            if (!add(hit)) return SearchEnd::HitLimit;
+                        }
+                    }
+                }
+            }
+        }  // the catalogue is closed before anything else may run
+        if (hooks.afterDisc) hooks.afterDisc(counter, sink.Count());
+        if (hooks.stopRequested && *hooks.stopRequested) return SearchEnd::Stopped;
+        ++counter;
+    }
+    return SearchEnd::Normal;
+}
+
+bool ListOrderLess(std::string_view a, std::string_view b) {
+    if (IsAscii(a) && IsAscii(b)) {
+        const std::size_t n = a.size() < b.size() ? a.size() : b.size();
+        for (std::size_t i = 0; i < n; ++i) {
+            const unsigned char x = kUpper.map[static_cast<unsigned char>(a[i])];
+            const unsigned char y = kUpper.map[static_cast<unsigned char>(b[i])];
+            if (x != y) return x < y;
+        }
+        if (a.size() != b.size()) return a.size() < b.size();
+        return a < b;
+    }
+    const std::string ua = UpperCase(a), ub = UpperCase(b);
+    if (ua != ub) return ua < ub;
+    return a < b;
+}
+
+}  // namespace ct

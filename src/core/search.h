@@ -1,0 +1,201 @@
+// The search: which catalogue entries meet the user's criteria.
+//
+// Three parts, apart from each other so that the window, the command line and
+// the tests drive the same code:
+//   - what matches: a Matcher, built once per run from the criteria, that
+//     tests a disc (label and header line), a folder line or a file line;
+//   - what reads: RunSearch walks the marked discs, one pass per catalogue,
+//     one line at a time, nothing kept behind the line in hand;
+//   - what receives: a HitSink, the window's sorted list or a printer.
+//
+// The criteria are plain values taken from the controls: the operators are
+// known only as the texts the combo boxes show, compared with the ten operator
+// texts of the language in force, so a text that is none of them turns its
+// test off, exactly as the window behaves.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/fixed.h"
+
+namespace ct {
+
+// Base ids of the texts the search uses.
+constexpr int kOperatorBaseId = 10068;    // 10068..10077, the ten operators
+constexpr int kNoAttributesBaseId = 10078;  // first row of the attribute box
+// The literal the attribute test takes as "no attributes", whatever the language.
+inline constexpr std::string_view kNoAttributesLiteral = "(ohne Attribute)";
+
+// Help topics with which a run is refused or ends early (base ids).
+constexpr int kTopicNoKind = 10101;
+constexpr int kTopicNoTerm = 10102;
+constexpr int kTopicNoSizeOperator = 10103;
+constexpr int kTopicNoAttributes = 10104;
+constexpr int kTopicNoDateOperator = 10105;
+constexpr int kTopicNoDescriptionOperator = 10106;
+constexpr int kTopicNoSize = 10107;
+constexpr int kTopicNoDate = 10108;
+constexpr int kTopicNoDescription = 10109;
+constexpr int kTopicNoDisc = 10110;
+constexpr int kTopicHitLimit = 10111;
+constexpr int kTopicBadDate = 10112;
+
+// The list holds at most this many hits; one more ends the run.
+constexpr std::size_t kHitLimit = 32000;
+
+enum class SearchOp {
+    None,  // the box's text is no operator: the test isn't made
+    Equal,
+    NotEqual,
+    Contains,
+    NotContains,
+    BeginsWith,
+    NotBeginsWith,
+    EndsWith,
+    NotEndsWith,
+    Greater,
+    Less,
+};
+
+struct SearchDisc {
+    std::string label;
+    bool marked = true;
+};
+
+struct SearchCriteria {
+    int kind = 2;  // cboSuchen: 0 files, 1 folders, 2 both, -1 none chosen
+
+    bool checkName = true;  // CheckDateiOrdner
+    std::string nameOperator;  // cboOperator's text (never checked for a choice)
+    std::string nameTerm;      // txtSuchen, used by the disc test even when unchecked
+
+    bool checkSize = false;
+    bool sizeOperatorChosen = false;
+    std::string sizeOperator;
+    std::string sizeText;
+
+    bool checkAttributes = false;
+    bool attributesChosen = false;
+    std::string attributes;  // cboAttribut's text
+
+    bool checkDate = false;
+    bool dateOperatorChosen = false;
+    std::string dateOperator;
+    std::string dateText;
+
+    bool checkDescription = false;
+    bool descriptionOperatorChosen = false;
+    std::string descriptionOperator;
+    std::string descriptionText;
+
+    // Texts 10068..10077 of the language in force, and text 10078.
+    std::array<std::string, 10> operatorTexts;
+    std::string noAttributesText;
+
+    std::vector<SearchDisc> discs;  // in the disc list's order
+};
+
+// The entry checks, in their fixed order: the help topic (base id) of the
+// first that fails, or 0 when the run may start.
+int CheckCriteria(const SearchCriteria& criteria);
+
+// The operator a combo box's text names. Name and description boxes offer
+// 10068..10075, size and date boxes 10068, 10069, 10076, 10077; a text equal
+// to several of them takes the lowest id, one equal to none gives None.
+SearchOp TextOperator(const std::array<std::string, 10>& operatorTexts, std::string_view text);
+SearchOp NumberOperator(const std::array<std::string, 10>& operatorTexts, std::string_view text);
+
+// One of the eight text operators on T and S, as the name, disc and
+// description tests compare (None passes). An empty S is contained only in a
+// text that isn't empty, and begins and ends every text.
+bool CompareText(SearchOp op, std::string_view t, std::string_view s);
+
+// --- Dates ------------------------------------------------------------------
+
+// A date and time to the second: seconds since 1 January of the year 1.
+using SearchTime = std::int64_t;
+
+// Reads "d.m.yyyy", "d.m.yyyy h:m" and "d.m.yyyy h:m:s" (one or two digits for
+// day, month, hour, minute, second; a year of one or two digits is taken as
+// 1930..2029, else years 100..9999), blanks around. False for anything else,
+// including an impossible day such as 31.04. or the "00.00.0 00:00:00" of a
+// failed time conversion.
+bool ReadDate(std::string_view text, SearchTime& out);
+// "dd.mm.yyyy hh:mm:ss".
+std::string DateText(SearchTime time);
+// What txtDatum shows when it is left: the full form of a readable date, else
+// the text as it stands.
+std::string FullDateText(std::string_view text);
+
+// --- Matching ----------------------------------------------------------------
+
+class Matcher {
+public:
+    explicit Matcher(const SearchCriteria& criteria);
+
+    // The disc test, on the label and line 1 of its catalogue (raw bytes).
+    bool TestDisc(std::string_view label, std::string_view headerLine);
+    // A folder or file line as read (raw bytes). On true, `path` holds the
+    // record's Path as stored (UTF-8).
+    bool TestFolderLine(std::string_view line, std::string& path);
+    bool TestFileLine(std::string_view line, std::string& path);
+
+    // The term as the next test sees it (upper-cased; a folder test with
+    // "ends with" may have taken closing backslashes off).
+    const std::string& SearchTerm() const { return term_; }
+
+private:
+    bool FieldTests(std::string_view attributes, std::string_view time,
+                    std::string_view description);
+
+    std::string term_;
+    SearchOp nameOp_;
+    bool checkName_;
+    bool checkSize_, checkAttributes_, checkDate_, checkDescription_;
+    bool needFields_;
+    SearchOp sizeOp_, dateOp_, descriptionOp_;
+    Fixed sizeLimit_;
+    SearchTime dateLimit_ = 0;
+    std::string wantedAttributes_;
+    std::string description_;
+    std::string upper_;    // scratch: the upper-cased text under test
+    std::string decoded_;  // scratch: a line that isn't plain ASCII, decoded
+};
+
+// --- The run ---------------------------------------------------------------------
+
+// Receives the hits of a run.
+class HitSink {
+public:
+    virtual ~HitSink() = default;
+    virtual void Add(const std::string& hitText) = 0;
+    virtual std::size_t Count() const = 0;
+};
+
+struct SearchHooks {
+    // After each marked disc: its number from 1 and the hits so far. The
+    // window shows progress and lets pending events run here.
+    std::function<void(int discCounter, std::size_t hits)> afterDisc;
+    // Looked at after each marked disc, behind afterDisc.
+    const bool* stopRequested = nullptr;
+};
+
+enum class SearchEnd { Normal, Stopped, HitLimit };
+
+// Walks the marked discs of `criteria` in order, the catalogue
+// "<dataFolder>/<label>.idx" of each. Expects criteria that passed
+// CheckCriteria. A missing or damaged catalogue, a line without bars or a
+// field that can't be read passes that disc or line over; the run goes on.
+SearchEnd RunSearch(const std::string& dataFolder, const SearchCriteria& criteria, HitSink& sink,
+                    const SearchHooks& hooks = {});
+
+// The order of the sorted lists: case ignored (ct::UpperCase), ties by bytes.
+bool ListOrderLess(std::string_view a, std::string_view b);
+
+}  // namespace ct
