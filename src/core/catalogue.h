@@ -64,12 +64,15 @@ std::string WithDescription(std::string_view line, std::string_view text);
 // --- Reading -----------------------------------------------------------------
 
 // Reads a file line by line in large blocks. A line is handed out without its
-// CR LF (a lone LF ends a line too), decoded to UTF-8 (DecodeLine). The last
-// line needs no line end. Nothing beyond the current line and the block is
-// kept, so memory doesn't grow with the file.
+// CR LF (a lone LF or a lone CR ends a line too), decoded to UTF-8
+// (DecodeLine). The last line needs no line end. Nothing beyond the current
+// line and the block is kept, so memory doesn't grow with the file.
 class LineReader {
 public:
-    explicit LineReader(const std::string& path);
+    static constexpr std::size_t kDefaultBlock = std::size_t{1} << 20;
+    // `blockSize` is the size of one read; tests and the fuzzer make it tiny
+    // so that lines and line ends straddle blocks.
+    explicit LineReader(const std::string& path, std::size_t blockSize = kDefaultBlock);
     ~LineReader();
     LineReader(const LineReader&) = delete;
     LineReader& operator=(const LineReader&) = delete;
@@ -87,6 +90,9 @@ private:
     std::string buf_;
     std::size_t pos_ = 0, end_ = 0;
     bool eof_ = false;
+    bool afterCr_ = false;  // the last line ended in CR: a LF at once belongs to it
+    std::size_t crAt_ = 0, lfAt_ = 0;  // next CR / LF at or behind pos_ (end_ when none)
+    std::size_t block_;
     std::string carry_;
 };
 

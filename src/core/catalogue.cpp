@@ -1,0 +1,500 @@
+#include "core/catalogue.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstring>
+
+#include "core/text.h"
+
+namespace ct {
+
+// --- Line rules ------------------------------------------------------------
+
+namespace {
+
+// Cuts the next field off the front of `rest`: the text up to the next bar,
+// or all of `rest` when no bar is left (then `rest` becomes empty).
+std::string TakeField(std::string_view& rest) {
+    const std::size_t bar = rest.find('|');
+    if (bar == std::string_view::npos) {
+        std::string field(rest);
+        rest = {};
+        return field;
+    }
+    std::string field(rest.substr(0, bar));
+    rest.remove_prefix(bar + 1);
+    return field;
+}
+
+bool IsAscii(std::string_view s) {
+    return std::none_of(s.begin(), s.end(),
+                        [](char c) { return static_cast<unsigned char>(c) >= 0x80; });
+}
+
+}  // namespace
+
+DiscHeader SplitHeader(std::string_view line) {
+    DiscHeader h;
+    h.HeaderSize = TakeField(line);
+    h.SerialNumber = TakeField(line);
+    h.FileSystem = TakeField(line);
+    h.ClusterCount = TakeField(line);
+    h.SectorsPerCluster = TakeField(line);
+    h.BytesPerSector = TakeField(line);
+    h.Description = std::string(line);
+    return h;
+}
+
+FolderRecord SplitFolder(std::string_view line) {
+    FolderRecord r;
+    r.Path = TakeField(line);
+    r.Attributes = TakeField(line);
+    r.Time = TakeField(line);
+    r.Description = std::string(line);
+    return r;
+}
+
+FileRecord SplitFile(std::string_view line) {
+    FileRecord r;
+    r.Path = TakeField(line);
+    r.Size = TakeField(line);
+    r.Attributes = TakeField(line);
+    r.Time = TakeField(line);
+    r.Description = std::string(line);
+    return r;
+}
+
+std::string_view FirstField(std::string_view line) {
+    return line.substr(0, line.find('|'));
+}
+
+bool IsRecordOf(std::string_view line, std::string_view path) {
+    // A path with a bar in it can't be a whole first field.
+    return line.size() > path.size() && line[path.size()] == '|' && line.starts_with(path) &&
+           path.find('|') == std::string_view::npos;
+}
+
+bool LiesDirectlyIn(std::string_view filePath, std::string_view folder, std::string_view* item) {
+    // Only the Path field counts: a backslash in a description changes nothing.
+    filePath = FirstField(filePath);
+    std::size_t start;
+    if (folder == ".") {
+        start = 1;
+        if (filePath.empty() || filePath[0] != '\\') return false;
+    } else {
+        start = folder.size() + 1;
+        if (filePath.size() < start || !filePath.starts_with(folder) ||
+            filePath[folder.size()] != '\\')
+            return false;
+    }
+    const std::string_view rest = filePath.substr(start);
+    if (rest.find('\\') != std::string_view::npos) return false;
+    if (item) *item = rest;
+    return true;
+}
+
+std::string WithDescription(std::string_view line, std::string_view text) {
+    const std::size_t bar = line.rfind('|');
+    if (bar == std::string_view::npos) return std::string(line);
+    std::string out;
+    out.reserve(bar + 1 + text.size());
+    out.append(line.substr(0, bar + 1));
+    out.append(text);
+    return out;
+}
+
+// --- Reading -----------------------------------------------------------------
+
+LineReader::LineReader(const std::string& path, std::size_t blockSize)
+    : block_(blockSize == 0 ? 1 : blockSize) {
+    file_ = std::fopen(path.c_str(), "rb");
+    // We read in blocks of our own; a second buffer in stdio would only copy.
+    if (file_) std::setvbuf(file_, nullptr, _IONBF, 0);
+}
+
+LineReader::~LineReader() {
+    if (file_) std::fclose(file_);
+}
+
+bool LineReader::Fill() {
+    if (!file_ || eof_) return false;
+    if (buf_.size() != block_) buf_.resize(block_);
+    const std::size_t n = std::fread(buf_.data(), 1, block_, file_);
+    pos_ = 0;
+    end_ = n;
+    if (n == 0) {
+        eof_ = true;  // the end, or a read error: both end the file for us
+        return false;
+    }
+    const char* base = buf_.data();
+    const void* cr = std::memchr(base, '\r', n);
+    const void* lf = std::memchr(base, '\n', n);
+    crAt_ = cr ? static_cast<std::size_t>(static_cast<const char*>(cr) - base) : n;
+    lfAt_ = lf ? static_cast<std::size_t>(static_cast<const char*>(lf) - base) : n;
+    return true;
+}
+
+bool LineReader::NextRaw(std::string_view& line) {
+    if (!file_) return false;
+    carry_.clear();
+    bool carrying = false;
+    const auto find = [this](char c) {
+        const char* base = buf_.data();
+        const void* p = std::memchr(base + pos_, c, end_ - pos_);
+        return p ? static_cast<std::size_t>(static_cast<const char*>(p) - base) : end_;
+    };
+    for (;;) {
+        if (pos_ >= end_ && !Fill()) {
+            if (!carrying) return false;
+            line = carry_;  // a last line without its line end
+            return true;
+        }
+        if (afterCr_) {
+            afterCr_ = false;
+            if (buf_[pos_] == '\n') {
+                ++pos_;
+                continue;
+            }
+        }
+        // The next CR and LF are remembered, so a file with only one kind of
+        // line end is scanned once for the other kind per block, not per line.
+        if (crAt_ < pos_) crAt_ = find('\r');
+        if (lfAt_ < pos_) lfAt_ = find('\n');
+        const std::size_t eol = std::min(crAt_, lfAt_);
+        if (eol < end_) {
+            std::size_t next = eol + 1;
+            if (buf_[eol] == '\r') {
+                if (next < end_) {
+                    if (buf_[next] == '\n') ++next;
+                } else {
+                    afterCr_ = true;  // its LF, if any, opens the next block
+                }
+            }
+            if (carrying) {
+                carry_.append(buf_.data() + pos_, eol - pos_);
+                line = carry_;
+            } else {
+                line = std::string_view(buf_.data() + pos_, eol - pos_);
+            }
+            pos_ = next;
+            return true;
+        }
+        carry_.append(buf_.data() + pos_, end_ - pos_);
+        carrying = true;
+        pos_ = end_;
+    }
+}
+
+bool LineReader::Next(std::string& line) {
+    std::string_view raw;
+    if (!NextRaw(raw)) return false;
+    if (IsValidUtf8(raw))
+        line.assign(raw);
+    else
+        line = Cp1252ToUtf8(raw);
+    return true;
+}
+
+bool LineReader::AtEnd() {
+    if (!file_) return true;
+    for (;;) {
+        if (pos_ >= end_ && !Fill()) return true;
+        if (afterCr_) {
+            afterCr_ = false;
+            if (buf_[pos_] == '\n') {
+                ++pos_;
+                continue;
+            }
+        }
+        return false;
+    }
+}
+
+CatalogueReader::CatalogueReader(const std::string& path) : lines_(path) {}
+
+const std::string& CatalogueReader::HeaderLine() {
+    if (!headerRead_) {
+        headerRead_ = true;
+        if (!lines_.Next(header_)) header_.clear();
+    }
+    return header_;
+}
+
+namespace {
+
+// Reads one line of a section: false at the end of the file or at an empty
+// line, which is where every section ends.
+enum class Got { Line, Empty, End };
+Got ReadSectionLine(LineReader& lines, std::string& line) {
+    std::string_view raw;
+    if (!lines.NextRaw(raw)) return Got::End;
+    if (raw.empty()) return Got::Empty;
+    if (IsValidUtf8(raw))
+        line.assign(raw);
+    else
+        line = Cp1252ToUtf8(raw);
+    return Got::Line;
+}
+
+}  // namespace
+
+bool CatalogueReader::NextFolderLine(std::string& line) {
+    if (at_ == At::Start) {
+        HeaderLine();
+        std::string_view second;
+        // Line 2 is skipped whatever it holds.
+        at_ = lines_.NextRaw(second) ? At::Folders : At::Done;
+    }
+    if (at_ != At::Folders) return false;
+    switch (ReadSectionLine(lines_, line)) {
+        case Got::Line: return true;
+        case Got::Empty: at_ = At::Files; return false;
+        case Got::End: at_ = At::Done; return false;
+    }
+    return false;
+}
+
+bool CatalogueReader::NextFileLine(std::string& line) {
+    if (at_ == At::Start || at_ == At::Folders) {
+        std::string skipped;
+        while (NextFolderLine(skipped)) {
+        }
+    }
+    if (at_ != At::Files) return false;
+    if (ReadSectionLine(lines_, line) == Got::Line) return true;
+    at_ = At::Done;
+    return false;
+}
+
+CatalogueCounts CountCatalogue(const std::string& path) {
+    CatalogueCounts counts;
+    LineReader lines(path);
+    counts.opened = lines.IsOpen();
+    std::string_view raw;
+    if (!lines.NextRaw(raw)) return counts;
+    counts.headerLine = DecodeLine(raw);
+    if (!lines.NextRaw(raw)) return counts;
+    bool inFiles = false;
+    while (lines.NextRaw(raw)) {
+        if (raw.empty()) {
+            inFiles = true;
+            break;
+        }
+        ++counts.folders;
+    }
+    if (inFiles)
+        while (lines.NextRaw(raw)) ++counts.files;
+    return counts;
+}
+
+bool FindRecordLine(const std::string& cataloguePath, std::string_view path, std::string& line) {
+    LineReader lines(cataloguePath);
+    // ASCII keeps its bytes in both encodings a line may have, so for an
+    // ASCII path the raw bytes decide; otherwise each line is decoded first.
+    const bool ascii = IsAscii(path);
+    std::string_view raw;
+    std::string decoded;
+    while (lines.NextRaw(raw)) {
+        if (ascii) {
+            if (IsRecordOf(raw, path)) {
+                line = DecodeLine(raw);
+                return true;
+            }
+            continue;
+        }
+        if (raw.size() <= path.size() / 2) continue;  // too short in either encoding
+        decoded = DecodeLine(raw);
+        if (IsRecordOf(decoded, path)) {
+            line = std::move(decoded);
+            return true;
+        }
+    }
+    return false;
+}
+
+// --- Names -------------------------------------------------------------------
+
+std::string CataloguePath(const std::string& dataFolder, const std::string& label) {
+    std::string path = dataFolder;
+    path += '/';
+    path += label;
+    path += ".idx";
+    return path;
+}
+
+bool LabelOfCatalogueName(std::string_view name, std::string& label) {
+    static constexpr std::string_view kExt = ".idx";
+    if (!name.ends_with(kExt)) return false;
+    const std::string_view stem = name.substr(0, name.size() - kExt.size());
+    const std::size_t slash = stem.rfind('/');
+    label.assign(slash == std::string_view::npos ? stem : stem.substr(slash + 1));
+    return true;
+}
+
+std::vector<std::string> LabelsOf(const WalkList& files) {
+    std::vector<std::string> labels;
+    std::string label;
+    for (const WalkRecord& f : files)
+        if (LabelOfCatalogueName(f.Name, label)) labels.push_back(label);
+    return labels;
+}
+
+// --- Writing -----------------------------------------------------------------
+
+namespace {
+
+std::string_view WithoutTrailingSlashes(std::string_view root) {
+    while (!root.empty() && root.back() == '/') root.remove_suffix(1);
+    return root;
+}
+
+// One name (no '/' in it) as valid UTF-8 that can't break a line: bars,
+// backslashes and control characters (C0, DEL and C1) become '?'. A name
+// that isn't valid UTF-8 is taken as Windows-1252, the likeliest origin of
+// such bytes.
+void AppendName(std::string& out, std::string_view name) {
+    std::string converted;
+    if (!IsAscii(name) && !IsValidUtf8(name)) {
+        converted = Cp1252ToUtf8(name);
+        name = converted;
+    }
+    for (std::size_t i = 0; i < name.size(); ++i) {
+        const auto b = static_cast<unsigned char>(name[i]);
+        if (b < 0x20 || b == 0x7F || b == '|' || b == '\\') {
+            out += '?';
+        } else if (b == 0xC2 && i + 1 < name.size() &&
+                   static_cast<unsigned char>(name[i + 1]) < 0xA0) {
+            out += '?';  // U+0080..U+009F
+            ++i;
+        } else {
+            out += static_cast<char>(b);
+        }
+    }
+}
+
+void AppendEntryPath(std::string& out, std::string_view root, std::string_view name) {
+    root = WithoutTrailingSlashes(root);
+    std::string_view rel = name;
+    if (name.starts_with(root) && name.size() > root.size() && name[root.size()] == '/')
+        rel = name.substr(root.size());
+    // rel now begins with '/' (or, for a name outside the root, is kept whole
+    // so that nothing is lost).
+    std::size_t start = 0;
+    while (start < rel.size() && rel[start] == '/') ++start;
+    out += '\\';
+    for (;;) {
+        const std::size_t slash = rel.find('/', start);
+        AppendName(out, rel.substr(start, slash == std::string_view::npos ? rel.npos : slash - start));
+        if (slash == std::string_view::npos) break;
+        start = slash + 1;
+        while (start < rel.size() && rel[start] == '/') ++start;  // "a//b" is "a/b"
+        if (start >= rel.size()) break;
+        out += '\\';
+    }
+}
+
+void AppendFixed(std::string& out, Fixed value) {
+    if (value.raw % Fixed::kScale == 0) {
+        char digits[24];
+        const auto r = std::to_chars(digits, digits + sizeof digits, value.raw / Fixed::kScale);
+        out.append(digits, r.ptr);
+    } else {
+        out += FixedText(value);
+    }
+}
+
+void AppendInt(std::string& out, std::int64_t v) {
+    char digits[24];
+    const auto r = std::to_chars(digits, digits + sizeof digits, v);
+    out.append(digits, r.ptr);
+}
+
+// A field that must stay one field on one line.
+void AppendField(std::string& out, std::string_view text) {
+    for (char c : text) out += (c == '|' || c == '\r' || c == '\n') ? '?' : c;
+}
+
+void AppendFolderLine(std::string& out, std::string_view root, const WalkRecord& folder) {
+    AppendEntryPath(out, root, folder.Name);
+    out += '|';
+    AppendField(out, folder.Attributes);
+    out += '|';
+    AppendField(out, folder.Date);
+    out += '|';
+}
+
+void AppendFileLine(std::string& out, std::string_view root, const WalkRecord& file) {
+    AppendEntryPath(out, root, file.Name);
+    out += '|';
+    AppendFixed(out, file.Size);
+    out += '|';
+    AppendField(out, file.Attributes);
+    out += '|';
+    AppendField(out, file.Date);
+    out += '|';
+}
+
+}  // namespace
+
+std::string CatalogueEntryPath(std::string_view root, std::string_view name) {
+    std::string out;
+    AppendEntryPath(out, root, name);
+    return out;
+}
+
+std::string HeaderLineOf(const VolumeInfo& volume, std::string_view description) {
+    std::string out;
+    AppendFixed(out, volume.Size);
+    out += '|';
+    AppendInt(out, volume.SerialNumber);
+    out += '|';
+    AppendField(out, volume.FileSystem);
+    out += '|';
+    AppendInt(out, volume.ClusterCount);
+    out += '|';
+    AppendInt(out, volume.SectorsPerCluster);
+    out += '|';
+    AppendInt(out, volume.BytesPerSector);
+    out += '|';
+    // The description is the rest of the line: a bar may stay, a line
+    // break may not.
+    for (char c : description) out += (c == '\r' || c == '\n') ? ' ' : c;
+    return out;
+}
+
+std::string FolderLineOf(std::string_view root, const WalkRecord& folder) {
+    std::string out;
+    AppendFolderLine(out, root, folder);
+    return out;
+}
+
+std::string FileLineOf(std::string_view root, const WalkRecord& file) {
+    std::string out;
+    AppendFileLine(out, root, file);
+    return out;
+}
+
+std::string CatalogueText(std::string_view root, const VolumeInfo& volume,
+                          std::string_view description, const WalkList& folders,
+                          const WalkList& files) {
+    std::size_t estimate = 128 + description.size();
+    const std::size_t rootSize = root.size();
+    for (const WalkRecord& r : folders) estimate += r.Name.size() - std::min(rootSize, r.Name.size()) + 32;
+    for (const WalkRecord& r : files) estimate += r.Name.size() - std::min(rootSize, r.Name.size()) + 44;
+    std::string text;
+    text.reserve(estimate);
+    text += HeaderLineOf(volume, description);
+    text += "\r\n\r\n";
+    for (const WalkRecord& r : folders) {
+        AppendFolderLine(text, root, r);
+        text += "\r\n";
+    }
+    text += "\r\n";
+    for (const WalkRecord& r : files) {
+        AppendFileLine(text, root, r);
+        text += "\r\n";
+    }
+    return text;
+}
+
+}  // namespace ct
