@@ -1,1 +1,3 @@
-int main() { return 0; }
+#include "gui/Start.h"
+
+int main(int argc, char** argv) { return ct::Start::Main(argc, argv); }

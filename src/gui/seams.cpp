@@ -1,0 +1,64 @@
+#include "gui/seams.h"
+
+#include <QFileDialog>
+#include <QGuiApplication>
+#include <QScreen>
+
+#include "platform/system.h"
+
+namespace ct::seams {
+
+namespace {
+MessageBoxFn& messageBoxFn() { static MessageBoxFn fn; return fn; }
+LauncherFn& launcherFn() { static LauncherFn fn; return fn; }
+OpenFn& openFn() { static OpenFn fn; return fn; }
+QSize& desktopSize() { static QSize size; return size; }
+FolderChooserFn& folderChooserFn() { static FolderChooserFn fn; return fn; }
+}  // namespace
+
+void SetMessageBox(MessageBoxFn fn) { messageBoxFn() = std::move(fn); }
+
+QMessageBox::StandardButton MessageBox(QWidget* parent, const QString& title, const QString& text,
+                                       QMessageBox::StandardButtons buttons,
+                                       QMessageBox::StandardButton defaultButton,
+                                       QMessageBox::Icon icon) {
+    if (messageBoxFn()) return messageBoxFn()(parent, title, text, buttons, defaultButton, icon);
+    QMessageBox box(icon, title, text, buttons, parent);
+    if (defaultButton != QMessageBox::NoButton) box.setDefaultButton(defaultButton);
+    if (parent) box.setWindowIcon(parent->window()->windowIcon());
+    return static_cast<QMessageBox::StandardButton>(box.exec());
+}
+
+void SetHelpLauncher(LauncherFn fn) { launcherFn() = std::move(fn); }
+void LaunchHelp(const std::string& commandLine) {
+    if (launcherFn()) {
+        launcherFn()(commandLine);
+        return;
+    }
+    // A viewer that can't be started leaves the program as it was.
+    ct::StartCommandLine(commandLine);
+}
+
+void SetOpenTarget(OpenFn fn) { openFn() = std::move(fn); }
+void Open(const std::string& target) {
+    if (openFn()) {
+        openFn()(target);
+        return;
+    }
+    ct::OpenTarget(target);
+}
+
+void SetDesktopSize(QSize size) { desktopSize() = size; }
+QSize DesktopSize() {
+    if (desktopSize().isValid()) return desktopSize();
+    if (QScreen* screen = QGuiApplication::primaryScreen()) return screen->geometry().size();
+    return {};
+}
+
+void SetFolderChooser(FolderChooserFn fn) { folderChooserFn() = std::move(fn); }
+QString ChooseFolder(QWidget* parent, const QString& start) {
+    if (folderChooserFn()) return folderChooserFn()(parent, start);
+    return QFileDialog::getExistingDirectory(parent, QString(), start);
+}
+
+}  // namespace ct::seams

@@ -1,0 +1,8 @@
+#include "gui/windows.h"
+
+namespace ct {
+
+// Placeholder until frmOptionen lands: its author replaces this file.
+void ShowOptionen() {}
+
+}  // namespace ct

@@ -1,0 +1,8 @@
+#include "gui/windows.h"
+
+namespace ct {
+
+// Placeholder until frmStatistik lands: its author replaces this file.
+void ShowStatistik() {}
+
+}  // namespace ct
