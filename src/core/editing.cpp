@@ -45,28 +45,19 @@ public:
     bool Feed(std::string_view block) {
         if (done_) return Emit(block);
         pending_.append(block);
-        std::size_t start = 0;
-        while (!done_) {
-            const std::size_t nl = pending_.find('\n', start);
-            if (nl == std::string::npos) break;
-            if (!Line(std::string_view(pending_).substr(start, nl + 1 - start))) return false;
-            start = nl + 1;
-        }
-        if (done_) {
-            if (!Emit(std::string_view(pending_).substr(start))) return false;
-            pending_.clear();
-        } else {
-            pending_.erase(0, start);
-        }
-        return Flush(false);
+        return Lines(false) && Flush(false);
     }
 
-    // The last line of a file that doesn't end in a line break.
+    // The end of the file: a CR that closed the last block ends its line, and
+    // a last line without any line end is a line too.
     bool Finish() {
-        if (!pending_.empty()) {
-            std::string last;
-            last.swap(pending_);
-            if (!Line(last)) return false;
+        if (!done_) {
+            if (!Lines(true)) return false;
+            if (!pending_.empty()) {
+                std::string last;
+                last.swap(pending_);
+                if (!Line(last)) return false;
+            }
         }
         return Flush(true);
     }
@@ -74,6 +65,34 @@ public:
     bool Changed() const { return done_; }
 
 private:
+    // Hands every whole line in `pending_` to Line(), the line ends the
+    // readers know (CR LF, LF, a lone CR) with it. Once the line is changed
+    // the rest goes out as it stands.
+    bool Lines(bool atEnd) {
+        std::size_t start = 0;
+        while (!done_) {
+            const std::size_t eol = pending_.find_first_of("\r\n", start);
+            if (eol == std::string::npos) break;
+            std::size_t next = eol + 1;
+            if (pending_[eol] == '\r') {
+                if (next < pending_.size()) {
+                    if (pending_[next] == '\n') ++next;
+                } else if (!atEnd) {
+                    break;  // its LF may open the next block
+                }
+            }
+            if (!Line(std::string_view(pending_).substr(start, next - start))) return false;
+            start = next;
+        }
+        if (done_) {
+            const bool ok = Emit(std::string_view(pending_).substr(start));
+            pending_.clear();
+            return ok;
+        }
+        pending_.erase(0, start);
+        return true;
+    }
+
     bool Line(std::string_view raw) {
         std::string_view body = raw;
         if (!body.empty() && body.back() == '\n') body.remove_suffix(1);

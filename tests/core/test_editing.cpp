@@ -139,7 +139,8 @@ protected:
 
 // A catalogue with every trap in it: a root file and a file of the same name
 // in a folder, \a beside \a\b, \Bilder beside \Bilder\Urlaub, a description
-// holding '|', one line in Windows-1252, one with a bare LF, and a last line
+// holding '|', lines in Windows-1252, one with a bare LF, one with a bare CR
+// (the readers end a line at either), and a last line
 // without its CR LF.
 const std::string kCatalogue =
     "654311424|-1029197328|CDFS|319488|1|2048|Photos 2003\r\n"
@@ -150,6 +151,7 @@ const std::string kCatalogue =
     "\\a\\b|R|01.01.2000 00:00:00|folder b\r\n"
     "\\B\xFC" "cher|R|01.01.2000 00:00:00|alte B\xFC" "cher\r\n"
     "\\Musik|A|01.01.2000 00:00:00|lf only\n"
+    "\\Alt|A|01.01.2000 00:00:00|cr only\r"
     "\r\n"
     "\\Bilder\\index.htm|2310|R|14.03.2003 09:12:40|\r\n"
     "\\Bilder\\Urlaub\\p1.jpg|183442|R|14.03.2003 09:12:41|First day\r\n"
@@ -200,6 +202,8 @@ INSTANTIATE_TEST_SUITE_P(
                    "|First day\r\n", "|Second day\r\n"},
         RewriteRow{"BareLineFeedKept", false, "\\Musik", "Jazz",
                    "|lf only\n", "|Jazz\n"},
+        RewriteRow{"BareCarriageReturnKept", false, "\\Alt", "Mac",
+                   "|cr only\r", "|Mac\r"},
         RewriteRow{"LastLineWithoutLineEnd", false, "\\liesmich.txt", "read me",
                    "\\liesmich.txt|1024|R|14.03.2003 09:12:40|",
                    "\\liesmich.txt|1024|R|14.03.2003 09:12:40|read me"},
