@@ -1,0 +1,508 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "core/search.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// Operator texts as a language would give them; the engine knows no others.
+const std::array<std::string, 10> kOps = {"gleich",      "ungleich",         "enthält",
+                                          "enthält nicht", "beginnt mit",    "beginnt nicht mit",
+                                          "endet mit",   "endet nicht mit",  "größer",
+                                          "kleiner"};
+enum { EQ, NE, CONT, NCONT, BEG, NBEG, ENDS, NENDS, GT, LT };
+
+class VectorSink : public ct::HitSink {
+public:
+    void Add(const std::string& hit) override { hits.push_back(hit); }
+    std::size_t Count() const override { return hits.size(); }
+    std::vector<std::string> hits;
+};
+
+class TempDir {
+public:
+    TempDir() {
+        std::random_device rd;
+        path_ = fs::temp_directory_path() / ("ct_search_" + std::to_string(rd()));
+        fs::create_directories(path_);
+    }
+    ~TempDir() {
+        std::error_code ec;
+        fs::remove_all(path_, ec);
+    }
+    std::string str() const { return path_.string(); }
+    // Lines joined by CR LF, each line ended, as the program writes them.
+    void Write(const std::string& label, const std::vector<std::string>& lines) {
+        std::string text;
+        for (const auto& l : lines) text += l + "\r\n";
+        WriteRaw(label, text);
+    }
+    void WriteRaw(const std::string& label, const std::string& bytes) {
+        std::ofstream(path_ / (label + ".idx"), std::ios::binary) << bytes;
+    }
+
+private:
+    fs::path path_;
+};
+
+// Two discs in the form the program writes. "Archiv" holds a Windows-1252
+// line (Straße, Märchen) beside a UTF-8 one, as catalogues made on Windows do.
+void WriteCollection(TempDir& dir) {
+    dir.Write("Urlaub", {
+        "654311424|-1029197328|CDFS|319488|1|2048|Photos 2003",
+        "",
+        "\\Bilder|R|14.03.2003 09:12:40|",
+        "\\Bilder\\Urlaub|R|14.03.2003 09:12:41|Trip to the coast",
+        "\\FOTOS|A|01.01.2001 00:00:00|",
+        "\\FOTOS\\2001||02.01.2001 10:00:00|Urlaub",
+        "",
+        "\\Bilder\\index.htm|2310|R|14.03.2003 09:12:40|",
+        "\\Bilder\\Urlaub\\p1.jpg|183442|R|14.03.2003 09:12:41|First day",
+        "\\liesmich.txt|1024|R H|14.03.2003 00:00:00|",
+        "\\FOTOS\\2001\\bild.jpg|-5|R H S|02.01.2001 00:00:00|urlaub am Meer",
+        "\\a*b.txt|0||00.00.0 00:00:00|x|y",
+    });
+    dir.Write("Archiv", {
+        "0|0||0|0|0|alte a|b Urlaubsbilder",
+        "",
+        "\\Urlaub2004|A|05.06.2004 12:00:00|",
+        "",
+        "\\Urlaub2004\\strand.JPG|2147483647|A|05.06.2004 12:00:01|Sommer",
+        "\\Urlaub2004\\Stra\xdf" "e.txt|15|A|05.06.2004 12:00:00|M\xe4rchen",
+        "\\Urlaub2004\\MÄRCHEN.TXT|1|R|05.06.2004 12:00:02|",
+    });
+}
+
+ct::SearchCriteria Criteria(int kind, int op, const std::string& term) {
+    ct::SearchCriteria c;
+    c.kind = kind;
+    c.checkName = true;
+    c.nameOperator = kOps[static_cast<std::size_t>(op)];
+    c.nameTerm = term;
+    c.operatorTexts = kOps;
+    c.noAttributesText = "(ohne Attribute)";
+    c.discs = {{"Urlaub", true}, {"Archiv", true}};
+    return c;
+}
+
+// Only the field criteria: the name check box cleared, the term empty, so
+// that each disc is a hit in its own right (an empty term is contained in
+// every label).
+ct::SearchCriteria FieldsOnly() {
+    auto c = Criteria(2, CONT, "");
+    c.checkName = false;
+    return c;
+}
+
+std::vector<std::string> Hits(const TempDir& dir, const ct::SearchCriteria& c,
+                             ct::SearchEnd* end = nullptr) {
+    VectorSink sink;
+    const ct::SearchEnd e = ct::RunSearch(dir.str(), c, sink);
+    if (end) *end = e;
+    return sink.hits;
+}
+
+struct Row {
+    const char* name;
+    std::function<ct::SearchCriteria()> criteria;
+    std::vector<std::string> hits;  // in walk order
+};
+
+class SearchTable : public ::testing::TestWithParam<Row> {};
+
+TEST_P(SearchTable, HitsInWalkOrder) {
+    TempDir dir;
+    WriteCollection(dir);
+    const Row& row = GetParam();
+    EXPECT_EQ(Hits(dir, row.criteria()), row.hits);
+}
+
+ct::SearchCriteria WithSize(int op, const std::string& value) {
+    auto c = Criteria(0, CONT, ".");  // every file name has a dot, no label or description
+    c.checkSize = true;
+    c.sizeOperatorChosen = true;
+    c.sizeOperator = kOps[static_cast<std::size_t>(op)];
+    c.sizeText = value;
+    return c;
+}
+ct::SearchCriteria WithAttributes(const std::string& text, const std::string& noAttributes = "(ohne Attribute)") {
+    auto c = FieldsOnly();
+    c.checkAttributes = true;
+    c.attributesChosen = true;
+    c.attributes = text;
+    c.noAttributesText = noAttributes;
+    return c;
+}
+ct::SearchCriteria WithDate(int op, const std::string& value) {
+    auto c = FieldsOnly();
+    c.checkDate = true;
+    c.dateOperatorChosen = true;
+    c.dateOperator = kOps[static_cast<std::size_t>(op)];
+    c.dateText = value;
+    return c;
+}
+ct::SearchCriteria WithDescription(int op, const std::string& value) {
+    auto c = FieldsOnly();
+    c.checkDescription = true;
+    c.descriptionOperatorChosen = true;
+    c.descriptionOperator = kOps[static_cast<std::size_t>(op)];
+    c.descriptionText = value;
+    return c;
+}
+
+const Row kRows[] = {
+    // Names: discs by label or description, folders by whole path, files by own name.
+    {"ContainsFindsDiscFolderButNoFileOfThatFolder", [] { return Criteria(2, CONT, "URLAUB"); },
+     {"Urlaub", "Urlaub\\\\Bilder\\Urlaub\\", "Archiv", "Archiv\\\\Urlaub2004\\"}},
+    {"CaseIgnoredInNames", [] { return Criteria(2, CONT, "urlaub"); },
+     {"Urlaub", "Urlaub\\\\Bilder\\Urlaub\\", "Archiv", "Archiv\\\\Urlaub2004\\"}},
+    {"FilesOnlyStillTestsDiscs", [] { return Criteria(0, CONT, "urlaub"); }, {"Urlaub", "Archiv"}},
+    {"FilesOnlyByExtension", [] { return Criteria(0, CONT, "jpg"); },
+     {"Urlaub\\\\Bilder\\Urlaub\\p1.jpg", "Urlaub\\\\FOTOS\\2001\\bild.jpg", "Archiv\\\\Urlaub2004\\strand.JPG"}},
+    {"EqualFolderNeedsWholePath", [] { return Criteria(1, EQ, "\\fotos\\2001"); },
+     {"Urlaub\\\\FOTOS\\2001\\"}},
+    {"EqualFolderOwnNameAloneFindsNothing", [] { return Criteria(1, EQ, "2001"); }, {}},
+    {"EndsWithFindsFolderByOwnName", [] { return Criteria(1, ENDS, "2001"); }, {"Urlaub\\\\FOTOS\\2001\\"}},
+    {"EqualFileByOwnName", [] { return Criteria(0, EQ, "BILD.JPG"); }, {"Urlaub\\\\FOTOS\\2001\\bild.jpg"}},
+    {"FileNeverEqualsAPath", [] { return Criteria(0, EQ, "\\FOTOS\\2001\\bild.jpg"); }, {}},
+    {"AsteriskIsNoWildcard", [] { return Criteria(2, CONT, "*"); }, {"Urlaub\\\\a*b.txt"}},
+    {"BeginsWith", [] { return Criteria(0, BEG, "P1"); }, {"Urlaub\\\\Bilder\\Urlaub\\p1.jpg"}},
+    {"NotContainsDiscIsHitUnlessBothMatch", [] { return Criteria(1, NCONT, "urlaub"); },
+     {"Urlaub", "Urlaub\\\\Bilder\\", "Urlaub\\\\FOTOS\\", "Urlaub\\\\FOTOS\\2001\\", "Archiv"}},
+    {"NotEndsWithFolders", [] { return Criteria(1, NENDS, "s"); },
+     {"Urlaub", "Urlaub\\\\Bilder\\", "Urlaub\\\\Bilder\\Urlaub\\", "Urlaub\\\\FOTOS\\2001\\", "Archiv",
+      "Archiv\\\\Urlaub2004\\"}},
+    {"NotBeginsWithFiles", [] { return Criteria(0, NBEG, "s"); },
+     {"Urlaub", "Urlaub\\\\Bilder\\index.htm", "Urlaub\\\\Bilder\\Urlaub\\p1.jpg", "Urlaub\\\\liesmich.txt",
+      "Urlaub\\\\FOTOS\\2001\\bild.jpg", "Urlaub\\\\a*b.txt", "Archiv", "Archiv\\\\Urlaub2004\\MÄRCHEN.TXT"}},
+    {"DiscByDescriptionBehindLastBar", [] { return Criteria(0, BEG, "b urlaubs"); }, {"Archiv"}},
+    {"DiscTextBeforeLastBarIsNotSearched", [] { return Criteria(0, CONT, "alte"); }, {}},
+    {"UmlautUpperCasedInNames", [] { return Criteria(0, CONT, "märchen"); },
+     {"Archiv\\\\Urlaub2004\\MÄRCHEN.TXT"}},
+    {"Windows1252LineDecoded", [] { return Criteria(0, BEG, "straße"); },
+     {"Archiv\\\\Urlaub2004\\Straße.txt"}},
+    {"UnknownOperatorMakesNoNameTest",
+     [] {
+         auto c = Criteria(1, CONT, "zzz");
+         c.nameOperator = "";  // typed into the box: emptied, no operator
+         return c;
+     },
+     {"Urlaub", "Urlaub\\\\Bilder\\", "Urlaub\\\\Bilder\\Urlaub\\", "Urlaub\\\\FOTOS\\", "Urlaub\\\\FOTOS\\2001\\",
+      "Archiv", "Archiv\\\\Urlaub2004\\"}},
+    {"UncheckedNameStillTestsDiscsWithTerm",
+     [] {
+         auto c = Criteria(1, EQ, "archiv");
+         c.checkName = false;
+         return c;
+     },
+     {"Urlaub\\\\Bilder\\", "Urlaub\\\\Bilder\\Urlaub\\", "Urlaub\\\\FOTOS\\", "Urlaub\\\\FOTOS\\2001\\", "Archiv",
+      "Archiv\\\\Urlaub2004\\"}},
+    // The closing backslash: folder lines with "ends with" take one off for good.
+    {"ClosingBackslashCarriedToFileLines", [] { return Criteria(2, ENDS, "jpg\\"); },
+     {"Urlaub\\\\Bilder\\Urlaub\\p1.jpg", "Urlaub\\\\FOTOS\\2001\\bild.jpg", "Archiv\\\\Urlaub2004\\strand.JPG"}},
+    {"ClosingBackslashKeptWithoutFolderLines", [] { return Criteria(0, ENDS, "jpg\\"); }, {}},
+    {"OneBackslashOffPerFolderLine", [] { return Criteria(1, ENDS, "2001\\\\"); }, {"Urlaub\\\\FOTOS\\2001\\"}},
+    {"ClosingBackslashNotTakenWithContains", [] { return Criteria(1, CONT, "2001\\"); }, {}},
+    // Sizes: files only, folders never size-tested.
+    {"SizeLettersCountAsZero", [] { return WithSize(GT, "abc"); },
+     {"Urlaub\\\\Bilder\\index.htm", "Urlaub\\\\Bilder\\Urlaub\\p1.jpg", "Urlaub\\\\liesmich.txt",
+      "Archiv\\\\Urlaub2004\\strand.JPG", "Archiv\\\\Urlaub2004\\Straße.txt", "Archiv\\\\Urlaub2004\\MÄRCHEN.TXT"}},
+    {"NegativeSizeIsLessThanZero", [] { return WithSize(LT, "0"); }, {"Urlaub\\\\FOTOS\\2001\\bild.jpg"}},
+    {"CommaEndsTheNumber", [] { return WithSize(EQ, "1024,5"); }, {"Urlaub\\\\liesmich.txt"}},
+    {"PointIsTheDecimalSign", [] { return WithSize(EQ, "1024.5"); }, {}},
+    {"OneCommaFiveIsOne", [] { return WithSize(EQ, "1,5"); }, {"Archiv\\\\Urlaub2004\\MÄRCHEN.TXT"}},
+    {"NotEqualSize", [] { return WithSize(NE, "2147483647"); },
+     {"Urlaub\\\\Bilder\\index.htm", "Urlaub\\\\Bilder\\Urlaub\\p1.jpg", "Urlaub\\\\liesmich.txt",
+      "Urlaub\\\\FOTOS\\2001\\bild.jpg", "Urlaub\\\\a*b.txt", "Archiv\\\\Urlaub2004\\Straße.txt",
+      "Archiv\\\\Urlaub2004\\MÄRCHEN.TXT"}},
+    {"FractionalLimit", [] { return WithSize(GT, "2147483646.9999"); }, {"Archiv\\\\Urlaub2004\\strand.JPG"}},
+    {"FoldersPassTheSizeTest",
+     [] {
+         auto c = WithSize(LT, "0");
+         c.kind = 2;
+         c.nameTerm = "u";
+         return c;
+     },
+     {"Urlaub", "Urlaub\\\\Bilder\\Urlaub\\", "Archiv", "Archiv\\\\Urlaub2004\\"}},
+    // Attributes: the whole field.
+    {"NoAttributesLiteral", [] { return WithAttributes("(ohne Attribute)"); },
+     {"Urlaub", "Urlaub\\\\FOTOS\\2001\\", "Urlaub\\\\a*b.txt", "Archiv"}},
+    {"NoAttributesInTheLanguageInForce", [] { return WithAttributes("(no attributes)", "(no attributes)"); },
+     {"Urlaub", "Urlaub\\\\FOTOS\\2001\\", "Urlaub\\\\a*b.txt", "Archiv"}},
+    {"AttributesWholeFieldOnly", [] { return WithAttributes("R H"); }, {"Urlaub", "Urlaub\\\\liesmich.txt", "Archiv"}},
+    {"SingleMark", [] { return WithAttributes("A"); },
+     {"Urlaub", "Urlaub\\\\FOTOS\\", "Archiv", "Archiv\\\\Urlaub2004\\", "Archiv\\\\Urlaub2004\\strand.JPG",
+      "Archiv\\\\Urlaub2004\\Straße.txt"}},
+    // Dates: to the second; a date without time is midnight.
+    {"DateWithoutTimeIsMidnight", [] { return WithDate(EQ, "14.03.2003"); },
+     {"Urlaub", "Urlaub\\\\liesmich.txt", "Archiv"}},
+    {"LaterSameDay", [] { return WithDate(GT, "14.03.2003"); },
+     {"Urlaub", "Urlaub\\\\Bilder\\", "Urlaub\\\\Bilder\\Urlaub\\", "Urlaub\\\\Bilder\\index.htm",
+      "Urlaub\\\\Bilder\\Urlaub\\p1.jpg", "Archiv", "Archiv\\\\Urlaub2004\\", "Archiv\\\\Urlaub2004\\strand.JPG",
+      "Archiv\\\\Urlaub2004\\Straße.txt", "Archiv\\\\Urlaub2004\\MÄRCHEN.TXT"}},
+    {"DateWithShortTime", [] { return WithDate(EQ, "5.6.2004 12:00"); },
+     {"Urlaub", "Archiv", "Archiv\\\\Urlaub2004\\", "Archiv\\\\Urlaub2004\\Straße.txt"}},
+    {"UnreadableTimeFailsOnlyItsLine", [] { return WithDate(LT, "01.01.2002"); },
+     {"Urlaub", "Urlaub\\\\FOTOS\\", "Urlaub\\\\FOTOS\\2001\\", "Urlaub\\\\FOTOS\\2001\\bild.jpg", "Archiv"}},
+    {"UnreadableTimeIsNotUnequal", [] { return WithDate(NE, "01.01.2001 00:00:00"); },
+     {"Urlaub", "Urlaub\\\\Bilder\\", "Urlaub\\\\Bilder\\Urlaub\\", "Urlaub\\\\FOTOS\\2001\\", "Urlaub\\\\Bilder\\index.htm",
+      "Urlaub\\\\Bilder\\Urlaub\\p1.jpg", "Urlaub\\\\liesmich.txt", "Urlaub\\\\FOTOS\\2001\\bild.jpg", "Archiv",
+      "Archiv\\\\Urlaub2004\\", "Archiv\\\\Urlaub2004\\strand.JPG", "Archiv\\\\Urlaub2004\\Straße.txt",
+      "Archiv\\\\Urlaub2004\\MÄRCHEN.TXT"}},
+    // Descriptions: case counts, the whole rest of the line.
+    {"DescriptionRespectsCase", [] { return WithDescription(CONT, "Urlaub"); },
+     {"Urlaub", "Urlaub\\\\FOTOS\\2001\\", "Archiv"}},
+    {"DescriptionLowerCase", [] { return WithDescription(CONT, "urlaub"); },
+     {"Urlaub", "Urlaub\\\\FOTOS\\2001\\bild.jpg", "Archiv"}},
+    {"DescriptionHoldsBars", [] { return WithDescription(EQ, "x|y"); }, {"Urlaub", "Urlaub\\\\a*b.txt", "Archiv"}},
+    {"DescriptionEndsWith", [] { return WithDescription(ENDS, "day"); },
+     {"Urlaub", "Urlaub\\\\Bilder\\Urlaub\\p1.jpg", "Archiv"}},
+    {"DescriptionNoBackslashStep", [] { return WithDescription(ENDS, "coast\\"); }, {"Urlaub", "Archiv"}},
+    {"DescriptionWindows1252", [] { return WithDescription(BEG, "Mär"); },
+     {"Urlaub", "Archiv", "Archiv\\\\Urlaub2004\\Straße.txt"}},
+    // All criteria joined by "and".
+    {"AllFiveCriteria",
+     [] {
+         auto c = WithSize(GT, "100");
+         c.kind = 2;
+         c.nameOperator = kOps[CONT];
+         c.nameTerm = "j";
+         c.checkAttributes = c.attributesChosen = true;
+         c.attributes = "R";
+         c.checkDate = c.dateOperatorChosen = true;
+         c.dateOperator = kOps[GT];
+         c.dateText = "1.1.2003";
+         c.checkDescription = c.descriptionOperatorChosen = true;
+         c.descriptionOperator = kOps[CONT];
+         c.descriptionText = "First";
+         return c;
+     },
+     {"Urlaub\\\\Bilder\\Urlaub\\p1.jpg"}},
+};
+
+INSTANTIATE_TEST_SUITE_P(Search, SearchTable, ::testing::ValuesIn(kRows),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+// --- Entry checks ------------------------------------------------------------------
+
+struct CheckRow {
+    const char* name;
+    std::function<void(ct::SearchCriteria&)> change;
+    int topic;
+};
+
+class EntryChecks : public ::testing::TestWithParam<CheckRow> {};
+
+TEST_P(EntryChecks, FirstFailingCheckNamesTheTopic) {
+    auto c = Criteria(2, CONT, "x");
+    GetParam().change(c);
+    EXPECT_EQ(ct::CheckCriteria(c), GetParam().topic);
+}
+
+// Each row breaks its own check and every later one, so the order shows.
+void BreakFrom(ct::SearchCriteria& c, int from) {
+    if (from <= 1) c.kind = -1;
+    if (from <= 2) c.nameTerm.clear();
+    c.checkSize = c.checkAttributes = c.checkDate = c.checkDescription = true;
+    c.sizeOperatorChosen = from > 3;
+    c.attributesChosen = from > 4;
+    c.dateOperatorChosen = from > 5;
+    c.descriptionOperatorChosen = from > 6;
+    c.sizeText = from > 7 ? "1" : "";
+    c.dateText = from > 8 ? "no date" : "";
+    c.descriptionText = from > 9 ? "d" : "";
+    if (from <= 10)
+        for (auto& d : c.discs) d.marked = false;
+}
+
+const CheckRow kCheckRows[] = {
+    {"NoKind", [](auto& c) { BreakFrom(c, 1); }, 10101},
+    {"NoTerm", [](auto& c) { BreakFrom(c, 2); }, 10102},
+    {"NoSizeOperator", [](auto& c) { BreakFrom(c, 3); }, 10103},
+    {"NoAttributes", [](auto& c) { BreakFrom(c, 4); }, 10104},
+    {"NoDateOperator", [](auto& c) { BreakFrom(c, 5); }, 10105},
+    {"NoDescriptionOperator", [](auto& c) { BreakFrom(c, 6); }, 10106},
+    {"NoSize", [](auto& c) { BreakFrom(c, 7); }, 10107},
+    {"NoDate", [](auto& c) { BreakFrom(c, 8); }, 10108},
+    {"NoDescription", [](auto& c) { BreakFrom(c, 9); }, 10109},
+    {"NoDiscMarked", [](auto& c) { BreakFrom(c, 10); }, 10110},
+    {"BadDate", [](auto& c) { BreakFrom(c, 11); }, 10112},
+    {"NoDiscsAtAll", [](auto& c) { c.discs.clear(); }, 10110},
+    {"BlanksAreATerm", [](auto& c) { c.nameTerm = "  "; }, 0},
+    {"EmptyTermWithNameUnchecked", [](auto& c) { c.nameTerm.clear(); c.checkName = false; }, 0},
+    {"OperatorBoxIsNotChecked", [](auto& c) { c.nameOperator.clear(); }, 0},
+    {"UncheckedCriteriaAreNotChecked", [](auto& c) { c.dateText = "no date"; c.sizeText.clear(); }, 0},
+    {"SizeNumberIsNotChecked", [](auto& c) { c.checkSize = c.sizeOperatorChosen = true; c.sizeText = "abc"; }, 0},
+};
+
+INSTANTIATE_TEST_SUITE_P(Search, EntryChecks, ::testing::ValuesIn(kCheckRows),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+TEST(SearchOperators, LowerIdWinsOnEqualTexts) {
+    auto texts = kOps;
+    texts[2] = texts[0];  // "contains" reads like "equal"
+    texts[9] = texts[1];
+    EXPECT_EQ(ct::TextOperator(texts, "gleich"), ct::SearchOp::Equal);
+    EXPECT_EQ(ct::NumberOperator(texts, "ungleich"), ct::SearchOp::NotEqual);
+    // The size and date boxes don't offer "contains": no test.
+    EXPECT_EQ(ct::NumberOperator(kOps, "enthält"), ct::SearchOp::None);
+    EXPECT_EQ(ct::TextOperator(kOps, "größer"), ct::SearchOp::None);
+}
+
+TEST(SearchOperators, EmptyTermRules) {
+    EXPECT_TRUE(ct::CompareText(ct::SearchOp::Contains, "A", ""));
+    EXPECT_FALSE(ct::CompareText(ct::SearchOp::Contains, "", ""));
+    EXPECT_TRUE(ct::CompareText(ct::SearchOp::BeginsWith, "", ""));
+    EXPECT_TRUE(ct::CompareText(ct::SearchOp::EndsWith, "", ""));
+    EXPECT_TRUE(ct::CompareText(ct::SearchOp::NotContains, "", "A"));
+}
+
+// --- Dates -----------------------------------------------------------------------------
+
+struct DateRow {
+    const char* name;
+    const char* text;
+    const char* full;  // nullptr: not a date
+};
+class Dates : public ::testing::TestWithParam<DateRow> {};
+TEST_P(Dates, ReadAndWrittenInFull) {
+    const auto& r = GetParam();
+    ct::SearchTime t = 0;
+    const bool ok = ct::ReadDate(r.text, t);
+    ASSERT_EQ(ok, r.full != nullptr);
+    if (ok) {
+        EXPECT_EQ(ct::DateText(t), r.full);
+    }
+    EXPECT_EQ(ct::FullDateText(r.text), r.full ? r.full : r.text);
+}
+const DateRow kDateRows[] = {
+    {"Full", "14.03.2003 09:12:40", "14.03.2003 09:12:40"},
+    {"DateOnly", "14.03.2003", "14.03.2003 00:00:00"},
+    {"OneDigitDayMonth", "1.2.2003", "01.02.2003 00:00:00"},
+    {"ShortTime", "01.02.2003 4:5", "01.02.2003 04:05:00"},
+    {"Blanks", "  5.6.2004   12:00:01 ", "05.06.2004 12:00:01"},
+    {"TwoDigitYear", "1.1.99", "01.01.1999 00:00:00"},
+    {"TwoDigitYearThisCentury", "1.1.05", "01.01.2005 00:00:00"},
+    {"LeapDay", "29.02.2004", "29.02.2004 00:00:00"},
+    {"LastSecond", "31.12.9999 23:59:59", "31.12.9999 23:59:59"},
+    {"NoLeapDay", "29.02.2003", nullptr},
+    {"April31", "31.04.2003", nullptr},
+    {"FailedTimeText", "00.00.0 00:00:00", nullptr},
+    {"Hour25", "14.03.2003 25:00:00", nullptr},
+    {"Letters", "abc", nullptr},
+    {"Empty", "", nullptr},
+    {"TrailingJunk", "14.03.2003 x", nullptr},
+    {"FiveDigitYear", "1.1.30827", nullptr},
+    {"LongNumber", "99999999999999999999.1.2000", nullptr},
+};
+INSTANTIATE_TEST_SUITE_P(Search, Dates, ::testing::ValuesIn(kDateRows),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+// --- The run ------------------------------------------------------------------------------
+
+void WriteManyFiles(TempDir& dir, const std::string& label, int files) {
+    std::string text = "0|0||0|0|0|\r\n\r\n\r\n";
+    for (int i = 0; i < files; ++i) text += "\\f" + std::to_string(i) + ".txt|1|A|01.01.2001 00:00:00|\r\n";
+    dir.WriteRaw(label, text);
+}
+
+TEST(SearchRun, Exactly32000HitsEndNormally) {
+    TempDir dir;
+    WriteManyFiles(dir, "Viele", 32000);
+    auto c = Criteria(0, BEG, "f");
+    c.discs = {{"Viele", true}};
+    ct::SearchEnd end;
+    EXPECT_EQ(Hits(dir, c, &end).size(), 32000u);
+    EXPECT_EQ(end, ct::SearchEnd::Normal);
+}
+
+TEST(SearchRun, The32001stHitEndsTheRunAtOnce) {
+    TempDir dir;
+    WriteManyFiles(dir, "Viele", 32000);
+    dir.Write("Zweite", {"0|0||0|0|0|fotos"});
+    auto c = Criteria(0, CONT, "f");
+    c.discs = {{"Viele", true}, {"Zweite", true}};
+    VectorSink sink;
+    int discsDone = 0;
+    ct::SearchHooks hooks;
+    hooks.afterDisc = [&](int, std::size_t) { ++discsDone; };
+    EXPECT_EQ(ct::RunSearch(dir.str(), c, sink, hooks), ct::SearchEnd::HitLimit);
+    EXPECT_EQ(sink.hits.size(), 32000u);
+    EXPECT_EQ(sink.hits.back(), "Viele\\\\f31999.txt");
+    EXPECT_EQ(discsDone, 1);  // the disc that struck the limit isn't reported done
+}
+
+TEST(SearchRun, DamagedCataloguesArePassedOver) {
+    TempDir dir;
+    dir.WriteRaw("Leer", "");
+    dir.WriteRaw("Kopf", "0|0||0|0|0|nur kopf");  // no line end, nothing behind
+    // Cut short in the middle of its last line.
+    dir.WriteRaw("Kurz", "0|0||0|0|0|kurz\r\n\r\n\\kurz1|A|01.01.2001 00:00:00|\r\n\r\n"
+                         "\\kurz.txt|1|A|01.01.2001 00:00:00|\r\n\\ku");
+    dir.WriteRaw("Wirr", "kein kopf\r\n\r\nohne striche\r\n\\wirr|||\r\n\r\nnoch ohne\r\n\\wirr.txt|x|||\r\n");
+    dir.Write("Ende", {"0|0||0|0|0|", "", "", "\\ende.txt|1|A|01.01.2001 00:00:00|"});
+    auto c = Criteria(2, CONT, "k");
+    c.discs = {{"Fehlt", true}, {"Leer", true}, {"Kopf", true}, {"Kurz", true}, {"Wirr", true},
+               {"Ende", true}};
+    c.nameTerm = "";
+    c.checkName = false;
+    std::vector<int> counters;
+    VectorSink sink;
+    ct::SearchHooks hooks;
+    hooks.afterDisc = [&](int n, std::size_t) { counters.push_back(n); };
+    EXPECT_EQ(ct::RunSearch(dir.str(), c, sink, hooks), ct::SearchEnd::Normal);
+    EXPECT_EQ(sink.hits, (std::vector<std::string>{"Kopf", "Kurz", "Kurz\\\\kurz1\\", "Kurz\\\\kurz.txt", "Wirr\\\\wirr\\",
+                                                   "Wirr\\\\wirr.txt", "Ende", "Ende\\\\ende.txt"}));
+    EXPECT_EQ(counters, (std::vector<int>{1, 2, 3, 4, 5, 6}));
+}
+
+TEST(SearchRun, StopEndsAfterTheDiscInHand) {
+    TempDir dir;
+    WriteCollection(dir);
+    auto c = Criteria(2, CONT, "urlaub");
+    c.discs = {{"Urlaub", true}, {"Unmarkiert", false}, {"Archiv", true}};
+    bool stop = false;
+    std::vector<std::pair<int, std::size_t>> seen;
+    ct::SearchHooks hooks;
+    hooks.stopRequested = &stop;
+    hooks.afterDisc = [&](int n, std::size_t hits) {
+        seen.emplace_back(n, hits);
+        stop = true;
+    };
+    VectorSink sink;
+    EXPECT_EQ(ct::RunSearch(dir.str(), c, sink, hooks), ct::SearchEnd::Stopped);
+    EXPECT_EQ(sink.hits, (std::vector<std::string>{"Urlaub", "Urlaub\\\\Bilder\\Urlaub\\"}));
+    EXPECT_EQ(seen, (std::vector<std::pair<int, std::size_t>>{{1, 2}}));
+}
+
+TEST(SearchRun, UnmarkedDiscsAreNotCounted) {
+    TempDir dir;
+    WriteCollection(dir);
+    auto c = Criteria(2, CONT, "urlaub");
+    c.discs = {{"Urlaub", false}, {"Archiv", true}};
+    std::vector<int> counters;
+    ct::SearchHooks hooks;
+    hooks.afterDisc = [&](int n, std::size_t) { counters.push_back(n); };
+    VectorSink sink;
+    ct::RunSearch(dir.str(), c, sink, hooks);
+    EXPECT_EQ(sink.hits, (std::vector<std::string>{"Archiv", "Archiv\\\\Urlaub2004\\"}));
+    EXPECT_EQ(counters, (std::vector<int>{1}));
+}
+
+TEST(SearchOrder, CaseIgnoredTiesByBytes) {
+    std::vector<std::string> v = {"urlaub\\\\b", "Archiv", "URLAUB", "Urlaub\\\\a", "Urlaub", "äpfel", "Zebra"};
+    std::sort(v.begin(), v.end(), [](const auto& a, const auto& b) { return ct::ListOrderLess(a, b); });
+    EXPECT_EQ(v, (std::vector<std::string>{"Archiv", "URLAUB", "Urlaub", "Urlaub\\\\a", "urlaub\\\\b", "Zebra",
+                                           "äpfel"}));
+}
+
+}  // namespace
