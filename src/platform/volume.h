@@ -14,6 +14,11 @@ namespace ct {
 
 void ReadVolumeInfo(const std::string& root, VolumeInfo& volume);
 
+// The capacity from the geometry: clusters times sectors per cluster as a
+// 32-bit signed product (wrapping as the 32-bit original did), times bytes per
+// sector without limit.
+Fixed VolumeSize(std::int32_t clusterCount, std::int32_t sectorsPerCluster, std::int32_t bytesPerSector);
+
 // One line of /proc/self/mountinfo, the parts we use.
 struct MountEntry {
     std::string mountPoint;  // unescaped (\040 -> blank)

@@ -1,0 +1,355 @@
+// Reads a volume's label and serial number straight from its first sectors,
+// the way Windows derives them, for the file systems a disc or stick carries.
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "platform/probe.h"
+#include "platform/volume.h"
+
+namespace ct {
+namespace {
+
+using Bytes = std::vector<unsigned char>;
+
+constexpr std::uint64_t kOpticalSector = 2048;
+
+Bytes ReadAt(int fd, std::uint64_t offset, std::size_t size) {
+    Bytes buf(size);
+    std::size_t done = 0;
+    while (done < size) {
+        const ssize_t n = pread(fd, buf.data() + done, size - done, static_cast<off_t>(offset + done));
+        if (n <= 0) break;
+        done += static_cast<std::size_t>(n);
+    }
+    buf.resize(done);
+    return buf;
+}
+
+std::uint32_t Le16(const Bytes& b, std::size_t at) {
+    return static_cast<std::uint32_t>(b[at]) | static_cast<std::uint32_t>(b[at + 1]) << 8;
+}
+std::uint32_t Le32(const Bytes& b, std::size_t at) { return Le16(b, at) | Le16(b, at + 2) << 16; }
+bool Has(const Bytes& b, std::size_t at, const char* text) {
+    const std::size_t n = std::strlen(text);
+    return b.size() >= at + n && std::memcmp(b.data() + at, text, n) == 0;
+}
+
+void AppendUtf8(std::string& out, char32_t c) {
+    if (c < 0x80) {
+        out += static_cast<char>(c);
+    } else if (c < 0x800) {
+        out += static_cast<char>(0xC0 | (c >> 6));
+        out += static_cast<char>(0x80 | (c & 0x3F));
+    } else if (c < 0x10000) {
+        out += static_cast<char>(0xE0 | (c >> 12));
+        out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+        out += static_cast<char>(0x80 | (c & 0x3F));
+    } else {
+        out += static_cast<char>(0xF0 | (c >> 18));
+        out += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
+        out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+        out += static_cast<char>(0x80 | (c & 0x3F));
+    }
+}
+
+// UTF-16 code units to UTF-8; a lone surrogate becomes U+FFFD.
+std::string Utf16ToUtf8(const std::vector<char16_t>& units) {
+    std::string out;
+    for (std::size_t i = 0; i < units.size(); ++i) {
+        char32_t c = units[i];
+        if (c >= 0xD800 && c < 0xDC00 && i + 1 < units.size() && units[i + 1] >= 0xDC00 &&
+            units[i + 1] < 0xE000) {
+            c = 0x10000 + ((c - 0xD800) << 10) + (units[i + 1] - 0xDC00);
+            ++i;
+        } else if (c >= 0xD800 && c < 0xE000) {
+            c = 0xFFFD;
+        }
+        AppendUtf8(out, c);
+    }
+    return out;
+}
+
+std::string Latin1ToUtf8(const unsigned char* p, std::size_t n) {
+    std::string out;
+    for (std::size_t i = 0; i < n; ++i) AppendUtf8(out, p[i]);
+    return out;
+}
+
+// FAT labels are in the OEM code page; 850 is the one of Western Windows.
+std::string Cp850ToUtf8(const unsigned char* p, std::size_t n) {
+    static constexpr char16_t kHigh[128] = {
+        0x00C7, 0x00FC, 0x00E9, 0x00E2, 0x00E4, 0x00E0, 0x00E5, 0x00E7, 0x00EA, 0x00EB, 0x00E8,
+        0x00EF, 0x00EE, 0x00EC, 0x00C4, 0x00C5, 0x00C9, 0x00E6, 0x00C6, 0x00F4, 0x00F6, 0x00F2,
+        0x00FB, 0x00F9, 0x00FF, 0x00D6, 0x00DC, 0x00F8, 0x00A3, 0x00D8, 0x00D7, 0x0192, 0x00E1,
+        0x00ED, 0x00F3, 0x00FA, 0x00F1, 0x00D1, 0x00AA, 0x00BA, 0x00BF, 0x00AE, 0x00AC, 0x00BD,
+        0x00BC, 0x00A1, 0x00AB, 0x00BB, 0x2591, 0x2592, 0x2593, 0x2502, 0x2524, 0x00C1, 0x00C2,
+        0x00C0, 0x00A9, 0x2563, 0x2551, 0x2557, 0x255D, 0x00A2, 0x00A5, 0x2510, 0x2514, 0x2534,
+        0x252C, 0x251C, 0x2500, 0x253C, 0x00E3, 0x00C3, 0x255A, 0x2554, 0x2569, 0x2566, 0x2560,
+        0x2550, 0x256C, 0x00A4, 0x00F0, 0x00D0, 0x00CA, 0x00CB, 0x00C8, 0x0131, 0x00CD, 0x00CE,
+        0x00CF, 0x2518, 0x250C, 0x2588, 0x2584, 0x00A6, 0x00CC, 0x2580, 0x00D3, 0x00DF, 0x00D4,
+        0x00D2, 0x00F5, 0x00D5, 0x00B5, 0x00FE, 0x00DE, 0x00DA, 0x00DB, 0x00D9, 0x00FD, 0x00DD,
+        0x00AF, 0x00B4, 0x00AD, 0x00B1, 0x2017, 0x00BE, 0x00B6, 0x00A7, 0x00F7, 0x00B8, 0x00B0,
+        0x00A8, 0x00B7, 0x00B9, 0x00B3, 0x00B2, 0x25A0, 0x00A0};
+    std::string out;
+    for (std::size_t i = 0; i < n; ++i) AppendUtf8(out, p[i] < 0x80 ? p[i] : kHigh[p[i] - 0x80]);
+    return out;
+}
+
+std::string StripTrailing(std::string text) {
+    while (!text.empty() && (text.back() == ' ' || text.back() == '\0')) text.pop_back();
+    return text;
+}
+
+// The four byte-wise sums over a descriptor, as the CD file systems of Windows
+// turn them into a serial number; UDF reads them in the other order.
+std::array<std::uint8_t, 4> Sums(const Bytes& block) {
+    std::array<std::uint8_t, 4> s{};
+    for (std::size_t i = 0; i + 3 < block.size() && i < 2048; i += 4)
+        for (std::size_t k = 0; k < 4; ++k) s[k] = static_cast<std::uint8_t>(s[k] + block[i + k]);
+    return s;
+}
+
+// --- ISO 9660 -------------------------------------------------------------
+
+bool ProbeIso(int fd, std::uint64_t session, VolumeLabel& out) {
+    Bytes primary, joliet;
+    for (std::uint64_t i = 16; i < 16 + 64; ++i) {
+        Bytes d = ReadAt(fd, (session + i) * kOpticalSector, kOpticalSector);
+        if (d.size() < kOpticalSector || !Has(d, 1, "CD001")) break;
+        if (d[0] == 255) break;
+        if (d[0] == 1 && primary.empty()) primary = d;
+        if (d[0] == 2 && d[88] == '%' && d[89] == '/' && (d[90] == '@' || d[90] == 'C' || d[90] == 'E')) {
+            joliet = std::move(d);
+            break;  // the first Joliet descriptor is the one Windows reads
+        }
+    }
+    const Bytes& chosen = joliet.empty() ? primary : joliet;
+    if (chosen.empty()) return false;
+    const auto s = Sums(chosen);
+    out.serial = static_cast<std::uint32_t>(s[0]) << 24 | static_cast<std::uint32_t>(s[1]) << 16 |
+                 static_cast<std::uint32_t>(s[2]) << 8 | s[3];
+    if (!joliet.empty()) {
+        std::vector<char16_t> units;
+        for (std::size_t i = 40; i < 72; i += 2)
+            units.push_back(static_cast<char16_t>(chosen[i] << 8 | chosen[i + 1]));
+        out.name = StripTrailing(Utf16ToUtf8(units));
+    } else {
+        out.name = StripTrailing(Latin1ToUtf8(chosen.data() + 40, 32));
+    }
+    out.fileSystem = "CDFS";
+    return true;
+}
+
+// --- UDF ------------------------------------------------------------------
+
+// A UDF "dstring": compression id first, length in the field's last byte.
+std::string DString(const Bytes& b, std::size_t at, std::size_t fieldSize) {
+    const std::size_t used = b[at + fieldSize - 1];
+    if (used < 2 || used > fieldSize - 1) return {};
+    const unsigned id = b[at];
+    if (id == 8) return StripTrailing(Latin1ToUtf8(b.data() + at + 1, used - 1));
+    if (id == 16) {
+        std::vector<char16_t> units;
+        for (std::size_t i = at + 1; i + 1 < at + used; i += 2)
+            units.push_back(static_cast<char16_t>(b[i] << 8 | b[i + 1]));
+        return StripTrailing(Utf16ToUtf8(units));
+    }
+    return {};
+}
+
+bool ProbeUdf(int fd, std::uint64_t session, VolumeLabel& out) {
+    // The volume recognition sequence: a run of 2048-byte descriptors named
+    // by five letters; an NSR descriptor marks UDF.
+    bool nsr = false;
+    for (std::uint64_t i = 16; i < 16 + 64; ++i) {
+        const Bytes d = ReadAt(fd, (session + i) * kOpticalSector, kOpticalSector);
+        if (d.size() < 6) break;
+        if (Has(d, 1, "NSR02") || Has(d, 1, "NSR03")) {
+            nsr = true;
+            continue;
+        }
+        if (Has(d, 1, "BEA01") || Has(d, 1, "CD001") || Has(d, 1, "BOOT2") || Has(d, 1, "CDW02"))
+            continue;
+        break;  // TEA01 or anything else ends the sequence
+    }
+    if (!nsr) return false;
+    const Bytes anchor = ReadAt(fd, (session + 256) * kOpticalSector, kOpticalSector);
+    if (anchor.size() < 24 || Le16(anchor, 0) != 2) return false;
+    const std::uint32_t vdsLength = Le32(anchor, 16), vdsStart = Le32(anchor, 20);
+    std::string logicalName, volumeName;
+    std::uint32_t fsdBlock = 0, partitionStart = 0;
+    bool haveLvd = false, havePd = false;
+    for (std::uint32_t i = 0; i < vdsLength / kOpticalSector && i < 64; ++i) {
+        const Bytes d = ReadAt(fd, (static_cast<std::uint64_t>(vdsStart) + i) * kOpticalSector,
+                               kOpticalSector);
+        if (d.size() < kOpticalSector) break;
+        const std::uint32_t tag = Le16(d, 0);
+        if (tag == 8) break;
+        if (tag == 1 && volumeName.empty()) volumeName = DString(d, 24, 32);
+        if (tag == 5 && !havePd) {
+            partitionStart = Le32(d, 188);
+            havePd = true;
+        }
+        if (tag == 6 && !haveLvd) {
+            logicalName = DString(d, 84, 128);
+            fsdBlock = Le32(d, 252);
+            haveLvd = true;
+        }
+    }
+    out.name = logicalName.empty() ? volumeName : logicalName;
+    out.serial = 0;
+    if (haveLvd && havePd) {
+        const Bytes fsd = ReadAt(
+            fd, (static_cast<std::uint64_t>(partitionStart) + fsdBlock) * kOpticalSector, kOpticalSector);
+        if (fsd.size() == kOpticalSector && Le16(fsd, 0) == 256) {
+            const auto s = Sums(fsd);
+            out.serial = static_cast<std::uint32_t>(s[3]) << 24 | static_cast<std::uint32_t>(s[2]) << 16 |
+                         static_cast<std::uint32_t>(s[1]) << 8 | s[0];
+        }
+    }
+    out.fileSystem = "UDF";
+    return true;
+}
+
+// --- FAT, exFAT, NTFS -----------------------------------------------------
+
+bool PowerOfTwo(std::uint32_t v) { return v != 0 && (v & (v - 1)) == 0; }
+
+// The label entry of a run of FAT directory entries. `end` turns true at the
+// entry that ends the directory.
+bool FatLabelIn(const Bytes& entries, std::string& label, bool& end) {
+    for (std::size_t at = 0; at + 32 <= entries.size(); at += 32) {
+        const unsigned first = entries[at];
+        if (first == 0) {
+            end = true;
+            return false;
+        }
+        if (first == 0xE5) continue;
+        const unsigned attr = entries[at + 11];
+        if (attr == 0x0F || !(attr & 0x08) || (attr & 0x10)) continue;
+        unsigned char name[11];
+        std::memcpy(name, entries.data() + at, 11);
+        if (name[0] == 0x05) name[0] = 0xE5;
+        label = StripTrailing(Cp850ToUtf8(name, 11));
+        return true;
+    }
+    return false;
+}
+
+bool ProbeFat(int fd, const Bytes& boot, VolumeLabel& out) {
+    if (boot.size() < 512 || !(boot[0] == 0xEB || boot[0] == 0xE9)) return false;
+    const std::uint32_t bps = Le16(boot, 11), spc = boot[13], reserved = Le16(boot, 14),
+                        fats = boot[16], rootEntries = Le16(boot, 17), media = boot[21];
+    const std::uint32_t fatSize = Le16(boot, 22) ? Le16(boot, 22) : Le32(boot, 36);
+    const std::uint32_t total = Le16(boot, 19) ? Le16(boot, 19) : Le32(boot, 32);
+    if (bps < 512 || bps > 4096 || !PowerOfTwo(bps) || !PowerOfTwo(spc) || reserved == 0 || fats == 0 ||
+        !(media == 0xF0 || media >= 0xF8) || fatSize == 0)
+        return false;
+    const std::uint32_t rootSectors = (rootEntries * 32 + bps - 1) / bps;
+    const std::uint64_t firstData = reserved + static_cast<std::uint64_t>(fats) * fatSize + rootSectors;
+    if (total <= firstData) return false;
+    const std::uint64_t clusters = (total - firstData) / spc;
+    const bool fat32 = clusters >= 65525;
+    const std::size_t ext = fat32 ? 0x42 : 0x26;  // extended boot signature
+    const bool extended = boot[ext] == 0x28 || boot[ext] == 0x29;
+    out.serial = extended ? Le32(boot, ext + 1) : 0;
+    out.fileSystem = fat32 ? "FAT32" : "FAT";
+
+    std::string label;
+    bool found = false, end = false;
+    if (!fat32) {
+        const Bytes root = ReadAt(fd, (reserved + static_cast<std::uint64_t>(fats) * fatSize) * bps,
+                                  static_cast<std::size_t>(rootSectors) * bps);
+        found = FatLabelIn(root, label, end);
+    } else {
+        std::uint32_t cluster = Le32(boot, 44);
+        const std::size_t clusterBytes = static_cast<std::size_t>(spc) * bps;
+        for (int guard = 0; guard < 4096 && !found && !end && cluster >= 2 && cluster < clusters + 2;
+             ++guard) {
+            const Bytes run = ReadAt(fd, (firstData + static_cast<std::uint64_t>(cluster - 2) * spc) * bps,
+                                     clusterBytes);
+            if (run.size() < clusterBytes) break;
+            found = FatLabelIn(run, label, end);
+            const Bytes next = ReadAt(fd, static_cast<std::uint64_t>(reserved) * bps + cluster * 4ull, 4);
+            if (next.size() < 4) break;
+            cluster = Le32(next, 0) & 0x0FFFFFFF;
+        }
+    }
+    if (!found && boot[ext] == 0x29)
+        label = StripTrailing(Cp850ToUtf8(boot.data() + ext + 5, 11));
+    if (label == "NO NAME") label.clear();
+    out.name = label;
+    return true;
+}
+
+bool ProbeExfat(int fd, const Bytes& boot, VolumeLabel& out) {
+    if (boot.size() < 512 || !Has(boot, 3, "EXFAT   ")) return false;
+    out.serial = Le32(boot, 100);
+    out.fileSystem = "exFAT";
+    out.name.clear();
+    const unsigned sectorShift = boot[108], clusterShift = boot[109];
+    if (sectorShift < 9 || sectorShift > 12 || sectorShift + clusterShift > 25) return true;
+    const std::uint64_t heap = Le32(boot, 88), root = Le32(boot, 96);
+    if (root < 2) return true;
+    const std::size_t clusterBytes = std::size_t{1} << (sectorShift + clusterShift);
+    const Bytes dir = ReadAt(fd, (heap << sectorShift) + ((root - 2) << (sectorShift + clusterShift)),
+                             clusterBytes);
+    for (std::size_t at = 0; at + 32 <= dir.size(); at += 32) {
+        const unsigned type = dir[at];
+        if (type == 0) break;
+        if (type != 0x83) continue;
+        const std::size_t count = dir[at + 1] > 11 ? 11 : dir[at + 1];
+        std::vector<char16_t> units;
+        for (std::size_t i = 0; i < count; ++i)
+            units.push_back(static_cast<char16_t>(Le16(dir, at + 2 + 2 * i)));
+        out.name = Utf16ToUtf8(units);
+        break;
+    }
+    return true;
+}
+
+bool ProbeNtfs(const Bytes& boot, VolumeLabel& out) {
+    if (boot.size() < 512 || !Has(boot, 3, "NTFS    ")) return false;
+    out.serial = Le32(boot, 0x48);
+    out.fileSystem = "NTFS";
+    out.name.clear();
+    return true;
+}
+
+}  // namespace
+
+bool ProbeVolume(int fd, VolumeLabel& out, std::uint64_t sessionStartSector, ProbeOrder order) {
+    VolumeLabel found;
+    auto optical = [&](bool udfFirst) {
+        if (udfFirst) return ProbeUdf(fd, sessionStartSector, found) || ProbeIso(fd, sessionStartSector, found);
+        return ProbeIso(fd, sessionStartSector, found) || ProbeUdf(fd, sessionStartSector, found);
+    };
+    auto bootSector = [&] {
+        const Bytes boot = ReadAt(fd, 0, 512);
+        return ProbeNtfs(boot, found) || ProbeExfat(fd, boot, found) || ProbeFat(fd, boot, found);
+    };
+    bool ok = false;
+    switch (order) {
+    case ProbeOrder::IsoFirst: ok = optical(false) || bootSector(); break;
+    case ProbeOrder::UdfFirst: ok = optical(true) || bootSector(); break;
+    case ProbeOrder::BootSectorFirst: ok = bootSector() || optical(true); break;
+    }
+    if (ok) out = found;
+    return ok;
+}
+
+bool ProbeVolumeFile(const std::string& deviceOrImage, VolumeLabel& out, std::uint64_t sessionStartSector) {
+    const int fd = open(deviceOrImage.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (fd < 0) return false;
+    const bool ok = ProbeVolume(fd, out, sessionStartSector, ProbeOrder::BootSectorFirst);
+    close(fd);
+    return ok;
+}
+
+}  // namespace ct
