@@ -1,8 +1,13 @@
+#include "gui/Start.h"
+#include "gui/frmHaupt.h"
+#include "gui/frmHistorie.h"
 #include "gui/windows.h"
 
 namespace ct {
 
-// Placeholder until frmHistorie lands: its author replaces this file.
-void ShowHistorie() {}
+void ShowHistorie() {
+    frmHistorie dialog(MainWindow());
+    dialog.exec();
+}
 
 }  // namespace ct

@@ -1,8 +1,13 @@
+#include "gui/Start.h"
+#include "gui/frmHaupt.h"
+#include "gui/frmOptionen.h"
 #include "gui/windows.h"
 
 namespace ct {
 
-// Placeholder until frmOptionen lands: its author replaces this file.
-void ShowOptionen() {}
+void ShowOptionen() {
+    frmOptionen dialog(MainWindow());
+    dialog.exec();
+}
 
 }  // namespace ct

@@ -1,0 +1,62 @@
+#include "gui/frmHistorie.h"
+
+#include <QPlainTextEdit>
+#include <QPushButton>
+
+#include "core/catalogue.h"
+#include "gui/Start.h"
+#include "gui/appicon.h"
+#include "platform/system.h"
+
+namespace ct {
+
+QString HistoryFilePath() {
+    return QString::fromStdString(ProgramFolder()) + QStringLiteral("/Version") +
+           QString::number(Start::Language / 10000) + QStringLiteral(".txt");
+}
+
+frmHistorie::frmHistorie(QWidget* parent) : QDialog(parent) {
+    setWindowFlags(Qt::Dialog | Qt::MSWindowsFixedSizeDialogHint | Qt::WindowTitleHint |
+                   Qt::WindowCloseButtonHint);
+    setFixedSize(Tw(7335), Tw(7485));
+
+    txtHistorie = new QPlainTextEdit(this);
+    txtHistorie->setGeometry(Tw(240), Tw(240), Tw(6855), Tw(6255));
+    txtHistorie->setReadOnly(true);
+    txtHistorie->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    txtHistorie->setLineWrapMode(QPlainTextEdit::WidgetWidth);
+    // A history to read, not to type in: the box takes the button colour.
+    QPalette pal = txtHistorie->palette();
+    pal.setColor(QPalette::Base, pal.color(QPalette::Button));
+    txtHistorie->setPalette(pal);
+
+    cmdOK = new QPushButton(this);
+    cmdOK->setGeometry(Tw(2880), Tw(6720), Tw(1635), Tw(495));
+    cmdOK->setDefault(true);
+    QFont bold = cmdOK->font();
+    bold.setBold(true);
+    cmdOK->setFont(bold);
+    // Default and cancel button at once: Enter and Esc both close.
+    connect(cmdOK, &QPushButton::clicked, this, &QDialog::accept);
+
+    setTabOrder(txtHistorie, cmdOK);
+    InstallHelpKey(this, 10022);
+    Form_Load();
+}
+
+void frmHistorie::Form_Load() {
+    setWindowIcon(AppIcon());
+    setWindowTitle(ResourceText(10022));
+    cmdOK->setText(ResourceText(10047));
+
+    // Line by line, each followed by a line end, so an empty line in the file
+    // stays an empty line. A missing file gives an empty box.
+    QString text;
+    LineReader reader(HistoryFilePath().toStdString());
+    std::string line;
+    while (reader.Next(line)) text += QString::fromStdString(line) + QLatin1Char('\n');
+    txtHistorie->setPlainText(text);
+    cmdOK->setFocus();
+}
+
+}  // namespace ct

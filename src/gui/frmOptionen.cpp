@@ -1,0 +1,144 @@
+#include "gui/frmOptionen.h"
+
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+
+#include "core/options.h"
+#include "gui/Start.h"
+#include "gui/appicon.h"
+#include "gui/frmHaupt.h"
+#include "gui/seams.h"
+
+namespace ct {
+
+namespace {
+
+QLabel* Label(QWidget* parent, int left, int top, int width, int height) {
+    auto* l = new QLabel(parent);
+    l->setGeometry(Tw(left), Tw(top), Tw(width), Tw(height));
+    l->setWordWrap(true);
+    l->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    return l;
+}
+
+}  // namespace
+
+frmOptionen::frmOptionen(QWidget* parent) : QDialog(parent) {
+    setWindowFlags(Qt::Dialog | Qt::MSWindowsFixedSizeDialogHint | Qt::WindowTitleHint |
+                   Qt::WindowCloseButtonHint);
+    setModal(true);
+    setFixedSize(Tw(6510), Tw(2535));
+
+    lblSprache = Label(this, 240, 240, 2055, 255);
+    cboSprache = new QComboBox(this);
+    cboSprache->setGeometry(Tw(2400), Tw(240), Tw(2295), Tw(315));
+    cboSprache->setEditable(true);
+    cboSprache->setInsertPolicy(QComboBox::NoInsert);
+    cboSprache->addItems({QStringLiteral("Deutsch"), QStringLiteral("English")});
+
+    lblLaufwerksbuchstabe = Label(this, 240, 720, 2055, 495);
+    // On Linux the drive preset is a mount point, a path, not one letter: the
+    // box is as wide as the data folder's.
+    txtLaufwerksbuchstabe = new QLineEdit(this);
+    txtLaufwerksbuchstabe->setGeometry(Tw(2400), Tw(720), Tw(3840), Tw(285));
+
+    lblDatenpfad = Label(this, 240, 1440, 2055, 255);
+    txtDatenpfad = new QLineEdit(this);
+    txtDatenpfad->setGeometry(Tw(2400), Tw(1440), Tw(3840), Tw(285));
+
+    cmdSpeichern = new QPushButton(this);
+    cmdSpeichern->setGeometry(Tw(240), Tw(1920), Tw(1575), Tw(375));
+    cmdSpeichern->setDefault(true);
+    QFont bold = cmdSpeichern->font();
+    bold.setBold(true);
+    cmdSpeichern->setFont(bold);
+    cmdAbbrechen = new QPushButton(this);
+    cmdAbbrechen->setGeometry(Tw(4680), Tw(1920), Tw(1575), Tw(375));
+
+    connect(cmdSpeichern, &QPushButton::clicked, this, [this] { cmdSpeichern_Click(); });
+    connect(cmdAbbrechen, &QPushButton::clicked, this, &QDialog::reject);
+
+    setTabOrder(cboSprache, txtLaufwerksbuchstabe);
+    setTabOrder(txtLaufwerksbuchstabe, txtDatenpfad);
+    setTabOrder(txtDatenpfad, cmdSpeichern);
+    setTabOrder(cmdSpeichern, cmdAbbrechen);
+    InstallHelpKey(this, 10017);
+    Form_Load();
+}
+
+void frmOptionen::Form_Load() {
+    setWindowTitle(ResourceText(10017));
+    lblSprache->setText(ResourceText(10097));
+    lblLaufwerksbuchstabe->setText(ResourceText(10053));
+    lblDatenpfad->setText(ResourceText(10054));
+    cmdSpeichern->setText(ResourceText(10055));
+    cmdAbbrechen->setText(ResourceText(10004));
+    setWindowIcon(AppIcon());
+    cboSprache->setCurrentIndex(Start::Language / 10000 == 1 ? 1 : 0);
+    txtLaufwerksbuchstabe->setText(QString::fromStdString(Start::DriveLetter));
+    txtDatenpfad->setText(QString::fromStdString(Start::DataFolder));
+    cboSprache->setFocus();
+}
+
+void frmOptionen::cmdSpeichern_Click() {
+    frmHaupt* haupt = MainWindow();
+    Busy();
+
+    // A language typed over the list names neither entry: the language stays.
+    const int entry = cboSprache->findText(cboSprache->currentText(), Qt::MatchExactly);
+    if (entry >= 0) {
+        const auto language = static_cast<std::int16_t>((QString::number(entry) + "0000").toInt());
+        if (language != Start::Language) {
+            Start::Language = language;
+            if (haupt) haupt->Sprache_Setzen();
+        }
+    }
+
+    const std::string newFolder = txtDatenpfad->text().toStdString();
+    if (newFolder != Start::DataFolder) {
+        const auto answer = seams::MessageBox(this, ResourceText(10094), ResourceText(10093),
+                                              QMessageBox::Yes | QMessageBox::No);
+        if (answer == QMessageBox::Yes) {
+            std::vector<std::string> labels;
+            if (haupt)
+                for (int i = 0; i < haupt->lstDaten->ListCount(); ++i)
+                    labels.push_back(haupt->lstDaten->List(i).toStdString());
+            const MoveOutcome moved = MoveCatalogues(SystemFileOps(), labels, Start::DataFolder, newFolder);
+            if (!moved.copied) {
+                seams::MessageBox(this, ResourceText(10096),
+                                  ResourceText(10095) + QStringLiteral("\n\n") +
+                                      QString::fromStdString(moved.failedLabel) + QStringLiteral(".idx: ") +
+                                      QString::fromStdString(moved.error),
+                                  QMessageBox::Ok, QMessageBox::Ok, QMessageBox::Critical);
+                Normal();
+                return;
+            }
+            Start::DataFolder = newFolder;
+            if (!moved.kept.empty()) {
+                // Every catalogue stands in the new folder; the ones that
+                // couldn't be deleted are only surplus copies, but the user
+                // should know they are still there.
+                QString names;
+                for (const auto& l : moved.kept)
+                    names += QStringLiteral("\n") + QString::fromStdString(l) + QStringLiteral(".idx");
+                seams::MessageBox(this, ResourceText(10094),
+                                  (Start::Language == 10000
+                                       ? QStringLiteral("These catalogues were copied but could not be "
+                                                        "removed from the old folder:")
+                                       : QStringLiteral("Diese Kataloge wurden kopiert, konnten aber aus "
+                                                        "dem alten Ordner nicht entfernt werden:")) +
+                                      names,
+                                  QMessageBox::Ok, QMessageBox::Ok, QMessageBox::Warning);
+            }
+        }
+    }
+
+    Start::DriveLetter = txtLaufwerksbuchstabe->text().toStdString();
+    if (haupt) haupt->INI_Speichern();
+    accept();
+    Normal();
+}
+
+}  // namespace ct
