@@ -1,0 +1,22 @@
+#!/usr/bin/env bash
+# `cmake --install` must lay out a complete portable program folder: copied
+# anywhere, it runs with its texts, help and data folder.
+set -euo pipefail
+build=$1 dest=$2
+rm -rf "$dest"
+cmake --install "$build" --prefix "$dest" >/dev/null
+fail=0
+for f in cartulon folihelp.exe cartulon-cli CT.ini CT.rd CT0.fhp CT1.fhp Version0.txt Version1.txt; do
+  [ -f "$dest/$f" ] || { echo "missing in the installed folder: $f"; fail=1; }
+done
+[ -d "$dest/Daten" ] || { echo "missing in the installed folder: Daten/"; fail=1; }
+[ "$(head -c 4 "$dest/CT.ini")" = $'-1\r\n' ] || { echo "CT.ini lacks the first-run marker"; fail=1; }
+[ -s "$dest/CT.rd" ] || { echo "CT.rd is empty"; fail=1; }
+# The folder works where it lands: the CLI finds its data folder beside it.
+mkdir -p "$dest/../walkme/sub" && echo hi > "$dest/../walkme/sub/a.txt"
+"$dest/cartulon-cli" add "$dest/../walkme" --label InstallCheck >/dev/null
+[ -f "$dest/Daten/InstallCheck.idx" ] || { echo "cartulon-cli did not write into the folder's Daten/"; fail=1; }
+"$dest/cartulon-cli" list | grep -qx InstallCheck || { echo "cartulon-cli list misses the new disc"; fail=1; }
+rm -f "$dest/Daten/InstallCheck.idx"; rm -rf "$dest/../walkme"
+[ $fail -eq 0 ] && echo "installed program folder complete"
+exit $fail
