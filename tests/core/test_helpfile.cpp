@@ -1,0 +1,278 @@
+// The help file reader on damaged input, the viewer's argument split, and the
+// proof that every topic the program can open stands in both help files.
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <map>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "core/helpfile.h"
+
+namespace {
+
+using ct::HelpBlock;
+using ct::HelpSpan;
+
+// ---------------------------------------------------------------- reader
+
+struct DamagedCase {
+    const char* name;
+    std::string text;
+    std::vector<std::string> topics;  // names in order
+    std::size_t problems;             // how many problems are reported
+};
+
+void PrintTo(const DamagedCase& c, std::ostream* os) { *os << c.name; }
+
+class HelpFileDamaged : public testing::TestWithParam<DamagedCase> {};
+
+TEST_P(HelpFileDamaged, SurvivesAndKeepsWhatItCan) {
+    const auto& c = GetParam();
+    const auto file = ct::ParseHelpFile(c.text);
+    EXPECT_EQ(file.TopicNames(), c.topics);
+    EXPECT_EQ(file.problems.size(), c.problems);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, HelpFileDamaged,
+    testing::Values(
+        DamagedCase{"Empty", "", {}, 0},
+        DamagedCase{"OnlyBlankLines", "\n\n\r\n", {}, 0},
+        DamagedCase{"NoTopicsJustText", "Hello\nworld\n", {}, 2},
+        DamagedCase{"HeaderOnly", "language: en\n", {}, 0},
+        DamagedCase{"ByteOrderMarkAndCrLf", "\xEF\xBB\xBF@@ Inhalt\r\nText\r\n", {"Inhalt"}, 0},
+        DamagedCase{"NoNewlineAtEnd", "@@ A\nbody", {"A"}, 0},
+        DamagedCase{"TopicWithoutName", "@@\nbody\n@@ B\n", {"", "B"}, 1},
+        DamagedCase{"DuplicateName", "@@ A\none\n@@ A\ntwo\n", {"A", "A"}, 1},
+        DamagedCase{"UnterminatedLink", "@@ A\nsee [[B\n", {"A"}, 1},
+        DamagedCase{"UnterminatedBold", "@@ A\n**bold\n", {"A"}, 1},
+        DamagedCase{"EmptyLinkTarget", "@@ A\n[[|text]]\n", {"A"}, 1},
+        DamagedCase{"CutShortInHead", "@@ A\ntitle: T", {"A"}, 0},
+        DamagedCase{"NameKeepsAmpersandAndBlanksInside", "@@  &Hinzufügen einer CD  \n", {"&Hinzufügen einer CD"}, 0}),
+    [](const testing::TestParamInfo<DamagedCase>& info) { return std::string(info.param.name); });
+
+TEST(HelpFile, HeadLinesAndBody) {
+    const auto file = ct::ParseHelpFile(
+        "language: de\n%% comment\n@@ Suchen\ntitle: Die Suche\nindex: Kriterien; Operator ;\n\n"
+        "Erste Zeile\n%% hidden\nzweite [[Inhalt]] und [[Index|das Register]].\n\n\n");
+    ASSERT_EQ(file.topics.size(), 1u);
+    const auto& t = file.topics[0];
+    EXPECT_EQ(file.HeaderValue("Language"), "de");
+    EXPECT_EQ(t.Title(), "Die Suche");
+    EXPECT_EQ(t.keys, (std::vector<std::string>{"Kriterien", "Operator"}));
+    EXPECT_EQ(t.body, (std::vector<std::string>{"Erste Zeile", "zweite [[Inhalt]] und [[Index|das Register]]."}));
+    ASSERT_EQ(t.links.size(), 2u);
+    EXPECT_EQ(t.links[0].target, "Inhalt");
+    EXPECT_EQ(t.links[1].target, "Index");
+    EXPECT_EQ(t.links[1].text, "das Register");
+    EXPECT_EQ(t.line, 3u);
+}
+
+TEST(HelpFile, TitleLineFurtherDownIsBodyText) {
+    const auto file = ct::ParseHelpFile("@@ A\nText\ntitle: not a title\n");
+    EXPECT_EQ(file.topics[0].Title(), "A");
+    EXPECT_EQ(file.topics[0].body.size(), 2u);
+}
+
+TEST(HelpFile, FindIsExactAndLenientFindForgivesAccessKeysAndCase) {
+    const auto file = ct::ParseHelpFile("@@ &Optionen\n@@ Inhalt\n@@ Über\n");
+    EXPECT_NE(file.Find("&Optionen"), nullptr);
+    EXPECT_EQ(file.Find("Optionen"), nullptr);
+    EXPECT_EQ(file.Find("inhalt"), nullptr);
+    ASSERT_NE(file.FindLenient("Optionen "), nullptr);
+    EXPECT_EQ(file.FindLenient("Optionen ")->name, "&Optionen");
+    EXPECT_EQ(file.FindLenient("INHALT")->name, "Inhalt");
+    EXPECT_EQ(file.FindLenient("über")->name, "Über");
+    EXPECT_EQ(file.FindLenient("Statistik"), nullptr);
+}
+
+TEST(HelpFile, MissingFileIsReported) {
+    ct::HelpFile file;
+    EXPECT_FALSE(ct::LoadHelpFile("/nonexistent/CT0.fhp", file));
+    EXPECT_TRUE(file.topics.empty());
+}
+
+// ---------------------------------------------------------------- arguments
+
+struct ArgCase {
+    const char* name;
+    std::vector<std::string> argv;
+    std::string file, topic;
+};
+
+void PrintTo(const ArgCase& c, std::ostream* os) { *os << c.name; }
+
+class HelpArgument : public testing::TestWithParam<ArgCase> {};
+
+TEST_P(HelpArgument, SplitsAtTheFirstFhpComma) {
+    const auto& c = GetParam();
+    std::string file, topic;
+    ct::SplitHelpArgument(c.argv, file, topic);
+    EXPECT_EQ(file, c.file);
+    EXPECT_EQ(topic, c.topic);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, HelpArgument,
+    testing::Values(
+        ArgCase{"OneArgument", {"/opt/Cartulon/CT0.fhp, Inhalt"}, "/opt/Cartulon/CT0.fhp", "Inhalt"},
+        ArgCase{"ShellSplitIt", {"/opt/Cartulon/CT1.fhp,", "Add", "a", "CD"}, "/opt/Cartulon/CT1.fhp", "Add a CD"},
+        ArgCase{"BlanksInFolder", {"/home/a b/Cartulon/CT0.fhp, Index"}, "/home/a b/Cartulon/CT0.fhp", "Index"},
+        ArgCase{"TopicHoldsCommaAndFhp", {"/p/CT0.fhp, a.fhp, b"}, "/p/CT0.fhp", "a.fhp, b"},
+        ArgCase{"TopicWithAmpersandAndBackslash", {"/p/CT0.fhp, &Suchen \\X"}, "/p/CT0.fhp", "&Suchen \\X"},
+        ArgCase{"NoTopic", {"/p/CT0.fhp"}, "/p/CT0.fhp", ""},
+        ArgCase{"EmptyTopic", {"/p/CT0.fhp, "}, "/p/CT0.fhp", ""},
+        ArgCase{"CapitalExtension", {"/p/CT0.FHP, Index"}, "/p/CT0.FHP", "Index"},
+        ArgCase{"Nothing", {}, "", ""}),
+    [](const testing::TestParamInfo<ArgCase>& info) { return std::string(info.param.name); });
+
+TEST(HelpLanguage, HeaderBeforeFileName) {
+    EXPECT_EQ(ct::HelpLanguage(ct::ParseHelpFile("language: en\n"), "/p/CT0.fhp"), 'e');
+    EXPECT_EQ(ct::HelpLanguage(ct::ParseHelpFile(""), "/p/CT1.fhp"), 'e');
+    EXPECT_EQ(ct::HelpLanguage(ct::ParseHelpFile(""), "/p/help_en.fhp"), 'e');
+    EXPECT_EQ(ct::HelpLanguage(ct::ParseHelpFile(""), "/p/CT0.fhp"), 'd');
+    EXPECT_EQ(ct::HelpLanguage(ct::ParseHelpFile(""), ""), 'd');
+}
+
+// ---------------------------------------------------------------- markup
+
+TEST(HelpMarkup, BlocksOfParagraphsListsAndExamples) {
+    const auto blocks = ct::HelpBlocks({"## Head", "one", "two", "", "- a", "  more a", "- b", "1. x", "12. y",
+                                        "> \\FOTOS\\2001", ">  two blanks", "after"});
+    ASSERT_EQ(blocks.size(), 8u);
+    EXPECT_EQ(blocks[0].kind, HelpBlock::Kind::Heading);
+    EXPECT_EQ(blocks[1].text, "one two");
+    EXPECT_EQ(blocks[2].kind, HelpBlock::Kind::Bullet);
+    EXPECT_EQ(blocks[2].text, "a more a");
+    EXPECT_EQ(blocks[4].kind, HelpBlock::Kind::Numbered);
+    EXPECT_EQ(blocks[5].number, 12);
+    EXPECT_EQ(blocks[6].kind, HelpBlock::Kind::Example);
+    EXPECT_EQ(blocks[6].text, "\\FOTOS\\2001\n two blanks");
+    EXPECT_EQ(blocks[7].kind, HelpBlock::Kind::Paragraph);
+}
+
+TEST(HelpMarkup, SpansAndUnpairedMarks) {
+    auto s = ct::HelpSpans("a **b [[T|c]]** `\\x` [[U]]");
+    ASSERT_EQ(s.size(), 7u);
+    EXPECT_EQ(s[1].text, "b ");
+    EXPECT_TRUE(s[1].bold);
+    EXPECT_EQ(s[2].kind, HelpSpan::Kind::Link);
+    EXPECT_TRUE(s[2].bold);
+    EXPECT_EQ(s[2].target, "T");
+    EXPECT_EQ(s[4].kind, HelpSpan::Kind::Code);
+    EXPECT_EQ(s[4].text, "\\x");
+    EXPECT_EQ(s[6].text, "U");
+
+    s = ct::HelpSpans("2 ** 3 and [[open and `tick");
+    ASSERT_EQ(s.size(), 1u);
+    EXPECT_EQ(s[0].text, "2 ** 3 and [[open and `tick");
+    EXPECT_FALSE(s[0].bold);
+}
+
+TEST(HelpMarkup, HtmlEscapesTextAndHref) {
+    ct::HelpTopic t;
+    t.name = "A & <B>";
+    t.body = {"x < y & [[Q&A|\"z\"]]"};
+    const auto html = ct::HelpTopicHtml(t, [](const std::string& target) { return "topic:" + target; });
+    EXPECT_NE(html.find("<h2>A &amp; &lt;B&gt;</h2>"), std::string::npos) << html;
+    EXPECT_NE(html.find("x &lt; y &amp; <a href=\"topic:Q&amp;A\">&quot;z&quot;</a>"), std::string::npos) << html;
+}
+
+TEST(HelpMarkup, IndexOrderIgnoresCaseAndUmlauts) {
+    EXPECT_TRUE(ct::HelpIndexLess("Ändern", "Beschreibung"));
+    EXPECT_TRUE(ct::HelpIndexLess("attribute", "Beschreibung"));
+    EXPECT_TRUE(ct::HelpIndexLess("Straße", "Strasse z"));
+    EXPECT_FALSE(ct::HelpIndexLess("Zahl", "über"));
+}
+
+// ---------------------------------------------------------------- the real files
+
+// texts_<lang>.txt: "NNNNN<TAB>text", with \n and \\ escaped.
+std::map<int, std::string> ReadTexts(const std::string& path) {
+    std::map<int, std::string> texts;
+    std::ifstream in(path, std::ios::binary);
+    std::string line;
+    while (std::getline(in, line)) {
+        if (!line.empty() && line.back() == '\r') line.pop_back();
+        const auto tab = line.find('\t');
+        if (tab == std::string::npos || tab == 0) continue;
+        int id = 0;
+        try {
+            id = std::stoi(line.substr(0, tab));
+        } catch (...) {
+            continue;
+        }
+        std::string text;
+        for (std::size_t i = tab + 1; i < line.size(); ++i) {
+            if (line[i] == '\\' && i + 1 < line.size()) {
+                const char n = line[++i];
+                text += n == 'n' ? '\n' : n == 't' ? '\t' : n == 'r' ? '\r' : n;
+            } else {
+                text += line[i];
+            }
+        }
+        texts[id] = text;
+    }
+    return texts;
+}
+
+struct Language {
+    const char* name;
+    const char* texts;
+    const char* help;
+};
+
+void PrintTo(const Language& l, std::ostream* os) { *os << l.name; }
+
+class RealHelpFile : public testing::TestWithParam<Language> {
+protected:
+    std::string Source(const char* rel) { return std::string(CARTULON_SOURCE_DIR) + "/data/" + rel; }
+};
+
+TEST_P(RealHelpFile, HoldsEveryTopicTheProgramOpens) {
+    const auto texts = ReadTexts(Source(GetParam().texts));
+    ct::HelpFile help;
+    ASSERT_TRUE(ct::LoadHelpFile(Source(GetParam().help), help));
+
+    std::vector<int> ids = {10001, 10005, 10010, 10015, 10017, 10018, 10022, 10023};
+    for (int id = 10098; id <= 10112; ++id) ids.push_back(id);
+    EXPECT_NE(help.Find(ct::kHelpContents), nullptr) << "no topic \"Inhalt\"";
+    for (int id : ids) {
+        const auto it = texts.find(id);
+        ASSERT_NE(it, texts.end()) << GetParam().texts << " lacks id " << id;
+        EXPECT_NE(help.Find(it->second), nullptr) << "no topic for " << id << ": \"" << it->second << "\"";
+    }
+}
+
+TEST_P(RealHelpFile, EveryLinkLeadsToATopicAndTheFileIsClean) {
+    ct::HelpFile help;
+    ASSERT_TRUE(ct::LoadHelpFile(Source(GetParam().help), help));
+    EXPECT_TRUE(help.problems.empty()) << help.problems.front();
+    std::set<std::string> names;
+    for (const auto& t : help.topics) names.insert(t.name);
+    for (const auto& t : help.topics)
+        for (const auto& link : t.links)
+            EXPECT_TRUE(names.count(link.target) || link.target == ct::kHelpIndex)
+                << "topic \"" << t.name << "\" links to missing \"" << link.target << "\"";
+}
+
+TEST_P(RealHelpFile, EveryTopicCanBeReachedFromContentsOrIndexAndHasABody) {
+    ct::HelpFile help;
+    ASSERT_TRUE(ct::LoadHelpFile(Source(GetParam().help), help));
+    for (const auto& t : help.topics) EXPECT_FALSE(t.body.empty()) << "topic \"" << t.name << "\" is empty";
+    // The index lists every topic, so reachability is given; the contents
+    // should still lead to the how-to topics, which are the ones without an id.
+    const auto* contents = help.Find(ct::kHelpContents);
+    ASSERT_NE(contents, nullptr);
+    EXPECT_GE(contents->links.size(), 10u);
+}
+
+INSTANTIATE_TEST_SUITE_P(Both, RealHelpFile,
+                         testing::Values(Language{"German", "texts_de.txt", "help_de.fhp"},
+                                         Language{"English", "texts_en.txt", "help_en.fhp"}),
+                         [](const testing::TestParamInfo<Language>& info) { return std::string(info.param.name); });
+
+}  // namespace
