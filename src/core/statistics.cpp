@@ -30,7 +30,10 @@ StatisticsTotals CollectStatistics(const std::string& dataFolder,
     StatisticsTotals totals;
     totals.discs = static_cast<std::int64_t>(labels.size());
     for (std::size_t i = 0; i < labels.size(); ++i) {
-        if (progress) progress(i + 1, labels.size());
+        if (progress && !progress(i + 1, labels.size())) {
+            totals.complete = false;
+            break;
+        }
         const CatalogueCounts counts = CountCatalogue(CataloguePath(dataFolder, labels[i]));
         totals.totalSize += ParseLeadingDecimal(FirstField(counts.headerLine));
         totals.folders += counts.folders;

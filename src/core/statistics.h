@@ -17,11 +17,13 @@ struct StatisticsTotals {
     Fixed totalSize;  // sum of the headers' first field (the volumes' capacities)
     std::int64_t folders = 0;
     std::int64_t files = 0;
+    bool complete = true;  // false when the progress callback stopped the run
 };
 
 // Hears, before each catalogue is opened, its number counted from 1 and the
-// number of discs, so a window can move its bar and let events run.
-using StatisticsProgress = std::function<void(std::size_t disc, std::size_t discs)>;
+// number of discs, so a window can move its bar and let events run. Returning
+// false stops the run there (the window was closed).
+using StatisticsProgress = std::function<bool(std::size_t disc, std::size_t discs)>;
 
 // Reads every catalogue of `labels` in `dataFolder` by the counting way. Every
 // label counts as a disc; a catalogue that can't be opened adds nothing else,

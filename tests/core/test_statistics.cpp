@@ -76,12 +76,23 @@ TEST_F(Statistics, MissingAndCutShortCataloguesCountWhatCanBeRead) {
         [&](std::size_t disc, std::size_t discs) {
             EXPECT_EQ(discs, 4u);
             seen.push_back(disc);
+            return true;
         });
     EXPECT_EQ(seen, (std::vector<std::size_t>{1, 2, 3, 4}));
     EXPECT_EQ(totals.discs, 4);
     EXPECT_EQ(totals.totalSize, ct::Fixed::FromInt(1500));
     EXPECT_EQ(totals.folders, 4);
     EXPECT_EQ(totals.files, 3);
+    EXPECT_TRUE(totals.complete);
+}
+
+TEST_F(Statistics, StoppedRunSaysSo) {
+    Catalogue("A", "1000", 2, 3);
+    Catalogue("B", "1000", 2, 3);
+    const auto totals = ct::CollectStatistics(data.string(), {"A", "B"},
+                                              [](std::size_t disc, std::size_t) { return disc < 2; });
+    EXPECT_FALSE(totals.complete);
+    EXPECT_EQ(totals.totalSize, ct::Fixed::FromInt(1000));
 }
 
 TEST_F(Statistics, OnlyTheHeaderSizeIsSummed) {
