@@ -19,6 +19,8 @@ struct Args {
     // Options in the order given, "--name" -> values. An option may repeat.
     std::vector<std::pair<std::string, std::string>> options;
     std::vector<std::string> flags;  // options without a value ("--yes")
+    // Options that take two values ("--name contains URLAUB"), in the order given.
+    std::vector<std::pair<std::string, std::pair<std::string, std::string>>> pairs;
 
     bool Has(const std::string& flag) const;
     // The last value of an option, or `fallback`.
@@ -47,7 +49,12 @@ struct Command {
 //   static ct::cli::Registration reg{{"list", "list [--data-folder DIR]", {}, &RunList}};
 struct Registration {
     explicit Registration(Command command);
+    // A command whose options in `pairOptions` take two values each.
+    Registration(Command command, std::vector<std::string> pairOptions);
 };
+
+// The two-value options of a registered command (empty for most).
+const std::vector<std::string>& PairOptions(const std::string& command);
 
 const std::vector<Command>& Commands();
 

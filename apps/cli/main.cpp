@@ -12,9 +12,24 @@ std::vector<Command>& Registry() {
     static std::vector<Command> commands;
     return commands;
 }
+
+std::vector<std::pair<std::string, std::vector<std::string>>>& PairRegistry() {
+    static std::vector<std::pair<std::string, std::vector<std::string>>> pairs;
+    return pairs;
+}
 }  // namespace
 
 Registration::Registration(Command command) { Registry().push_back(std::move(command)); }
+Registration::Registration(Command command, std::vector<std::string> pairOptions) {
+    PairRegistry().emplace_back(command.name, std::move(pairOptions));
+    Registry().push_back(std::move(command));
+}
+const std::vector<std::string>& PairOptions(const std::string& command) {
+    static const std::vector<std::string> none;
+    for (const auto& [name, options] : PairRegistry())
+        if (name == command) return options;
+    return none;
+}
 const std::vector<Command>& Commands() { return Registry(); }
 
 bool Args::Has(const std::string& flag) const {
@@ -70,6 +85,16 @@ int main(int argc, char** argv) {
     for (int i = 2; i < argc; ++i) {
         std::string a = argv[i];
         if (a.size() > 2 && a.rfind("--", 0) == 0) {
+            const auto& pairOptions = PairOptions(it->name);
+            if (std::find(pairOptions.begin(), pairOptions.end(), a) != pairOptions.end()) {
+                if (i + 2 >= argc) {
+                    std::cerr << "cartulon-cli: " << a << " needs two values\n";
+                    return kError;
+                }
+                ctx.args.pairs.push_back({a, {argv[i + 1], argv[i + 2]}});
+                i += 2;
+                continue;
+            }
             bool takesValue = a == "--data-folder" ||
                 std::find(it->valueOptions.begin(), it->valueOptions.end(), a) != it->valueOptions.end();
             if (takesValue) {

@@ -439,18 +439,26 @@ SearchEnd RunSearch(const std::string& dataFolder, const SearchCriteria& c, HitS
 }
 
 bool ListOrderLess(std::string_view a, std::string_view b) {
+    // Case folds to lower case, as the window lists compare: so '\\' and '_'
+    // sort before the letters, and a disc's hits follow the disc itself.
+    auto lower = [](unsigned char c) { return c >= 'A' && c <= 'Z' ? c + 32 : c; };
     if (IsAscii(a) && IsAscii(b)) {
         const std::size_t n = a.size() < b.size() ? a.size() : b.size();
         for (std::size_t i = 0; i < n; ++i) {
-            const unsigned char x = kUpper.map[static_cast<unsigned char>(a[i])];
-            const unsigned char y = kUpper.map[static_cast<unsigned char>(b[i])];
+            const int x = lower(static_cast<unsigned char>(a[i]));
+            const int y = lower(static_cast<unsigned char>(b[i]));
             if (x != y) return x < y;
         }
         if (a.size() != b.size()) return a.size() < b.size();
         return a < b;
     }
-    const std::string ua = UpperCase(a), ub = UpperCase(b);
-    if (ua != ub) return ua < ub;
+    auto key = [&](std::string_view s) {
+        std::string k = UpperCase(s);
+        for (char& c : k) c = static_cast<char>(lower(static_cast<unsigned char>(c)));
+        return k;
+    };
+    const std::string ka = key(a), kb = key(b);
+    if (ka != kb) return ka < kb;
     return a < b;
 }
 

@@ -195,7 +195,8 @@ enum class SearchEnd { Normal, Stopped, HitLimit };
 SearchEnd RunSearch(const std::string& dataFolder, const SearchCriteria& criteria, HitSink& sink,
                     const SearchHooks& hooks = {});
 
-// The order of the sorted lists: case ignored (ct::UpperCase), ties by bytes.
+// The order of the sorted lists: case ignored as the window lists ignore it
+// (letters folded to lower case), ties by bytes.
 bool ListOrderLess(std::string_view a, std::string_view b);
 
 }  // namespace ct

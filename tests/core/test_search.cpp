@@ -499,10 +499,10 @@ TEST(SearchRun, UnmarkedDiscsAreNotCounted) {
 }
 
 TEST(SearchOrder, CaseIgnoredTiesByBytes) {
-    std::vector<std::string> v = {"urlaub\\\\b", "Archiv", "URLAUB", "Urlaub\\\\a", "Urlaub", "äpfel", "Zebra"};
+    std::vector<std::string> v = {"urlaub\\\\b", "Archiv", "URLAUB", "Urlaub\\\\a", "Urlaub", "äpfel", "Zebra", "Urlaubx", "Urlaub_x"};
     std::sort(v.begin(), v.end(), [](const auto& a, const auto& b) { return ct::ListOrderLess(a, b); });
-    EXPECT_EQ(v, (std::vector<std::string>{"Archiv", "URLAUB", "Urlaub", "Urlaub\\\\a", "urlaub\\\\b", "Zebra",
-                                           "äpfel"}));
+    EXPECT_EQ(v, (std::vector<std::string>{"Archiv", "URLAUB", "Urlaub", "Urlaub\\\\a", "urlaub\\\\b", "Urlaub_x",
+                                           "Urlaubx", "Zebra", "äpfel"}));
 }
 
 }  // namespace

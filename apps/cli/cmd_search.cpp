@@ -1,0 +1,167 @@
+// cartulon-cli search: the search window's criteria as options, its hit list
+// on stdout, sorted as the window's list sorts.
+//
+//   search [--kind files|folders|both] [--name OP TERM] [--size OP NUMBER]
+//          [--attributes TEXT] [--date OP DATE] [--description OP TEXT]
+//          [--disc LABEL]...
+//
+// OP is one of equal, not-equal, contains, not-contains, begins, not-begins,
+// ends, not-ends, greater, less. The words are handed to the engine as its
+// operator texts, so the engine's rules (which box offers which operator, the
+// closing backslash, the disc test) apply unchanged. Without --name the disc
+// test still runs, on an empty term with "contains", as in the window.
+#include <algorithm>
+#include <ostream>
+
+#include "cli.h"
+#include "core/catalogue.h"
+#include "core/rddll.h"
+#include "core/search.h"
+#include "platform/walk.h"
+
+namespace ct::cli {
+
+namespace {
+
+const std::array<std::string, 10> kOperatorWords = {
+    "equal", "not-equal", "contains", "not-contains", "begins",
+    "not-begins", "ends", "not-ends", "greater", "less",
+};
+
+class CollectingSink : public HitSink {
+public:
+    void Add(const std::string& hit) override { hits.push_back(hit); }
+    std::size_t Count() const override { return hits.size(); }
+    std::vector<std::string> hits;
+};
+
+const char* TopicFallback(int topic) {
+    switch (topic) {
+    case kTopicNoKind: return "choose what to search: --kind files, folders or both";
+    case kTopicNoTerm: return "the name needs a search term";
+    case kTopicNoSizeOperator: return "the size needs an operator";
+    case kTopicNoAttributes: return "choose the attributes";
+    case kTopicNoDateOperator: return "the date needs an operator";
+    case kTopicNoDescriptionOperator: return "the description needs an operator";
+    case kTopicNoSize: return "the size needs a number";
+    case kTopicNoDate: return "the date needs a value";
+    case kTopicNoDescription: return "the description needs a text";
+    case kTopicNoDisc: return "no disc to search";
+    case kTopicHitLimit: return "more than 32000 hits; only the first 32000 are listed";
+    case kTopicBadDate: return "the date can't be read (dd.mm.yyyy or dd.mm.yyyy hh:mm:ss)";
+    default: return "refused";
+    }
+}
+
+std::string TopicText(const Context& ctx, int topic) {
+    std::string text = ResourceText(ctx.programFolder, ctx.language, topic);
+    return text.empty() ? TopicFallback(topic) : text;
+}
+
+bool IsOperatorWord(const std::string& word, bool numeric) {
+    const auto at = std::find(kOperatorWords.begin(), kOperatorWords.end(), word);
+    if (at == kOperatorWords.end()) return false;
+    const auto index = at - kOperatorWords.begin();
+    return numeric ? (index <= 1 || index >= 8) : index <= 7;
+}
+
+int RunSearchCommand(Context& ctx) {
+    if (!ctx.args.positional.empty()) {
+        *ctx.err << "cartulon-cli search: unexpected argument '" << ctx.args.positional.front() << "'\n";
+        return kError;
+    }
+    SearchCriteria c;
+    c.operatorTexts = kOperatorWords;
+    c.noAttributesText = "none";
+    c.checkName = false;
+    c.nameOperator = "contains";
+
+    const std::string kind = ctx.args.Get("--kind", "both");
+    if (kind == "files") c.kind = 0;
+    else if (kind == "folders") c.kind = 1;
+    else if (kind == "both") c.kind = 2;
+    else {
+        *ctx.err << "cartulon-cli search: --kind is files, folders or both\n";
+        return kError;
+    }
+
+    for (const auto& [option, values] : ctx.args.pairs) {
+        const auto& [op, value] = values;
+        const bool numeric = option == "--size" || option == "--date";
+        if (!IsOperatorWord(op, numeric)) {
+            *ctx.err << "cartulon-cli search: " << option << " takes "
+                     << (numeric ? "equal, not-equal, greater or less"
+                                 : "equal, not-equal, contains, not-contains, begins, not-begins, ends or not-ends")
+                     << ", not '" << op << "'\n";
+            return kError;
+        }
+        if (option == "--name") {
+            c.checkName = true;
+            c.nameOperator = op;
+            c.nameTerm = value;
+        } else if (option == "--size") {
+            c.checkSize = c.sizeOperatorChosen = true;
+            c.sizeOperator = op;
+            c.sizeText = value;
+        } else if (option == "--date") {
+            c.checkDate = c.dateOperatorChosen = true;
+            c.dateOperator = op;
+            c.dateText = value;
+        } else {
+            c.checkDescription = c.descriptionOperatorChosen = true;
+            c.descriptionOperator = op;
+            c.descriptionText = value;
+        }
+    }
+    for (const std::string& attributes : ctx.args.GetAll("--attributes")) {
+        c.checkAttributes = c.attributesChosen = true;
+        c.attributes = attributes;
+    }
+
+    // The discs as the disc list shows them, all marked unless --disc names some.
+    WalkList folders, files;
+    WalkFolder(ctx.dataFolder, folders, files);
+    std::vector<std::string> labels = LabelsOf(files);
+    std::stable_sort(labels.begin(), labels.end(),
+                     [](const std::string& a, const std::string& b) { return ListOrderLess(a, b); });
+    const std::vector<std::string> wanted = ctx.args.GetAll("--disc");
+    for (const std::string& label : wanted) {
+        if (std::find(labels.begin(), labels.end(), label) == labels.end()) {
+            *ctx.err << "cartulon-cli search: no disc '" << label << "' in " << ctx.dataFolder << "\n";
+            return kError;
+        }
+    }
+    for (const std::string& label : labels) {
+        const bool marked = wanted.empty() || std::find(wanted.begin(), wanted.end(), label) != wanted.end();
+        c.discs.push_back({label, marked});
+    }
+
+    if (const int topic = CheckCriteria(c)) {
+        *ctx.err << "cartulon-cli search: " << TopicText(ctx, topic) << "\n";
+        return kError;
+    }
+
+    CollectingSink sink;
+    const SearchEnd end = RunSearch(ctx.dataFolder, c, sink);
+    std::stable_sort(sink.hits.begin(), sink.hits.end(),
+                     [](const std::string& a, const std::string& b) { return ListOrderLess(a, b); });
+    std::string out;
+    for (const std::string& hit : sink.hits) out.append(hit).push_back('\n');
+    *ctx.out << out;
+    ctx.out->flush();
+    if (end == SearchEnd::HitLimit) *ctx.err << "cartulon-cli search: " << TopicText(ctx, kTopicHitLimit) << "\n";
+    return sink.hits.empty() ? kNothing : kDone;
+}
+
+Registration reg{{"search",
+                  "search [--kind files|folders|both] [--name OP TERM] [--size OP NUMBER] [--attributes TEXT]\n"
+                  "              [--date OP DATE] [--description OP TEXT] [--disc LABEL]...\n"
+                  "               OP: equal not-equal contains not-contains begins not-begins ends not-ends\n"
+                  "               greater less; --attributes none finds entries without attributes",
+                  {"--kind", "--attributes", "--disc"},
+                  &RunSearchCommand},
+                 {"--name", "--size", "--date", "--description"}};
+
+}  // namespace
+
+}  // namespace ct::cli
