@@ -1,0 +1,254 @@
+// Label and serial read from volume images made here at run time; nothing is
+// mounted, so no root is needed.
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <fstream>
+#include <unistd.h>
+#include <string>
+#include <vector>
+
+#include "platform/volume.h"
+#include "scratch.h"
+
+namespace ct {
+namespace {
+
+using test::ReadFile;
+using test::Scratch;
+
+bool HaveTool(const std::string& name) {
+    return std::system(("command -v " + name + " >/dev/null 2>&1").c_str()) == 0;
+}
+
+std::string Quote(const std::string& text) {
+    std::string out = "'";
+    for (const char c : text) out += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return out + "'";
+}
+
+bool RunQuiet(const std::string& command) { return std::system((command + " >/dev/null 2>&1").c_str()) == 0; }
+
+void WriteFile(const std::string& path, const std::string& bytes) {
+    std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
+}
+
+void Patch(const std::string& path, std::size_t at, const std::string& bytes) {
+    std::fstream f(path, std::ios::binary | std::ios::in | std::ios::out);
+    f.seekp(static_cast<std::streamoff>(at));
+    f.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+}
+
+// The serial Windows gives a CD: four byte-wise sums over one descriptor,
+// the sum of the bytes at offsets 0, 4, 8 ... in the top byte.
+std::uint32_t DescriptorSums(const std::string& image, std::size_t sector) {
+    std::uint8_t s[4] = {};
+    for (std::size_t i = 0; i < 2048; ++i)
+        s[i % 4] = static_cast<std::uint8_t>(s[i % 4] + static_cast<unsigned char>(image[sector * 2048 + i]));
+    return static_cast<std::uint32_t>(s[0]) << 24 | s[1] << 16 | s[2] << 8 | s[3];
+}
+
+std::string MakeIso(const Scratch& s, const std::string& name, const std::string& label, bool joliet) {
+    const std::string tree = s.Folder("tree");
+    s.File("tree/a.txt", "content");
+    const std::string image = s / name;
+    const bool ok = RunQuiet("xorriso -as mkisofs " + std::string(joliet ? "-J " : "") + "-V " + Quote(label) +
+                        " -o " + Quote(image) + " " + Quote(tree));
+    return ok ? image : std::string();
+}
+
+TEST(ProbeVolumeFile, JolietLabelAndSerialFromTheJolietDescriptor) {
+    if (!HaveTool("xorriso")) GTEST_SKIP() << "xorriso is missing";
+    const struct {
+        const char* label;
+        const char* expected;
+    } rows[] = {
+        {"FOTOS", "FOTOS"},
+        {"Urlaub 2003", "Urlaub 2003"},
+        {"B\xC3\xBC" "cher", "B\xC3\xBC" "cher"},
+        {"A", "A"},
+        {"SIXTEEN_CHARS_AB", "SIXTEEN_CHARS_AB"},
+    };
+    for (const auto& row : rows) {
+        Scratch s;
+        const std::string image = MakeIso(s, "disc.iso", row.label, true);
+        ASSERT_FALSE(image.empty()) << row.label;
+        const std::string bytes = ReadFile(image);
+        // xorriso writes the primary descriptor at 16 and the Joliet one at 17.
+        ASSERT_EQ(bytes[17 * 2048], 2) << row.label;
+        ASSERT_EQ(bytes.substr(17 * 2048 + 88, 3), "%/E") << row.label;
+
+        VolumeLabel label;
+        ASSERT_TRUE(ProbeVolumeFile(image, label)) << row.label;
+        EXPECT_EQ(label.name, row.expected);
+        EXPECT_EQ(label.fileSystem, "CDFS");
+        EXPECT_EQ(label.serial, DescriptorSums(bytes, 17)) << row.label;
+        EXPECT_NE(label.serial, DescriptorSums(bytes, 16)) << row.label;
+    }
+}
+
+TEST(ProbeVolumeFile, PlainIsoReadsThePrimaryDescriptor) {
+    if (!HaveTool("xorriso")) GTEST_SKIP() << "xorriso is missing";
+    Scratch s;
+    const std::string image = MakeIso(s, "plain.iso", "PLAIN_DISC", false);
+    ASSERT_FALSE(image.empty());
+    VolumeLabel label;
+    ASSERT_TRUE(ProbeVolumeFile(image, label));
+    EXPECT_EQ(label.name, "PLAIN_DISC");
+    EXPECT_EQ(label.serial, DescriptorSums(ReadFile(image), 16));
+}
+
+TEST(ProbeVolumeFile, LastSessionIsReadFromItsStart) {
+    if (!HaveTool("xorriso")) GTEST_SKIP() << "xorriso is missing";
+    Scratch s;
+    const std::string image = MakeIso(s, "session.iso", "SECOND", true);
+    ASSERT_FALSE(image.empty());
+    const std::string bytes = ReadFile(image);
+    const std::string shifted = s / "shifted.iso";
+    WriteFile(shifted, std::string(300 * 2048, '\0') + bytes);
+    VolumeLabel label;
+    ASSERT_TRUE(ProbeVolumeFile(shifted, label, 300));
+    EXPECT_EQ(label.name, "SECOND");
+    EXPECT_EQ(label.serial, DescriptorSums(bytes, 17));
+    VolumeLabel fromStart;
+    EXPECT_FALSE(ProbeVolumeFile(shifted, fromStart, 0));
+}
+
+// A FAT boot sector made with a fixed serial and label.
+std::string MakeFat(const Scratch& s, const std::string& name, const std::string& options, int kib) {
+    const std::string image = s / name;
+    const bool ok = RunQuiet("mkfs.vfat -C " + options + " " + Quote(image) + " " + std::to_string(kib));
+    return ok ? image : std::string();
+}
+
+TEST(ProbeVolumeFile, FatSerialAndLabel) {
+    if (!HaveTool("mkfs.vfat")) GTEST_SKIP() << "mkfs.vfat is missing";
+    const struct {
+        const char* options;
+        int kib;
+        std::uint32_t serial;
+        const char* name;
+        const char* fileSystem;
+    } rows[] = {
+        {"-i 1234ABCD -n FOTOS", 8192, 0x1234ABCD, "FOTOS", "FAT"},
+        {"-F 12 -i 0000BEEF -n 'A B'", 1440, 0x0000BEEF, "A B", "FAT"},
+        {"-F 32 -i 89ABCDEF -n 'DATEN 1'", 34000, 0x89ABCDEF, "DATEN 1", "FAT32"},
+        {"-F 32 -i 00000001", 34000, 0x00000001, "", "FAT32"},  // "NO NAME" is no name
+        {"-i 7FFFFFFF", 4096, 0x7FFFFFFF, "", "FAT"},
+    };
+    for (const auto& row : rows) {
+        Scratch s;
+        const std::string image = MakeFat(s, "fat.img", row.options, row.kib);
+        ASSERT_FALSE(image.empty()) << row.options;
+        VolumeLabel label;
+        ASSERT_TRUE(ProbeVolumeFile(image, label)) << row.options;
+        EXPECT_EQ(label.serial, row.serial) << row.options;
+        EXPECT_EQ(label.name, row.name) << row.options;
+        EXPECT_EQ(label.fileSystem, row.fileSystem) << row.options;
+    }
+}
+
+// Windows names a FAT volume by the label entry of its root folder; the copy
+// in the boot sector only counts where the root holds none.
+TEST(ProbeVolumeFile, FatRootLabelWinsOverTheBootSector) {
+    if (!HaveTool("mkfs.vfat")) GTEST_SKIP() << "mkfs.vfat is missing";
+    for (const bool fat32 : {false, true}) {
+        Scratch s;
+        const std::string image = MakeFat(s, "fat.img", fat32 ? "-F 32 -n FOTOS" : "-n FOTOS", fat32 ? 34000 : 8192);
+        ASSERT_FALSE(image.empty());
+        // Only the first two MiB matter: boot sector, FATs and the root's first cluster.
+        std::string bytes = ReadFile(image).substr(0, 2 << 20);
+        const std::size_t bootLabel = fat32 ? 0x47 : 0x2B;
+        ASSERT_EQ(bytes.substr(bootLabel, 11), "FOTOS      ");
+        bytes.replace(bootLabel, 11, "BOOTSECTOR ");
+        // The root entry, with an OEM (code page 850) umlaut: 0x9A is "Ü".
+        const std::size_t root = bytes.find(std::string("FOTOS      \x08", 12), 512);
+        ASSERT_NE(root, std::string::npos);
+        bytes[root + 1] = '\x9A';
+        Patch(image, 0, bytes);
+        VolumeLabel label;
+        ASSERT_TRUE(ProbeVolumeFile(image, label));
+        EXPECT_EQ(label.name, "F\xC3\x9CTOS") << fat32;
+
+        // Without the root entry (deleted) the boot sector's label stands.
+        Patch(image, root, "\xE5");
+        ASSERT_TRUE(ProbeVolumeFile(image, label));
+        EXPECT_EQ(label.name, "BOOTSECTOR") << fat32;
+    }
+}
+
+TEST(ProbeVolumeFile, ExfatSerialAndLabel) {
+    if (!HaveTool("mkfs.exfat") || !HaveTool("tune.exfat")) GTEST_SKIP() << "exfatprogs is missing";
+    Scratch s;
+    const std::string image = s / "exfat.img";
+    WriteFile(image, "");
+    ASSERT_EQ(truncate(image.c_str(), 8 << 20), 0);
+    ASSERT_TRUE(RunQuiet("mkfs.exfat -L " + Quote("Urlaub \xC3\xA4") + " " + Quote(image)));
+    ASSERT_TRUE(RunQuiet("tune.exfat -I 0xCAFE1234 " + Quote(image)));
+    VolumeLabel label;
+    ASSERT_TRUE(ProbeVolumeFile(image, label));
+    EXPECT_EQ(label.fileSystem, "exFAT");
+    EXPECT_EQ(label.serial, 0xCAFE1234u);
+    EXPECT_EQ(label.name, "Urlaub \xC3\xA4");
+}
+
+TEST(ProbeVolumeFile, NtfsSerialIsTheLowHalf) {
+    // A boot sector is all that is read; one made by hand is enough.
+    Scratch s;
+    std::string boot(512, '\0');
+    boot.replace(0, 11, "\xEB\x52\x90NTFS    ", 11);
+    const unsigned char serial[8] = {0x78, 0x56, 0x34, 0x12, 0xF0, 0xDE, 0xBC, 0x9A};
+    for (int i = 0; i < 8; ++i) boot[0x48 + i] = static_cast<char>(serial[i]);
+    boot[510] = '\x55';
+    boot[511] = '\xAA';
+    WriteFile(s / "ntfs.img", boot);
+    VolumeLabel label;
+    ASSERT_TRUE(ProbeVolumeFile(s / "ntfs.img", label));
+    EXPECT_EQ(label.fileSystem, "NTFS");
+    EXPECT_EQ(label.serial, 0x12345678u);
+}
+
+TEST(ProbeVolumeFile, DamagedOrForeignBytesAreNoVolume) {
+    Scratch s;
+    std::string noise(64 * 1024, '\0');
+    for (std::size_t i = 0; i < noise.size(); ++i) noise[i] = static_cast<char>((i * 7919 + 13) % 251);
+    std::string badFat(512, '\0');
+    badFat.replace(0, 3, "\xEB\x3C\x90", 3);
+    badFat[11] = 0x00;  // 0 bytes per sector
+    badFat[12] = 0x00;
+    badFat[13] = 4;
+    const struct {
+        const char* name;
+        std::string bytes;
+    } rows[] = {
+        {"empty", ""},
+        {"short", "\xEB\x3C\x90MSDOS5.0"},
+        {"noise", noise},
+        {"bad FAT geometry", badFat},
+        {"descriptor header cut off", std::string(16 * 2048, '\0') + "\x01" "CD0"},
+    };
+    for (const auto& row : rows) {
+        WriteFile(s / "img", row.bytes);
+        VolumeLabel label;
+        label.name = "untouched";
+        EXPECT_FALSE(ProbeVolumeFile(s / "img", label)) << row.name;
+        EXPECT_EQ(label.name, "untouched") << row.name;
+    }
+    VolumeLabel label;
+    EXPECT_FALSE(ProbeVolumeFile(s / "missing", label));
+}
+
+TEST(ProbeVolumeFile, IsoCutShortAfterItsDescriptorStillNamesTheDisc) {
+    if (!HaveTool("xorriso")) GTEST_SKIP() << "xorriso is missing";
+    Scratch s;
+    const std::string image = MakeIso(s, "cut.iso", "CUT", false);
+    ASSERT_FALSE(image.empty());
+    WriteFile(image, ReadFile(image).substr(0, 17 * 2048));
+    VolumeLabel label;
+    ASSERT_TRUE(ProbeVolumeFile(image, label));
+    EXPECT_EQ(label.name, "CUT");
+}
+
+}  // namespace
+}  // namespace ct
