@@ -1,8 +1,109 @@
+#include "gui/do_neueinlesen.h"
+
+#include <QLineEdit>
+#include <QPlainTextEdit>
+
+#include "core/reread.h"
+#include "gui/Start.h"
+#include "gui/frmHaupt.h"
+#include "gui/frmHinzufuegen.h"
+#include "gui/seams.h"
 #include "gui/windows.h"
 
 namespace ct {
 
-// Placeholder until the command behind mnuNeuEinlesen lands: its author replaces this file.
-void DoNeuEinlesen() {}
+namespace {
+
+QString Q(const std::string& text) { return QString::fromStdString(text); }
+
+void Warn(QWidget* parent, const QString& text) {
+    seams::MessageBox(parent, ResourceText(10011), text, QMessageBox::Ok, QMessageBox::Ok, QMessageBox::Warning);
+}
+
+// Tells the user what became of a set-aside catalogue that couldn't go back.
+void ReportKept(QWidget* parent, const SetAsideFile& file, RestoreResult result, const std::string& error) {
+    if (result == RestoreResult::Restored) return;
+    if (result == RestoreResult::LabelTaken)
+        Warn(parent, QStringLiteral("Unter der Bezeichnung \"") + Q(file.label) +
+                         QStringLiteral("\" steht inzwischen ein anderer Katalog. Der alte Katalog bleibt "
+                                        "erhalten als ") +
+                         Q(file.path));
+    else
+        Warn(parent, QStringLiteral("Der alte Katalog konnte nicht zurückgelegt werden: ") + Q(error) +
+                         QStringLiteral("\nEr bleibt erhalten als ") + Q(file.path));
+}
+
+}  // namespace
+
+void DoNeuEinlesen() {
+    frmHaupt* haupt = MainWindow();
+    if (!haupt) return;
+    Busy();
+    if (haupt->lstDaten->ListIndex() < 0) {
+        HilfeZeigen(ResourceText(10098));
+        Normal();
+        return;
+    }
+    const QMessageBox::StandardButton answer = seams::MessageBox(
+        haupt, QStringLiteral("Wirklich neu einlesen?"),
+        QStringLiteral("Beim Neueinlesen der CD / DVD gehen alle eingegebenen Beschreibungen der Ordner und "
+                       "Dateien verloren. Sind Sie sicher, dass die CD / DVD neu eingelesen werden soll?"),
+        QMessageBox::Yes | QMessageBox::No, QMessageBox::Yes, QMessageBox::NoIcon);
+    if (answer != QMessageBox::Yes) {
+        Normal();
+        return;
+    }
+
+    const QString label = haupt->lstDaten->Text();
+    frmHinzufügen dialog(haupt);  // its opening steps may propose a volume name
+    dialog.txtBezeichnung->setText(label);
+    dialog.txtBeschreibung->setPlainText(haupt->txtBeschreibungC->toPlainText());
+
+    // The old catalogue leaves the disc list and the label check, but not the
+    // disk, until the dialog shows whether a new reading took its place.
+    SetAsideFile aside;
+    std::string error;
+    if (!SetAside(AddFileOps(), Start::DataFolder, label.toStdString(), aside, &error)) {
+        Normal();
+        Warn(haupt, QStringLiteral("Der Katalog kann nicht neu eingelesen werden: ") + Q(error));
+        return;
+    }
+    bool settled = false;
+    auto settle = [&aside, &settled](frmHinzufügen& closing) {
+        if (settled) return;
+        settled = true;
+        std::string why;
+        if (closing.AddedCount() > 0) {
+            // Read anew (under this label or another): the old reading goes.
+            if (!Discard(AddFileOps(), aside, &why))
+                Warn(&closing, QStringLiteral("Der alte Katalog konnte nicht gelöscht werden: ") + Q(why) +
+                                   QStringLiteral("\nEr liegt noch als ") + Q(aside.path));
+            return;
+        }
+        const RestoreResult result = Restore(AddDiscSource(), AddFileOps(), Start::DataFolder, aside, &why);
+        ReportKept(&closing, aside, result, why);
+    };
+    // Before the dialog's own refresh of the disc list, so a disc that was
+    // only put back shows there again.
+    dialog.BeforeRefresh = settle;
+
+    const int row = haupt->lstDaten->ListIndex();
+    haupt->lstDaten->SetListIndex(-1);  // no choice left, so no click runs on removal
+    delete haupt->lstDaten->takeItem(row);
+    haupt->ClearDiscPane();
+    haupt->lstOrdner->Clear();
+    haupt->OrdnerInfoLöschen();
+    haupt->lstDateien->Clear();
+    haupt->DateiInfoLöschen();
+    Normal();
+
+    dialog.exec();
+    settle(dialog);  // in case the dialog ended without closing itself
+}
+
+void RestoreSetAsideCatalogues() {
+    for (const LeftoverOutcome& outcome : RestoreLeftovers(AddDiscSource(), AddFileOps(), Start::DataFolder))
+        ReportKept(MainWindow(), outcome.file, outcome.result, outcome.error);
+}
 
 }  // namespace ct

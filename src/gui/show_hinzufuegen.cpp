@@ -1,8 +1,13 @@
+#include "gui/Start.h"
+#include "gui/frmHaupt.h"
+#include "gui/frmHinzufuegen.h"
 #include "gui/windows.h"
 
 namespace ct {
 
-// Placeholder until frmHinzufügen lands: its author replaces this file.
-void ShowHinzufuegen() {}
+void ShowHinzufuegen() {
+    frmHinzufügen dialog(MainWindow());
+    dialog.exec();
+}
 
 }  // namespace ct

@@ -1,0 +1,277 @@
+#include "gui/frmHinzufuegen.h"
+
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
+
+#include "core/adddisc.h"
+#include "core/fileops.h"
+#include "gui/Start.h"
+#include "gui/appicon.h"
+#include "gui/frmHaupt.h"
+#include "gui/seams.h"
+#include "platform/walk.h"
+
+namespace ct {
+
+std::function<std::vector<ct::Drive>()> frmHinzufügen::DriveList;
+DiscSource* frmHinzufügen::Source = nullptr;
+FileOps* frmHinzufügen::Ops = nullptr;
+
+DiscSource& AddDiscSource() {
+    return frmHinzufügen::Source ? *frmHinzufügen::Source : SystemDiscSource();
+}
+FileOps& AddFileOps() { return frmHinzufügen::Ops ? *frmHinzufügen::Ops : SystemFileOps(); }
+
+namespace {
+
+// The last entry of the drive list: not a drive but the way to any folder.
+const QString kOtherFolder = QStringLiteral("\u2026");
+
+bool IsOtherFolderEntry(const QComboBox* box, int index) {
+    return index >= 0 && index == box->count() - 1 && !box->itemData(index).isValid();
+}
+
+}  // namespace
+
+frmHinzufügen::frmHinzufügen(QWidget* owner) : QDialog(owner) {
+    setWindowFlags(Qt::Dialog | Qt::MSWindowsFixedSizeDialogHint | Qt::WindowTitleHint |
+                   Qt::WindowCloseButtonHint);
+    setModal(true);
+    setFixedSize(Tw(6510), Tw(2895));
+
+    lblLaufwerk = new QLabel(this);
+    lblLaufwerk->setGeometry(Tw(240), Tw(240), Tw(3135), Tw(255));
+    DriveLaufwerk = new QComboBox(this);
+    DriveLaufwerk->setGeometry(Tw(3480), Tw(240), Tw(2775), Tw(315));
+    DriveLaufwerk->setEditable(false);
+    // Long mount points and volume names stay readable in the open list.
+    DriveLaufwerk->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    DriveLaufwerk->view()->setMinimumWidth(Tw(2775));
+    DriveLaufwerk->view()->setTextElideMode(Qt::ElideMiddle);
+
+    lblBezeichnung = new QLabel(this);
+    lblBezeichnung->setGeometry(Tw(240), Tw(720), Tw(3135), Tw(255));
+    txtBezeichnung = new QLineEdit(this);
+    txtBezeichnung->setGeometry(Tw(3480), Tw(720), Tw(2775), Tw(285));
+
+    lblBeschreibung = new QLabel(this);
+    lblBeschreibung->setGeometry(Tw(240), Tw(1200), Tw(3135), Tw(255));
+    txtBeschreibung = new QPlainTextEdit(this);
+    txtBeschreibung->setGeometry(Tw(3480), Tw(1200), Tw(2775), Tw(735));
+    txtBeschreibung->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    txtBeschreibung->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    txtBeschreibung->setTabChangesFocus(true);
+
+    cmdHinzufügen = new QPushButton(this);
+    cmdHinzufügen->setGeometry(Tw(240), Tw(2280), Tw(1575), Tw(375));
+    cmdHinzufügen->setDefault(true);
+    QFont bold = cmdHinzufügen->font();
+    bold.setBold(true);
+    cmdHinzufügen->setFont(bold);
+
+    cmdAbbrechen = new QPushButton(this);
+    cmdAbbrechen->setGeometry(Tw(4680), Tw(2280), Tw(1575), Tw(375));
+
+    // Between the two buttons, where nothing else stands.
+    lblFortschritt = new QLabel(this);
+    lblFortschritt->setGeometry(Tw(1935), Tw(2280), Tw(2625), Tw(375));
+    lblFortschritt->setAlignment(Qt::AlignCenter);
+
+    setTabOrder(DriveLaufwerk, txtBezeichnung);
+    setTabOrder(txtBezeichnung, txtBeschreibung);
+    setTabOrder(txtBeschreibung, cmdHinzufügen);
+    setTabOrder(cmdHinzufügen, cmdAbbrechen);
+    lblFortschritt->setFocusPolicy(Qt::NoFocus);
+
+    connect(DriveLaufwerk, &QComboBox::currentIndexChanged, this, [this](int index) {
+        // The "…" entry is no drive: the folder chooser behind it (activated)
+        // decides what the value becomes.
+        if (IsOtherFolderEntry(DriveLaufwerk, index)) return;
+        if (Drive() == currentDrive_) return;
+        currentDrive_ = Drive();
+        DriveLaufwerk_Change();
+    });
+    connect(DriveLaufwerk, &QComboBox::activated, this, &frmHinzufügen::DriveLaufwerk_Activated);
+    connect(cmdHinzufügen, &QPushButton::clicked, this, &frmHinzufügen::cmdHinzufügen_Click);
+    connect(cmdAbbrechen, &QPushButton::clicked, this, &frmHinzufügen::cmdAbbrechen_Click);
+
+    InstallHelpKey(this, 10010);
+    Form_Load();
+}
+
+void frmHinzufügen::Form_Load() {
+    frmHaupt* haupt = MainWindow();
+    setWindowIcon(haupt ? haupt->windowIcon() : AppIcon());
+    setWindowTitle(ResourceText(10010));
+    lblLaufwerk->setText(ResourceText(10043));
+    lblBezeichnung->setText(ResourceText(10044));
+    lblBeschreibung->setText(ResourceText(10045));
+    cmdHinzufügen->setText(ResourceText(10046));
+    cmdAbbrechen->setText(ResourceText(10004));
+
+    FillDrives();
+    // The last drive used, if the list still holds it; a value it doesn't
+    // hold ("C" of a fresh installation, a disc since removed) leaves the list
+    // on its first entry, silently.
+    SetDrive(QString::fromStdString(Start::DriveLetter));
+}
+
+void frmHinzufügen::FillDrives() {
+    const std::vector<ct::Drive> drives = DriveList ? DriveList() : ListDrives();
+    const QSignalBlocker quiet(DriveLaufwerk);
+    DriveLaufwerk->clear();
+    for (const ct::Drive& drive : drives) {
+        DriveLaufwerk->addItem(QString::fromStdString(drive.display.empty() ? drive.mountPoint : drive.display),
+                               QString::fromStdString(drive.mountPoint));
+        DriveLaufwerk->setItemData(DriveLaufwerk->count() - 1, QString::fromStdString(drive.mountPoint),
+                                   Qt::ToolTipRole);
+    }
+    DriveLaufwerk->addItem(kOtherFolder);
+    DriveLaufwerk->setCurrentIndex(0);
+    // The list's own first entry is where it starts: no change event for it.
+    currentDrive_ = Drive();
+}
+
+QString frmHinzufügen::Drive() const { return DriveLaufwerk->currentData().toString(); }
+
+bool frmHinzufügen::SetDrive(const QString& value) {
+    if (value.isEmpty()) return false;
+    const int index = DriveLaufwerk->findData(value);
+    if (index < 0) return false;
+    DriveLaufwerk->setCurrentIndex(index);  // the change event runs only on a real change
+    return true;
+}
+
+void frmHinzufügen::DriveLaufwerk_Activated(int index) {
+    if (!IsOtherFolderEntry(DriveLaufwerk, index)) return;
+    const QString folder = seams::ChooseFolder(this, currentDrive_);
+    if (folder.isEmpty()) {
+        // Nothing chosen: back to the entry that stood there, no change event.
+        const QSignalBlocker quiet(DriveLaufwerk);
+        const int previous = DriveLaufwerk->findData(currentDrive_);
+        DriveLaufwerk->setCurrentIndex(previous >= 0 ? previous : 0);
+        return;
+    }
+    int entry = DriveLaufwerk->findData(folder);
+    if (entry < 0) {
+        entry = DriveLaufwerk->count() - 1;  // just above "…"
+        const QSignalBlocker quiet(DriveLaufwerk);
+        DriveLaufwerk->insertItem(entry, folder, folder);
+        DriveLaufwerk->setItemData(entry, folder, Qt::ToolTipRole);
+    }
+    if (DriveLaufwerk->currentIndex() == entry) {
+        // Inserted at the very index "…" stood on: the box saw no index change.
+        if (Drive() != currentDrive_) {
+            currentDrive_ = Drive();
+            DriveLaufwerk_Change();
+        }
+    } else {
+        DriveLaufwerk->setCurrentIndex(entry);
+    }
+}
+
+void frmHinzufügen::DriveLaufwerk_Change() {
+    VolumeInfo volume;  // the name starts empty: a disc without one empties the box
+    AddDiscSource().ReadVolumeInfo(Drive().toStdString(), volume);
+    txtBezeichnung->setText(QString::fromStdString(volume.VolumeName));
+}
+
+void frmHinzufügen::ShowProgress(std::size_t entries) {
+    const QString count = QString::number(static_cast<qulonglong>(entries));
+    lblFortschritt->setText(Start::Language == 10000 ? count + QStringLiteral(" entries found")
+                                                     : count + QStringLiteral(" Einträge gefunden"));
+    // Paint the count; a click or key waits until the disc is read.
+    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+}
+
+void frmHinzufügen::cmdHinzufügen_Click() {
+    if (reading_) return;
+    Busy();
+    if (txtBezeichnung->text().isEmpty()) {
+        HilfeZeigen(ResourceText(10099));
+        Normal();
+        return;
+    }
+
+    AddRequest request;
+    request.root = Drive().toStdString();
+    request.label = txtBezeichnung->text().toStdString();
+    request.description = txtBeschreibung->toPlainText().toStdString();
+    request.dataFolder = Start::DataFolder;
+    QElapsedTimer sinceShown;
+    sinceShown.start();
+    std::size_t lastShown = 0;
+    request.progress = [&](std::size_t entries) {
+        if (entries - lastShown < 1000 && sinceShown.elapsed() < 100) return;
+        lastShown = entries;
+        sinceShown.restart();
+        ShowProgress(entries);
+    };
+
+    reading_ = true;
+    const AddOutcome outcome = AddDisc(request, AddDiscSource(), AddFileOps());
+    reading_ = false;
+    lblFortschritt->clear();
+
+    if (outcome.result == AddResult::EmptyLabel) {
+        HilfeZeigen(ResourceText(10099));
+        Normal();
+        return;
+    }
+    // From here on the label is what the box shows, and so is the description.
+    txtBezeichnung->setText(QString::fromStdString(outcome.label));
+    txtBeschreibung->setPlainText(QString::fromStdString(outcome.description));
+
+    switch (outcome.result) {
+    case AddResult::LabelInUse:
+        HilfeZeigen(ResourceText(10100));
+        Normal();
+        return;
+    case AddResult::WriteFailed:
+        Normal();
+        seams::MessageBox(this, windowTitle(),
+                          QStringLiteral("Der Katalog konnte nicht geschrieben werden: ") +
+                              QString::fromStdString(outcome.error),
+                          QMessageBox::Ok, QMessageBox::Ok, QMessageBox::Warning);
+        return;
+    case AddResult::Added:
+    case AddResult::EmptyLabel:
+        break;
+    }
+
+    ++addedCount_;
+    Start::DriveLetter = Drive().toStdString();
+    if (frmHaupt* haupt = MainWindow()) haupt->INI_Speichern();
+    seams::MessageBox(this, QStringLiteral("Fertig!"), ResourceText(10092), QMessageBox::Ok);
+    Normal();
+}
+
+void frmHinzufügen::cmdAbbrechen_Click() { reject(); }
+
+void frmHinzufügen::closeEvent(QCloseEvent* event) {
+    // The window system's close box while a disc is read: the read finishes first.
+    if (reading_) {
+        event->ignore();
+        return;
+    }
+    QDialog::closeEvent(event);
+}
+
+void frmHinzufügen::done(int result) {
+    if (reading_) return;
+    QDialog::done(result);
+    if (BeforeRefresh) BeforeRefresh(*this);
+    if (frmHaupt* haupt = MainWindow()) {
+        haupt->OrdnerInfoLöschen();
+        haupt->DateiInfoLöschen();
+        haupt->Aktualisieren();
+    }
+}
+
+}  // namespace ct
