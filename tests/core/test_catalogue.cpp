@@ -1,0 +1,468 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "core/catalogue.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// The catalogue of a small disc as it stands after descriptions were added to
+// the disc, to the folder Urlaub and to the file p1.jpg.
+const std::string kExample =
+    "654311424|-1029197328|CDFS|319488|1|2048|Photos 2003\r\n"
+    "\r\n"
+    "\\Bilder|R|14.03.2003 09:12:40|\r\n"
+    "\\Bilder\\Urlaub|R|14.03.2003 09:12:41|Trip to the coast\r\n"
+    "\r\n"
+    "\\Bilder\\index.htm|2310|R|14.03.2003 09:12:40|\r\n"
+    "\\Bilder\\Urlaub\\p1.jpg|183442|R|14.03.2003 09:12:41|First day\r\n"
+    "\\liesmich.txt|1024|R|14.03.2003 09:12:40|\r\n";
+
+ct::VolumeInfo ExampleVolume() {
+    ct::VolumeInfo v;
+    v.Size = ct::Fixed::FromInt(654311424);
+    v.SerialNumber = -1029197328;
+    v.FileSystem = "CDFS";
+    v.ClusterCount = 319488;
+    v.SectorsPerCluster = 1;
+    v.BytesPerSector = 2048;
+    return v;
+}
+
+ct::WalkRecord Rec(std::string name, std::int64_t size, std::string attributes, std::string date) {
+    return ct::WalkRecord{std::move(name), ct::Fixed::FromInt(size), std::move(attributes),
+                          std::move(date)};
+}
+
+class TempFolder {
+public:
+    TempFolder() {
+        std::random_device rd;
+        path_ = fs::temp_directory_path() / ("cartulon-catalogue-" + std::to_string(rd()));
+        fs::create_directories(path_);
+    }
+    ~TempFolder() {
+        std::error_code ec;
+        fs::remove_all(path_, ec);
+    }
+    std::string File(const std::string& name, const std::string& content) const {
+        const std::string p = (path_ / name).string();
+        std::ofstream(p, std::ios::binary) << content;
+        return p;
+    }
+    std::string Path(const std::string& name) const { return (path_ / name).string(); }
+
+private:
+    fs::path path_;
+};
+
+std::vector<std::string> AllLines(const std::string& path, std::size_t block = ct::LineReader::kDefaultBlock) {
+    ct::LineReader r(path, block);
+    std::vector<std::string> lines;
+    std::string_view line;
+    while (r.NextRaw(line)) lines.emplace_back(line);
+    return lines;
+}
+
+struct Sections {
+    std::string header;
+    std::vector<std::string> folders, files;
+};
+
+Sections ReadSections(const std::string& path) {
+    ct::CatalogueReader r(path);
+    Sections s;
+    s.header = r.HeaderLine();
+    std::string line;
+    while (r.NextFolderLine(line)) s.folders.push_back(line);
+    while (r.NextFileLine(line)) s.files.push_back(line);
+    return s;
+}
+
+// --- Writing ---------------------------------------------------------------
+
+TEST(CatalogueWrite, ExampleDiscByteForByte) {
+    const std::string root = "/media/cdrom";
+    const ct::WalkList folders = {Rec(root + "/Bilder", 0, "R", "14.03.2003 09:12:40"),
+                                  Rec(root + "/Bilder/Urlaub", 0, "R", "14.03.2003 09:12:41")};
+    const ct::WalkList files = {
+        Rec(root + "/Bilder/index.htm", 2310, "R", "14.03.2003 09:12:40"),
+        Rec(root + "/Bilder/Urlaub/p1.jpg", 183442, "R", "14.03.2003 09:12:41"),
+        Rec(root + "/liesmich.txt", 1024, "R", "14.03.2003 09:12:40")};
+    std::string text = ct::CatalogueText(root, ExampleVolume(), "Photos 2003", folders, files);
+
+    // New folder and file lines end in a bar: the descriptions are added by
+    // replacing what stands behind the last bar.
+    const auto describe = [&text](const std::string& line, const std::string& description) {
+        const std::size_t at = text.find(line + "\r\n");
+        ASSERT_NE(at, std::string::npos) << line;
+        text.replace(at, line.size(), ct::WithDescription(line, description));
+    };
+    describe("\\Bilder\\Urlaub|R|14.03.2003 09:12:41|", "Trip to the coast");
+    describe("\\Bilder\\Urlaub\\p1.jpg|183442|R|14.03.2003 09:12:41|", "First day");
+    EXPECT_EQ(text, kExample);
+}
+
+struct ShapeRow {
+    const char* name;
+    ct::WalkList folders, files;
+    const char* description;
+    bool volumeKnown;
+    std::string text;
+};
+
+class CatalogueShape : public ::testing::TestWithParam<ShapeRow> {};
+
+TEST_P(CatalogueShape, Text) {
+    const ShapeRow& row = GetParam();
+    const ct::VolumeInfo volume = row.volumeKnown ? ExampleVolume() : ct::VolumeInfo{};
+    EXPECT_EQ(ct::CatalogueText("/mnt/d", volume, row.description, row.folders, row.files), row.text);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, CatalogueShape,
+    ::testing::Values(
+        ShapeRow{"NoFoldersGivesTwoEmptyLinesBeforeFiles", {},
+                 {Rec("/mnt/d/a.txt", 5, "A", "01.01.2000 00:00:00")}, "x", true,
+                 "654311424|-1029197328|CDFS|319488|1|2048|x\r\n\r\n\r\n"
+                 "\\a.txt|5|A|01.01.2000 00:00:00|\r\n"},
+        ShapeRow{"EmptyDiscIsHeaderAndTwoEmptyLines", {}, {}, "", true,
+                 "654311424|-1029197328|CDFS|319488|1|2048|\r\n\r\n\r\n"},
+        ShapeRow{"FailedVolumeQueryGivesZeroHeader", {}, {}, "Leer", false,
+                 "0|0||0|0|0|Leer\r\n\r\n\r\n"},
+        ShapeRow{"SizeOfTwoGiBIsNegative", {},
+                 {Rec("/mnt/d/big.iso", -2147483648LL, "", "01.01.2000 00:00:00")}, "", false,
+                 "0|0||0|0|0|\r\n\r\n\r\n\\big.iso|-2147483648||01.01.2000 00:00:00|\r\n"},
+        ShapeRow{"EmptyAttributesLeaveAnEmptyField",
+                 {Rec("/mnt/d/x", 0, "", "01.01.2000 00:00:00")}, {}, "", false,
+                 "0|0||0|0|0|\r\n\r\n\\x||01.01.2000 00:00:00|\r\n\r\n"},
+        ShapeRow{"LineBreakInDescriptionCantBreakTheHeader", {}, {}, "a\r\nb", false,
+                 "0|0||0|0|0|a  b\r\n\r\n\r\n"}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+struct EntryPathRow {
+    const char* name;
+    std::string root, walked, path;
+};
+
+class CatalogueEntryPathTable : public ::testing::TestWithParam<EntryPathRow> {};
+
+TEST_P(CatalogueEntryPathTable, PathFromTheRoot) {
+    EXPECT_EQ(ct::CatalogueEntryPath(GetParam().root, GetParam().walked), GetParam().path);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, CatalogueEntryPathTable,
+    ::testing::Values(
+        EntryPathRow{"Nested", "/media/cd", "/media/cd/Bilder/Urlaub", "\\Bilder\\Urlaub"},
+        EntryPathRow{"RootWithTrailingSlash", "/media/cd/", "/media/cd/p1.jpg", "\\p1.jpg"},
+        EntryPathRow{"FileSystemRoot", "/", "/etc/hosts", "\\etc\\hosts"},
+        EntryPathRow{"BarInName", "/r", "/r/a|b", "\\a?b"},
+        EntryPathRow{"BackslashInName", "/r", "/r/a\\b/c", "\\a?b\\c"},
+        EntryPathRow{"ControlCharacters", "/r", "/r/a\tb\nc\x7F", "\\a?b?c?"},
+        EntryPathRow{"C1ControlCharacter", "/r", "/r/a\xC2\x85", "\\a?"},
+        EntryPathRow{"Utf8Kept", "/r", "/r/M\xC3\xBCll", "\\M\xC3\xBCll"},
+        EntryPathRow{"Latin1NameMadeUtf8", "/r", "/r/M\xFCll/ok", "\\M\xC3\xBCll\\ok"},
+        EntryPathRow{"RootNameSharedByASibling", "/media/cd", "/media/cd2/x", "\\media\\cd2\\x"}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+// --- Line rules ------------------------------------------------------------
+
+TEST(CatalogueLines, SplitFromTheLeft) {
+    const ct::DiscHeader h = ct::SplitHeader("654311424|-1029197328|CDFS|319488|1|2048|a|b");
+    EXPECT_EQ(h.HeaderSize, "654311424");
+    EXPECT_EQ(h.SerialNumber, "-1029197328");
+    EXPECT_EQ(h.FileSystem, "CDFS");
+    EXPECT_EQ(h.ClusterCount, "319488");
+    EXPECT_EQ(h.SectorsPerCluster, "1");
+    EXPECT_EQ(h.BytesPerSector, "2048");
+    EXPECT_EQ(h.Description, "a|b");
+
+    const ct::FolderRecord d = ct::SplitFolder("\\Bilder|R H|14.03.2003 09:12:40|x|y");
+    EXPECT_EQ(d.Path, "\\Bilder");
+    EXPECT_EQ(d.Attributes, "R H");
+    EXPECT_EQ(d.Time, "14.03.2003 09:12:40");
+    EXPECT_EQ(d.Description, "x|y");
+
+    const ct::FileRecord f = ct::SplitFile("\\a\\b.txt|12|A|01.01.2000 00:00:00|c:\\temp|z");
+    EXPECT_EQ(f.Path, "\\a\\b.txt");
+    EXPECT_EQ(f.Size, "12");
+    EXPECT_EQ(f.Attributes, "A");
+    EXPECT_EQ(f.Time, "01.01.2000 00:00:00");
+    EXPECT_EQ(f.Description, "c:\\temp|z");
+}
+
+TEST(CatalogueLines, ShortLinesGiveEmptyFields) {
+    const ct::FileRecord f = ct::SplitFile("no bars at all");
+    EXPECT_EQ(f.Path, "no bars at all");
+    EXPECT_EQ(f.Size, "");
+    EXPECT_EQ(f.Description, "");
+    const ct::DiscHeader h = ct::SplitHeader("");
+    EXPECT_EQ(h.HeaderSize, "");
+    EXPECT_EQ(h.Description, "");
+    EXPECT_EQ(ct::SplitFolder("\\x|R").Time, "");
+}
+
+TEST(CatalogueLines, DescriptionWithBarEditedKeepsTheTextBeforeIt) {
+    const std::string line = "\\x|R|01.01.2000 00:00:00|a|b";
+    EXPECT_EQ(ct::SplitFolder(line).Description, "a|b");
+    EXPECT_EQ(ct::SplitFolder(ct::WithDescription(line, "c")).Description, "a|c");
+    EXPECT_EQ(ct::WithDescription("no bar", "c"), "no bar");
+}
+
+struct RecordRow {
+    const char* name;
+    const char* line;
+    const char* path;
+    bool match;
+};
+
+class CatalogueRecordOf : public ::testing::TestWithParam<RecordRow> {};
+
+TEST_P(CatalogueRecordOf, WholeFirstField) {
+    EXPECT_EQ(ct::IsRecordOf(GetParam().line, GetParam().path), GetParam().match);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, CatalogueRecordOf,
+    ::testing::Values(RecordRow{"Exact", "\\Bilder|R|t|", "\\Bilder", true},
+                      RecordRow{"PrefixOfLongerPath", "\\Bilder\\Urlaub|R|t|", "\\Bilder", false},
+                      RecordRow{"CaseCounts", "\\bilder|R|t|", "\\Bilder", false},
+                      RecordRow{"LineWithoutBar", "\\Bilder", "\\Bilder", false},
+                      RecordRow{"PathInDescriptionOnly", "\\x|R|t|\\Bilder|", "\\Bilder", false},
+                      RecordRow{"PathWithBarNeverMatches", "\\a|b|c", "\\a|b", false}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+struct DirectlyRow {
+    const char* name;
+    const char* file;
+    const char* folder;
+    bool in;
+    const char* item;
+};
+
+class CatalogueLiesDirectlyIn : public ::testing::TestWithParam<DirectlyRow> {};
+
+TEST_P(CatalogueLiesDirectlyIn, ByPathFieldOnly) {
+    std::string_view item;
+    EXPECT_EQ(ct::LiesDirectlyIn(GetParam().file, GetParam().folder, &item), GetParam().in);
+    if (GetParam().in) {
+        EXPECT_EQ(item, GetParam().item);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, CatalogueLiesDirectlyIn,
+    ::testing::Values(
+        DirectlyRow{"RootFile", "\\liesmich.txt", ".", true, "liesmich.txt"},
+        DirectlyRow{"DeeperFileNotInRoot", "\\Bilder\\index.htm", ".", false, ""},
+        DirectlyRow{"FileOfFolder", "\\Bilder\\index.htm", "\\Bilder", true, "index.htm"},
+        DirectlyRow{"FileOfSubfolderNotDirect", "\\Bilder\\Urlaub\\p1.jpg", "\\Bilder", false, ""},
+        DirectlyRow{"LongerNamesakeFolder", "\\Bilder2\\a.jpg", "\\Bilder", false, ""},
+        DirectlyRow{"CaseCounts", "\\bilder\\a.jpg", "\\Bilder", false, ""},
+        DirectlyRow{"BackslashInDescription", "\\Bilder\\a.jpg|1|A|t|see c:\\x", "\\Bilder", true,
+                    "a.jpg"},
+        DirectlyRow{"RootFileWithBackslashInDescription", "\\a.jpg|1|A|t|c:\\x", ".", true,
+                    "a.jpg"}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+struct LabelNameRow {
+    const char* name;
+    const char* walked;
+    bool catalogue;
+    const char* label;
+};
+
+class CatalogueLabelOfName : public ::testing::TestWithParam<LabelNameRow> {};
+
+TEST_P(CatalogueLabelOfName, LowerCaseIdxOnly) {
+    std::string label;
+    EXPECT_EQ(ct::LabelOfCatalogueName(GetParam().walked, label), GetParam().catalogue);
+    if (GetParam().catalogue) {
+        EXPECT_EQ(label, GetParam().label);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, CatalogueLabelOfName,
+    ::testing::Values(LabelNameRow{"Plain", "/data/Urlaub 2003.idx", true, "Urlaub 2003"},
+                      LabelNameRow{"InSubfolder", "/data/alt/Backup.idx", true, "Backup"},
+                      LabelNameRow{"DotsInLabel", "/data/a.b.idx", true, "a.b"},
+                      LabelNameRow{"EmptyLabel", "/data/.idx", true, ""},
+                      LabelNameRow{"UpperCaseExtension", "/data/X.IDX", false, ""},
+                      LabelNameRow{"ScratchOfAWrite", "/data/X.idx.part", false, ""},
+                      LabelNameRow{"LongerExtension", "/data/X.idxx", false, ""}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+TEST(CatalogueNames, PathAndLabelsInWalkOrder) {
+    EXPECT_EQ(ct::CataloguePath("/home/u/Daten", "CD 1"), "/home/u/Daten/CD 1.idx");
+    const ct::WalkList files = {Rec("/d/b.idx", 1, "", ""), Rec("/d/notes.txt", 1, "", ""),
+                                Rec("/d/sub/a.idx", 1, "", "")};
+    EXPECT_EQ(ct::LabelsOf(files), (std::vector<std::string>{"b", "a"}));
+}
+
+// --- Reading ---------------------------------------------------------------
+
+TEST(CatalogueRead, ExampleBySections) {
+    TempFolder dir;
+    const std::string path = dir.File("Photos.idx", kExample);
+    const Sections s = ReadSections(path);
+    EXPECT_EQ(ct::SplitHeader(s.header).Description, "Photos 2003");
+    ASSERT_EQ(s.folders.size(), 2u);
+    EXPECT_EQ(s.folders[1], "\\Bilder\\Urlaub|R|14.03.2003 09:12:41|Trip to the coast");
+    ASSERT_EQ(s.files.size(), 3u);
+    EXPECT_EQ(s.files[2], "\\liesmich.txt|1024|R|14.03.2003 09:12:40|");
+
+    const ct::CatalogueCounts c = ct::CountCatalogue(path);
+    EXPECT_TRUE(c.opened);
+    EXPECT_EQ(c.headerLine, s.header);
+    EXPECT_EQ(c.folders, 2);
+    EXPECT_EQ(c.files, 3);
+
+    std::string line;
+    ASSERT_TRUE(ct::FindRecordLine(path, "\\Bilder", line));
+    EXPECT_EQ(line, "\\Bilder|R|14.03.2003 09:12:40|");
+    ASSERT_TRUE(ct::FindRecordLine(path, "\\Bilder\\Urlaub\\p1.jpg", line));
+    EXPECT_EQ(ct::SplitFile(line).Description, "First day");
+    EXPECT_FALSE(ct::FindRecordLine(path, "\\bilder", line));
+    EXPECT_FALSE(ct::FindRecordLine(path, "\\Bild", line));
+}
+
+TEST(CatalogueRead, FileLinesWithoutReadingFoldersFirst) {
+    TempFolder dir;
+    ct::CatalogueReader r(dir.File("x.idx", kExample));
+    std::string line;
+    ASSERT_TRUE(r.NextFileLine(line));
+    EXPECT_EQ(line, "\\Bilder\\index.htm|2310|R|14.03.2003 09:12:40|");
+    EXPECT_FALSE(r.NextFolderLine(line));  // the folder section lies behind us
+    EXPECT_EQ(r.HeaderLine().substr(0, 9), "654311424");
+}
+
+struct DamagedRow {
+    const char* name;
+    std::string content;
+    std::string header;
+    std::size_t folders, files;         // as the section readers see them
+    std::int64_t countFolders, countFiles;  // as the counting way sees them
+};
+
+class CatalogueDamaged : public ::testing::TestWithParam<DamagedRow> {};
+
+TEST_P(CatalogueDamaged, ReadsWhatIsThere) {
+    const DamagedRow& row = GetParam();
+    TempFolder dir;
+    const std::string path = dir.File("d.idx", row.content);
+    const Sections s = ReadSections(path);
+    EXPECT_EQ(s.header, row.header);
+    EXPECT_EQ(s.folders.size(), row.folders);
+    EXPECT_EQ(s.files.size(), row.files);
+    const ct::CatalogueCounts c = ct::CountCatalogue(path);
+    EXPECT_TRUE(c.opened);
+    EXPECT_EQ(c.headerLine, row.header);
+    EXPECT_EQ(c.folders, row.countFolders);
+    EXPECT_EQ(c.files, row.countFiles);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, CatalogueDamaged,
+    ::testing::Values(
+        DamagedRow{"Empty", "", "", 0, 0, 0, 0},
+        DamagedRow{"HeaderOnly", "0|0||0|0|0|x\r\n", "0|0||0|0|0|x", 0, 0, 0, 0},
+        DamagedRow{"HeaderWithoutLineEnd", "0|0||0|0|0|x", "0|0||0|0|0|x", 0, 0, 0, 0},
+        DamagedRow{"CutShortInFolders", "h\r\n\r\n\\a|R|t|\r\n\\b|R|t|", "h", 2, 0, 2, 0},
+        DamagedRow{"CutShortInFiles", "h\r\n\r\n\\a|R|t|\r\n\r\n\\a\\f|1|A|t|\r\n\\a\\g|", "h", 1, 2,
+                   1, 2},
+        DamagedRow{"EmptyDisc", "h\r\n\r\n\r\n", "h", 0, 0, 0, 0},
+        DamagedRow{"NoFolders", "h\r\n\r\n\r\n\\f|1||t|\r\n", "h", 0, 1, 0, 1},
+        DamagedRow{"LinesWithoutBars", "h\r\n\r\nfolder\r\n\r\nfile\r\n", "h", 1, 1, 1, 1},
+        // The section readers stop at an empty line; the counting way goes on
+        // to the end of the file.
+        DamagedRow{"EmptyLineAmongFiles", "h\r\n\r\n\r\n\\a|1||t|\r\n\r\n\\b|1||t|\r\n", "h", 0, 1,
+                   0, 3},
+        DamagedRow{"LfOnly", "h\n\n\\a|R|t|\n\n\\a\\f|1|A|t|\n", "h", 1, 1, 1, 1},
+        DamagedRow{"CrOnly", "h\r\r\\a|R|t|\r\r\\a\\f|1|A|t|\r", "h", 1, 1, 1, 1},
+        DamagedRow{"MixedLineEnds", "h\r\n\n\\a|R|t|\r\r\n\\a\\f|1|A|t|\n", "h", 1, 1, 1, 1},
+        DamagedRow{"Windows1252Header", "0|0||0|0|0|M\xFCll\r\n", "0|0||0|0|0|M\xC3\xBCll", 0, 0, 0,
+                   0}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+TEST(CatalogueRead, MissingFileGivesNothing) {
+    TempFolder dir;
+    const std::string path = dir.Path("gone.idx");
+    ct::CatalogueReader r(path);
+    EXPECT_FALSE(r.IsOpen());
+    EXPECT_EQ(r.HeaderLine(), "");
+    std::string line;
+    EXPECT_FALSE(r.NextFolderLine(line));
+    EXPECT_FALSE(r.NextFileLine(line));
+    EXPECT_FALSE(ct::CountCatalogue(path).opened);
+    EXPECT_FALSE(ct::FindRecordLine(path, "\\a", line));
+    ct::LineReader lines(path);
+    EXPECT_TRUE(lines.AtEnd());
+}
+
+TEST(CatalogueRead, VeryLongLineComesWhole) {
+    TempFolder dir;
+    const std::string description(5 * 1024 * 1024, 'x');
+    const std::string path =
+        dir.File("long.idx", "h\r\n\r\n\\a|R|t|" + description + "\r\n\r\n\\a\\f|1|A|t|\r\n");
+    const Sections s = ReadSections(path);
+    ASSERT_EQ(s.folders.size(), 1u);
+    EXPECT_EQ(ct::SplitFolder(s.folders[0]).Description.size(), description.size());
+    ASSERT_EQ(s.files.size(), 1u);
+    EXPECT_EQ(s.files[0], "\\a\\f|1|A|t|");
+    std::string line;
+    ASSERT_TRUE(ct::FindRecordLine(path, "\\a\\f", line));
+}
+
+TEST(CatalogueRead, LinesAcrossBlockBoundaries) {
+    // Every block size cuts lines, CR LF pairs and multi-byte characters at
+    // every possible place; the lines must come out the same.
+    TempFolder dir;
+    const std::string content =
+        "h|\xC3\xA4\r\n\r\n\\a|R|t|\r\n\\b|R|t|x\r\r\n\r\n\\a\\f|1|A|t|\n\\b\\g|2|A|t|\r";
+    const std::string path = dir.File("b.idx", content);
+    const std::vector<std::string> expected = {"h|\xC3\xA4", "", "\\a|R|t|", "\\b|R|t|x", "",
+                                               "", "\\a\\f|1|A|t|", "\\b\\g|2|A|t|"};
+    for (std::size_t block = 1; block <= content.size() + 1; ++block)
+        EXPECT_EQ(AllLines(path, block), expected) << "block " << block;
+}
+
+TEST(CatalogueRead, AtEndSeesTheLfOfACrLfAcrossBlocks) {
+    TempFolder dir;
+    const std::string path = dir.File("e.idx", "ab\r\n");
+    ct::LineReader r(path, 3);
+    std::string_view line;
+    ASSERT_TRUE(r.NextRaw(line));
+    EXPECT_EQ(line, "ab");
+    EXPECT_TRUE(r.AtEnd());
+    EXPECT_FALSE(r.NextRaw(line));
+}
+
+TEST(CatalogueRead, Windows1252RecordFoundByItsUtf8Path) {
+    TempFolder dir;
+    const std::string path =
+        dir.File("w.idx", "h\r\n\r\n\r\n\\M\xFCll.txt|1|A|t|Gr\xFC\xDF" "e\r\n\\Mull.txt|2|A|t|\r\n");
+    std::string line;
+    ASSERT_TRUE(ct::FindRecordLine(path, "\\M\xC3\xBCll.txt", line));
+    EXPECT_EQ(line, "\\M\xC3\xBCll.txt|1|A|t|Gr\xC3\xBC\xC3\x9F" "e");
+    ASSERT_TRUE(ct::FindRecordLine(path, "\\Mull.txt", line));
+    EXPECT_EQ(ct::SplitFile(line).Size, "2");
+}
+
+TEST(CatalogueRead, CountsBeyondSixteenBits) {
+    TempFolder dir;
+    std::string content = "h\r\n\r\n\r\n";
+    for (int i = 0; i < 40000; ++i) content += "\\f" + std::to_string(i) + "|1||t|\r\n";
+    const ct::CatalogueCounts c = ct::CountCatalogue(dir.File("big.idx", content));
+    EXPECT_EQ(c.folders, 0);
+    EXPECT_EQ(c.files, 40000);
+}
+
+}  // namespace
