@@ -240,20 +240,33 @@ private:
         });
         entries.erase(std::unique(entries.begin(), entries.end()), entries.end());
         if (entries.empty()) return html + "<p>" + words_.noTopics.toHtmlEscaped() + "</p>";
+        // A word that leads to several topics names each topic beside it.
+        std::map<std::string, int> uses;
+        for (const auto& e : entries) ++uses[e.first];
         QString letter;
+        bool opened = false;
         for (const auto& [text, i] : entries) {
-            const QString shown = Q(text);
+            QString shown = Q(text).toHtmlEscaped();
+            if (uses[text] > 1)
+                shown += " <font color=\"#666666\">– " + Q(file_.topics[i].Title()).toHtmlEscaped() + "</font>";
             QString first;
             for (const QChar c : Q(ct::HelpIndexKey(text)))
                 if (c.isLetterOrNumber()) {
                     first = c.isDigit() ? QString("0–9") : QString(c.toUpper());
                     break;
                 }
-            if (first != letter && !first.isEmpty()) html += "<h3>" + first.toHtmlEscaped() + "</h3>";
+            if (!opened || first != letter) {
+                if (opened) html += "</p>";
+                html += "<p style=\"margin-top:10px; margin-bottom:2px\"><b><font color=\"#1f4e79\">" +
+                        first.toHtmlEscaped() + "</font></b></p><p style=\"margin-top:0px; margin-left:12px\">";
+                opened = true;
+            } else {
+                html += "<br>";
+            }
             letter = first;
-            html += "<a href=\"topic:" + QString::number(i) + "\">" + shown.toHtmlEscaped() + "</a><br>";
+            html += "<a href=\"topic:" + QString::number(i) + "\">" + shown + "</a>";
         }
-        return html;
+        return html + "</p>";
     }
 
     std::string path_;

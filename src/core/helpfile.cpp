@@ -417,6 +417,23 @@ std::string HelpIndexKey(std::string_view text) {
         }
         out += (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : static_cast<char>(c);
     }
+    // ".idx" and "„Fertig!“" belong under their first letter: leading ASCII
+    // punctuation and general punctuation (quotes, dashes, U+2000..U+206F) go.
+    std::size_t lead = 0;
+    while (lead < out.size()) {
+        const auto c = static_cast<unsigned char>(out[lead]);
+        const bool asciiMark = c < 0x80 && !((c >= 'a' && c <= 'z') || (c >= '0' && c <= '9'));
+        if (asciiMark) {
+            ++lead;
+        } else if (c == 0xE2 && lead + 2 < out.size() &&
+                   (static_cast<unsigned char>(out[lead + 1]) == 0x80 ||
+                    static_cast<unsigned char>(out[lead + 1]) == 0x81)) {
+            lead += 3;
+        } else {
+            break;
+        }
+    }
+    if (lead < out.size()) out.erase(0, lead);
     return out;
 }
 
