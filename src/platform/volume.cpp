@@ -70,9 +70,10 @@ std::string ReadWhole(const std::string& path) {
 }
 
 // The properties udev noted for a block device ("E:KEY=VALUE" lines).
-std::map<std::string, std::string> UdevProperties(unsigned major, unsigned minor) {
+std::map<std::string, std::string> UdevProperties(const std::string& folder, unsigned major,
+                                                  unsigned minor) {
     std::map<std::string, std::string> props;
-    std::istringstream in(ReadWhole("/run/udev/data/b" + std::to_string(major) + ":" +
+    std::istringstream in(ReadWhole(folder + "/b" + std::to_string(major) + ":" +
                                     std::to_string(minor)));
     std::string line;
     while (std::getline(in, line)) {
@@ -149,9 +150,10 @@ std::string DesktopMountName(const std::string& mountPoint) {
 
 bool IsOptical(const std::string& type) { return type == "iso9660" || type == "udf"; }
 
-bool ProbeDevice(const MountEntry& mount, std::uint64_t session, ProbeOrder order, VolumeLabel& label) {
+bool ProbeDevice(const std::string& devBlock, const MountEntry& mount, std::uint64_t session,
+                 ProbeOrder order, VolumeLabel& label) {
     std::vector<std::string> candidates;
-    candidates.push_back("/dev/block/" + std::to_string(mount.major) + ":" + std::to_string(mount.minor));
+    candidates.push_back(devBlock + "/" + std::to_string(mount.major) + ":" + std::to_string(mount.minor));
     if (mount.source.rfind("/dev/", 0) == 0) candidates.push_back(mount.source);
     for (const auto& device : candidates) {
         const int fd = open(device.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
@@ -163,9 +165,11 @@ bool ProbeDevice(const MountEntry& mount, std::uint64_t session, ProbeOrder orde
     return false;
 }
 
-void NameHalf(const std::string& path, const MountEntry& mount, const struct statvfs* vfs,
-              VolumeInfo& volume) {
-    const auto props = UdevProperties(mount.major, mount.minor);
+}  // namespace
+
+void ReadVolumeName(const std::string& path, const MountEntry& mount, const std::uint64_t* clusters,
+                    VolumeInfo& volume, const VolumeNameSources& sources) {
+    const auto props = UdevProperties(sources.udevData, mount.major, mount.minor);
     const std::string& type = mount.fsType;
     const bool probeable = IsOptical(type) || type == "vfat" || type == "msdos" || type == "exfat" ||
                            type == "ntfs" || type == "ntfs3" || type == "fuseblk";
@@ -180,7 +184,7 @@ void NameHalf(const std::string& path, const MountEntry& mount, const struct sta
         const ProbeOrder order = type == "iso9660" ? ProbeOrder::IsoFirst
                                  : type == "udf"   ? ProbeOrder::UdfFirst
                                                    : ProbeOrder::BootSectorFirst;
-        probed = ProbeDevice(mount, session, order, label);
+        probed = ProbeDevice(sources.devBlock, mount, session, order, label);
     }
 
     std::string fileSystem;
@@ -202,7 +206,7 @@ void NameHalf(const std::string& path, const MountEntry& mount, const struct sta
         else if (!Property(props, "ID_FS_VERSION").empty())
             fat32 = Property(props, "ID_FS_VERSION") == "FAT32";
         else
-            fat32 = vfs && vfs->f_blocks >= 65525;  // what makes a FAT volume FAT32
+            fat32 = clusters && *clusters >= 65525;  // what makes a FAT volume FAT32
         fileSystem = WindowsFileSystemName(type, fat32);
     } else {
         fileSystem = WindowsFileSystemName(type, false);
@@ -223,6 +227,8 @@ void NameHalf(const std::string& path, const MountEntry& mount, const struct sta
     volume.SerialNumber = static_cast<std::int32_t>(serial);
     volume.FileSystem = fileSystem;
 }
+
+namespace {
 
 // The logical sector size of the device, or of the whole disc for a partition.
 std::int32_t LogicalSectorSize(unsigned major, unsigned minor) {
@@ -335,7 +341,8 @@ void ReadVolumeInfo(const std::string& root, VolumeInfo& volume) {
     const bool haveMount = MountOf(ReadMountInfo(), path, mount);
     struct statvfs vfs{};
     const bool haveVfs = statvfs(path.c_str(), &vfs) == 0;
-    if (haveMount) NameHalf(path, mount, haveVfs ? &vfs : nullptr, volume);
+    const std::uint64_t clusters = vfs.f_blocks;
+    if (haveMount) ReadVolumeName(path, mount, haveVfs ? &clusters : nullptr, volume, VolumeNameSources{});
     if (haveVfs) GeometryHalf(haveMount ? &mount : nullptr, vfs, volume);
 }
 
