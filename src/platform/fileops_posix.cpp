@@ -83,6 +83,8 @@ public:
             close(in);
             return false;
         }
+        struct stat target{};
+        const bool regular = fstat(out, &target) == 0 && S_ISREG(target.st_mode);
         char buf[64 * 1024];
         bool ok = true;
         while (ok) {
@@ -106,7 +108,7 @@ public:
             ok = false;
         }
         close(in);
-        if (!ok) unlink(to.c_str());  // never leave half a copy behind
+        if (!ok && regular) unlink(to.c_str());  // never leave half a copy behind
         return ok;
     }
 

@@ -1,0 +1,156 @@
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <cstring>
+#include <string>
+
+#include "core/fileops.h"
+#include "scratch.h"
+
+namespace ct {
+namespace {
+
+using test::ReadFile;
+using test::Scratch;
+
+TEST(SystemFileOps, CreateWritesSyncsAndClosesTwiceHarmlessly) {
+    Scratch s;
+    FileOps& ops = SystemFileOps();
+    std::string error;
+    auto out = ops.Create(s / "a.idx", &error);
+    ASSERT_NE(out, nullptr) << error;
+    EXPECT_TRUE(out->Write("0|0||0|0|0|\r\n"));
+    EXPECT_TRUE(out->Write(std::string("\0|\xE4", 3)));
+    EXPECT_TRUE(out->Sync());
+    EXPECT_TRUE(out->Close());
+    EXPECT_TRUE(out->Close());
+    EXPECT_FALSE(out->Write("late"));
+    EXPECT_EQ(ReadFile(s / "a.idx"), std::string("0|0||0|0|0|\r\n\0|\xE4", 16));
+    struct stat st{};
+    ASSERT_EQ(stat((s / "a.idx").c_str(), &st), 0);
+    const mode_t mask = umask(0);
+    umask(mask);
+    EXPECT_EQ(st.st_mode & 0777, 0644u & ~mask);
+}
+
+TEST(SystemFileOps, CreateEmptiesAnExistingFile) {
+    Scratch s;
+    s.File("a.idx", "a long old content");
+    auto out = SystemFileOps().Create(s / "a.idx", nullptr);
+    ASSERT_NE(out, nullptr);
+    out->Write("new");
+    out->Close();
+    EXPECT_EQ(ReadFile(s / "a.idx"), "new");
+}
+
+TEST(SystemFileOps, RenameReplacesTheTarget) {
+    Scratch s;
+    s.File("a.part", "new");
+    s.File("a.idx", "old");
+    std::string error;
+    ASSERT_TRUE(SystemFileOps().Rename(s / "a.part", s / "a.idx", &error)) << error;
+    EXPECT_EQ(ReadFile(s / "a.idx"), "new");
+    EXPECT_FALSE(SystemFileOps().Exists(s / "a.part"));
+}
+
+TEST(SystemFileOps, CopyReplacesAndKeepsTheSource) {
+    Scratch s;
+    std::string big(300 * 1024, 'x');
+    for (std::size_t i = 0; i < big.size(); ++i) big[i] = static_cast<char>(i * 31 % 256);
+    s.File("from.idx", big);
+    s.File("to.idx", "older and longer than nothing");
+    std::string error;
+    ASSERT_TRUE(SystemFileOps().Copy(s / "from.idx", s / "to.idx", &error)) << error;
+    EXPECT_EQ(ReadFile(s / "to.idx"), big);
+    EXPECT_EQ(ReadFile(s / "from.idx"), big);
+}
+
+TEST(SystemFileOps, CopyOntoItselfLosesNothing) {
+    Scratch s;
+    s.File("same.idx", "content");
+    EXPECT_TRUE(SystemFileOps().Copy(s / "same.idx", s / "same.idx", nullptr));
+    EXPECT_TRUE(SystemFileOps().Copy(s / "same.idx", s.path() + "/./same.idx", nullptr));
+    EXPECT_EQ(ReadFile(s / "same.idx"), "content");
+}
+
+// Failures a user can meet: a folder that is gone, a file that is gone, a
+// place nobody may write (root may write anywhere, so /proc stands in).
+TEST(SystemFileOps, FailuresSayWhatAndWhy) {
+    Scratch s;
+    s.File("there.idx", "x");
+    FileOps& ops = SystemFileOps();
+    const std::string noEntry = std::strerror(ENOENT);
+    const std::string missing = s / "gone/a.idx";
+    struct Row {
+        const char* name;
+        bool ok;
+        std::string error;
+        std::string mentions;
+    };
+    std::vector<Row> rows;
+    auto add = [&](const char* name, auto call, const std::string& mentions) {
+        Row r{name, false, {}, mentions};
+        r.ok = call(&r.error);
+        rows.push_back(r);
+    };
+    add("create in missing folder", [&](std::string* e) { return ops.Create(missing, e) != nullptr; }, missing);
+    add("create in /proc", [&](std::string* e) { return ops.Create("/proc/cartulon.idx", e) != nullptr; },
+        "/proc/cartulon.idx");
+    add("rename missing", [&](std::string* e) { return ops.Rename(s / "nope", s / "b", e); }, s / "nope");
+    add("rename into missing folder", [&](std::string* e) { return ops.Rename(s / "there.idx", missing, e); },
+        missing);
+    add("copy missing source", [&](std::string* e) { return ops.Copy(s / "nope", s / "b", e); }, s / "nope");
+    add("copy into missing folder", [&](std::string* e) { return ops.Copy(s / "there.idx", missing, e); }, missing);
+    add("copy into /proc", [&](std::string* e) { return ops.Copy(s / "there.idx", "/proc/x.idx", e); },
+        "/proc/x.idx");
+    add("remove missing", [&](std::string* e) { return ops.Remove(s / "nope", e); }, s / "nope");
+    for (const auto& r : rows) {
+        EXPECT_FALSE(r.ok) << r.name;
+        EXPECT_NE(r.error.find(r.mentions), std::string::npos) << r.name << ": " << r.error;
+        EXPECT_FALSE(r.error.empty()) << r.name;
+    }
+    EXPECT_NE(rows[0].error.find(noEntry), std::string::npos) << rows[0].error;
+    EXPECT_EQ(ReadFile(s / "there.idx"), "x");
+    EXPECT_FALSE(ops.Exists(s / "b"));
+    // A null error pointer is allowed.
+    EXPECT_FALSE(ops.Remove(s / "nope", nullptr));
+}
+
+TEST(SystemFileOps, FullDeviceFailsTheCopyAndTheWrite) {
+    struct stat st{};
+    if (stat("/dev/full", &st) != 0 || !S_ISCHR(st.st_mode)) GTEST_SKIP() << "no /dev/full";
+    Scratch s;
+    s.File("from.idx", std::string(100000, 'x'));
+    std::string error;
+    EXPECT_FALSE(SystemFileOps().Copy(s / "from.idx", "/dev/full", &error));
+    EXPECT_NE(error.find(std::strerror(ENOSPC)), std::string::npos) << error;
+    ASSERT_EQ(stat("/dev/full", &st), 0);  // a device is never removed as a half copy
+    EXPECT_TRUE(S_ISCHR(st.st_mode));
+    auto out = SystemFileOps().Create("/dev/full", nullptr);
+    ASSERT_NE(out, nullptr);
+    EXPECT_FALSE(out->Write("x"));
+}
+
+TEST(SystemFileOps, RemoveAndExists) {
+    Scratch s;
+    s.File("a");
+    s.Folder("d");
+    FileOps& ops = SystemFileOps();
+    EXPECT_TRUE(ops.Exists(s / "a"));
+    EXPECT_TRUE(ops.Exists(s / "d"));
+    EXPECT_FALSE(ops.Exists(s / "b"));
+    EXPECT_TRUE(ops.Remove(s / "a", nullptr));
+    EXPECT_FALSE(ops.Exists(s / "a"));
+}
+
+TEST(SystemFileOps, SameFileSystem) {
+    Scratch s;
+    const std::string sub = s.Folder("sub");
+    FileOps& ops = SystemFileOps();
+    EXPECT_TRUE(ops.SameFileSystem(s.path(), sub));
+    EXPECT_FALSE(ops.SameFileSystem(s.path(), "/proc"));
+    EXPECT_FALSE(ops.SameFileSystem(s.path(), s / "missing"));
+}
+
+}  // namespace
+}  // namespace ct

@@ -1,0 +1,152 @@
+#include "platform/system.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <cstdlib>
+#include <thread>
+
+#include "scratch.h"
+
+namespace ct {
+namespace {
+
+using test::ReadFile;
+using test::Scratch;
+
+std::string Executable(const Scratch& s, const std::string& name, const std::string& script = "#!/bin/sh\n") {
+    const std::string path = s.File(name, script);
+    chmod(path.c_str(), 0755);
+    return path;
+}
+
+// Waits a little for a file that a started program writes.
+std::string AwaitFile(const std::string& path) {
+    for (int i = 0; i < 200; ++i) {
+        struct stat st{};
+        if (stat(path.c_str(), &st) == 0 && st.st_size > 0) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+            return ReadFile(path);
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+    return {};
+}
+
+TEST(SplitCommandLine, ProgramFolderWithBlanks) {
+    Scratch s;
+    s.Folder("x y");
+    const std::string viewer = Executable(s, "x y/folihelp.exe");
+    std::string program, argument;
+    ASSERT_TRUE(SplitCommandLine(viewer + " " + s.path() + "/x y/CT0.fhp, Index", program, argument));
+    EXPECT_EQ(program, viewer);
+    EXPECT_EQ(argument, s.path() + "/x y/CT0.fhp, Index");
+}
+
+TEST(SplitCommandLine, ShortestExecutablePrefixWins) {
+    Scratch s;
+    s.Folder("x y");
+    Executable(s, "x y/folihelp.exe");
+    const std::string shortest = Executable(s, "x");  // "<tmp>/x" stands before "<tmp>/x y/..."
+    std::string program, argument;
+    ASSERT_TRUE(SplitCommandLine(s.path() + "/x y/folihelp.exe a, b", program, argument));
+    EXPECT_EQ(program, shortest);
+    EXPECT_EQ(argument, "y/folihelp.exe a, b");
+}
+
+TEST(SplitCommandLine, FoldersAndPlainFilesAreNoPrograms) {
+    Scratch s;
+    s.Folder("x y");
+    s.File("x");  // not executable
+    const std::string viewer = Executable(s, "x y/v");
+    std::string program, argument;
+    ASSERT_TRUE(SplitCommandLine(viewer + " topic", program, argument));
+    EXPECT_EQ(program, viewer);
+    EXPECT_EQ(argument, "topic");
+    EXPECT_FALSE(SplitCommandLine(s.path() + "/x y/missing.exe a", program, argument));
+    EXPECT_FALSE(SplitCommandLine("", program, argument));
+}
+
+TEST(SplitCommandLine, WholeLineAsProgramHasNoArgument) {
+    Scratch s;
+    const std::string viewer = Executable(s, "viewer");
+    std::string program = "old", argument = "old";
+    ASSERT_TRUE(SplitCommandLine(viewer, program, argument));
+    EXPECT_EQ(program, viewer);
+    EXPECT_EQ(argument, "");
+}
+
+TEST(StartCommandLine, HandsTheRestOverAsOneArgumentAndLeavesNoChild) {
+    Scratch s;
+    s.Folder("x y");
+    const std::string out = s / "args";
+    const std::string viewer =
+        Executable(s, "x y/folihelp.exe", "#!/bin/sh\nprintf '%s|' \"$#\" \"$@\" > '" + out + ".tmp'\nmv '" + out +
+                                              ".tmp' '" + out + "'\n");
+    ASSERT_TRUE(StartCommandLine(viewer + " " + s.path() + "/x y/CT1.fhp, Inhalt"));
+    EXPECT_EQ(AwaitFile(out), "1|" + s.path() + "/x y/CT1.fhp, Inhalt|");
+    // The program was never our child, so nothing is left to reap.
+    int status = 0;
+    EXPECT_EQ(waitpid(-1, &status, WNOHANG), -1);
+    EXPECT_EQ(errno, ECHILD);
+}
+
+TEST(StartCommandLine, DoesNotWaitForTheProgram) {
+    Scratch s;
+    const std::string slow = Executable(s, "slow", "#!/bin/sh\nsleep 5\n");
+    const auto start = std::chrono::steady_clock::now();
+    ASSERT_TRUE(StartCommandLine(slow + " x"));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(3));
+}
+
+TEST(StartCommandLine, FalseWhenNothingCanBeStarted) {
+    Scratch s;
+    EXPECT_FALSE(StartCommandLine(s.path() + "/nothing.exe topic"));
+    // Executable by its mode but no program the system can run.
+    const std::string broken = Executable(s, "broken", "#!/no/such/interpreter\n");
+    EXPECT_FALSE(StartCommandLine(broken + " topic"));
+}
+
+TEST(OpenTarget, RunsXdgOpenFromThePath) {
+    Scratch s;
+    const std::string out = s / "target";
+    Executable(s, "xdg-open", "#!/bin/sh\nprintf '%s' \"$1\" > '" + out + ".tmp'\n/bin/mv '" + out + ".tmp' '" + out + "'\n");
+    const char* old = std::getenv("PATH");
+    const std::string saved = old ? old : "";
+    setenv("PATH", s.path().c_str(), 1);
+    const bool started = OpenTarget("mailto:info@example.org?Subject=Cartulon v1.0");
+    const std::string noTarget = OpenTarget("") ? "started" : "refused";
+    setenv("PATH", saved.c_str(), 1);
+    ASSERT_TRUE(started);
+    EXPECT_EQ(AwaitFile(out), "mailto:info@example.org?Subject=Cartulon v1.0");
+    EXPECT_EQ(noTarget, "refused");
+}
+
+TEST(OpenTarget, FalseWithoutXdgOpen) {
+    Scratch s;
+    const char* old = std::getenv("PATH");
+    const std::string saved = old ? old : "";
+    setenv("PATH", s.path().c_str(), 1);
+    const bool started = OpenTarget("https://example.org");
+    setenv("PATH", saved.c_str(), 1);
+    EXPECT_FALSE(started);
+}
+
+TEST(ProgramFolder, TheFolderOfTheRunningProgramUnlessSet) {
+    char buf[4096];
+    const ssize_t n = readlink("/proc/self/exe", buf, sizeof buf - 1);
+    ASSERT_GT(n, 0);
+    const std::string exe(buf, static_cast<std::size_t>(n));
+    EXPECT_EQ(ProgramFolder(), exe.substr(0, exe.rfind('/')));
+    SetProgramFolderForTesting("/opt/Cartulon");
+    EXPECT_EQ(ProgramFolder(), "/opt/Cartulon");
+    SetProgramFolderForTesting("");
+    EXPECT_EQ(ProgramFolder(), exe.substr(0, exe.rfind('/')));
+}
+
+}  // namespace
+}  // namespace ct
