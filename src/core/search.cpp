@@ -101,6 +101,46 @@ bool Contains(std::string_view t, std::string_view s) {
     return false;
 }
 
+// The same comparisons with T plain ASCII and upper-cased on the fly: the
+// name test of nearly every line, without copying the name. An upper-cased
+// S with letters beyond ASCII never matches an ASCII T, as it shouldn't.
+bool FoldedEqual(const char* t, const char* upper, std::size_t n) {
+    for (std::size_t i = 0; i < n; ++i)
+        if (kUpper.map[static_cast<unsigned char>(t[i])] != static_cast<unsigned char>(upper[i])) return false;
+    return true;
+}
+bool FoldedContains(std::string_view t, std::string_view s) {
+    if (t.empty()) return false;
+    if (s.empty()) return true;
+    if (s.size() > t.size()) return false;
+    const unsigned char first = static_cast<unsigned char>(s[0]);
+    const std::size_t last = t.size() - s.size();
+    for (std::size_t i = 0; i <= last; ++i)
+        if (kUpper.map[static_cast<unsigned char>(t[i])] == first &&
+            FoldedEqual(t.data() + i + 1, s.data() + 1, s.size() - 1))
+            return true;
+    return false;
+}
+bool FoldedBegins(std::string_view t, std::string_view s) {
+    return t.size() >= s.size() && FoldedEqual(t.data(), s.data(), s.size());
+}
+bool FoldedEnds(std::string_view t, std::string_view s) {
+    return t.size() >= s.size() && FoldedEqual(t.data() + t.size() - s.size(), s.data(), s.size());
+}
+bool CompareFolded(SearchOp op, std::string_view t, std::string_view s) {
+    switch (op) {
+    case SearchOp::Equal: return t.size() == s.size() && FoldedEqual(t.data(), s.data(), s.size());
+    case SearchOp::NotEqual: return !(t.size() == s.size() && FoldedEqual(t.data(), s.data(), s.size()));
+    case SearchOp::Contains: return FoldedContains(t, s);
+    case SearchOp::NotContains: return !FoldedContains(t, s);
+    case SearchOp::BeginsWith: return FoldedBegins(t, s);
+    case SearchOp::NotBeginsWith: return !FoldedBegins(t, s);
+    case SearchOp::EndsWith: return FoldedEnds(t, s);
+    case SearchOp::NotEndsWith: return !FoldedEnds(t, s);
+    default: return true;
+    }
+}
+
 // --- Dates -----------------------------------------------------------------------
 
 bool IsLeap(std::int64_t y) { return (y % 4 == 0 && y % 100 != 0) || y % 400 == 0; }
@@ -307,6 +347,41 @@ Matcher::Matcher(const SearchCriteria& c)
     if (c.attributes != kNoAttributesLiteral && c.attributes != c.noAttributesText)
         wantedAttributes_ = c.attributes;
     if (checkDate_ && !ReadDate(c.dateText, dateLimit_)) dateOp_ = SearchOp::None;
+    // The term of "contains" never changes during a run (only "ends with"
+    // loses closing backslashes), so its skip table is made once.
+    const std::size_t m = term_.size();
+    if (m > 0 && m < 256) {
+        skip_.fill(static_cast<unsigned char>(m));
+        for (std::size_t i = 0; i + 1 < m; ++i) {
+            const unsigned char c = static_cast<unsigned char>(term_[i]);
+            const unsigned char d = static_cast<unsigned char>(m - 1 - i);
+            skip_[c] = d;
+            if (c >= 'A' && c <= 'Z') skip_[c + 32] = d;  // both cases fold to the term's letter
+        }
+    }
+}
+
+bool Matcher::TermIn(std::string_view t) const {
+    const std::size_t m = term_.size();
+    if (t.empty()) return false;
+    if (m == 0) return true;
+    if (m >= 256) return FoldedContains(t, term_);
+    if (m > t.size()) return false;
+    const unsigned char lastTerm = static_cast<unsigned char>(term_[m - 1]);
+    std::size_t i = 0;
+    const std::size_t end = t.size() - m;
+    for (;;) {
+        const unsigned char c = static_cast<unsigned char>(t[i + m - 1]);
+        if (kUpper.map[c] == lastTerm && FoldedEqual(t.data() + i, term_.data(), m - 1)) return true;
+        i += skip_[c];
+        if (i > end) return false;
+    }
+}
+
+bool Matcher::AsciiNameTest(std::string_view t) const {
+    if (nameOp_ == SearchOp::Contains) return TermIn(t);
+    if (nameOp_ == SearchOp::NotContains) return !TermIn(t);
+    return CompareFolded(nameOp_, t, term_);
 }
 
 bool Matcher::TestDisc(std::string_view label, std::string_view headerLine) {
@@ -333,6 +408,12 @@ bool Matcher::FieldTests(std::string_view attributes, std::string_view time,
     return true;
 }
 
+bool Matcher::NameTest(std::string_view t) {
+    if (IsAscii(t)) return AsciiNameTest(t);
+    UpperInto(t, upper_);
+    return CompareText(nameOp_, upper_, term_);
+}
+
 bool Matcher::TestFolderLine(std::string_view line, std::string& path) {
     std::size_t bar = line.find('|');
     if (bar == std::string_view::npos) return false;
@@ -349,10 +430,7 @@ bool Matcher::TestFolderLine(std::string_view line, std::string& path) {
             // term, for good: later lines and discs see the shorter term.
             if (!term_.empty() && term_.back() == '\\') term_.pop_back();
         }
-        if (nameOp_ != SearchOp::None) {
-            UpperInto(p, upper_);
-            if (!CompareText(nameOp_, upper_, term_)) return false;
-        }
+        if (nameOp_ != SearchOp::None && !NameTest(p)) return false;
     }
     if (needFields_) {
         std::array<std::string_view, 4> f;
@@ -366,6 +444,20 @@ bool Matcher::TestFolderLine(std::string_view line, std::string& path) {
 bool Matcher::TestFileLine(std::string_view line, std::string& path) {
     std::size_t bar = line.find('|');
     if (bar == std::string_view::npos) return false;
+    if (!needFields_) {
+        // The pure name search: the own name alone is looked at, in place, and
+        // the line is decoded only for a hit whose path isn't plain ASCII.
+        const std::string_view p = line.substr(0, bar);
+        const std::size_t slash = p.rfind('\\');
+        const std::string_view name = slash == std::string_view::npos ? p : p.substr(slash + 1);
+        if (checkName_ && nameOp_ != SearchOp::None && IsAscii(name) &&
+            !AsciiNameTest(name))
+            return false;
+        if (IsAscii(p)) {  // then the name was ASCII too, and tested above
+            path.assign(p);
+            return true;
+        }
+    }
     if (!IsAscii(needFields_ ? line : line.substr(0, bar))) {
         decoded_ = DecodeLine(line);
         line = decoded_;
@@ -374,9 +466,7 @@ bool Matcher::TestFileLine(std::string_view line, std::string& path) {
     const std::string_view p = line.substr(0, bar);
     if (checkName_ && nameOp_ != SearchOp::None) {
         const std::size_t slash = p.rfind('\\');
-        const std::string_view name = slash == std::string_view::npos ? p : p.substr(slash + 1);
-        UpperInto(name, upper_);
-        if (!CompareText(nameOp_, upper_, term_)) return false;
+        if (!NameTest(slash == std::string_view::npos ? p : p.substr(slash + 1))) return false;
     }
     if (needFields_) {
         std::array<std::string_view, 5> f;
@@ -395,6 +485,10 @@ bool Matcher::TestFileLine(std::string_view line, std::string& path) {
 
 // --- The run ---------------------------------------------------------------------------------
 
+namespace {
+constexpr std::size_t kReadBlock = std::size_t{256} << 10;
+}  // namespace
+
 SearchEnd RunSearch(const std::string& dataFolder, const SearchCriteria& c, HitSink& sink,
                     const SearchHooks& hooks) {
     Matcher matcher(c);
@@ -410,7 +504,8 @@ SearchEnd RunSearch(const std::string& dataFolder, const SearchCriteria& c, HitS
     for (const SearchDisc& disc : c.discs) {
         if (!disc.marked) continue;
         {
-            LineReader reader(CataloguePath(dataFolder, disc.label));
+            // A block that stays in the cache beats one large read.
+            LineReader reader(CataloguePath(dataFolder, disc.label), kReadBlock);
             std::string_view line;
             if (reader.IsOpen() && reader.NextRaw(line)) {
                 if (matcher.TestDisc(disc.label, line) && !add(disc.label)) return SearchEnd::HitLimit;

@@ -151,6 +151,9 @@ public:
     const std::string& SearchTerm() const { return term_; }
 
 private:
+    bool NameTest(std::string_view t);  // T not yet upper-cased
+    bool AsciiNameTest(std::string_view t) const;  // T plain ASCII, not upper-cased
+    bool TermIn(std::string_view t) const;
     bool FieldTests(std::string_view attributes, std::string_view time,
                     std::string_view description);
 
@@ -164,6 +167,9 @@ private:
     SearchTime dateLimit_ = 0;
     std::string wantedAttributes_;
     std::string description_;
+    // Skip distances by byte for "contains" (Horspool, case folded): most
+    // names are passed over in a few steps.
+    std::array<unsigned char, 256> skip_{};
     std::string upper_;    // scratch: the upper-cased text under test
     std::string decoded_;  // scratch: a line that isn't plain ASCII, decoded
 };
