@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -242,6 +243,39 @@ TEST(WalkFolder, AttributesAsWindowsShowsThem) {
     };
     for (const auto& row : rows) {
         const WalkRecord* r = Find(row.folder ? folders : files, s / row.name);
+        ASSERT_NE(r, nullptr) << row.name;
+        EXPECT_EQ(r->Attributes, row.attributes) << row.name;
+    }
+}
+
+// Samba keeps the hidden and system flags a Windows client set in an xattr.
+TEST(WalkFolder, SambaHiddenAndSystemFlagsCount) {
+    Scratch s;
+    // attrib_hex "", version, level, padding, valid flags, flags, times.
+    const std::string level4 =
+        std::string("\0\0\x04\0\x04\0\0\0\x11\0\0\0\x26\0\0\0", 16) + std::string(16, '\0');
+    const std::string level3 =
+        std::string("\0\0\x03\0\x03\0\0\0\x01\0\0\0\x04\0\0\0", 16) + std::string(24, '\0');
+    const struct {
+        const char* name;
+        std::string value;
+        const char* attributes;
+    } rows[] = {
+        {"hex-hidden", std::string("0x2\0", 4), "H A"},
+        {"hex-readonly-ignored", std::string("0x21\0", 5), "A"},
+        {"level4-hidden-system", level4, "H S A"},
+        {"level3-system", level3, "S A"},
+        {"garbage", std::string("\xFF\xFF\xFF", 3), "A"},
+    };
+    for (const auto& row : rows) {
+        const std::string file = s.File(row.name);
+        if (setxattr(file.c_str(), "user.DOSATTRIB", row.value.data(), row.value.size(), 0) != 0)
+            GTEST_SKIP() << "no user xattrs here";
+    }
+    WalkList folders, files;
+    WalkFolder(s.path(), folders, files);
+    for (const auto& row : rows) {
+        const WalkRecord* r = Find(files, s / row.name);
         ASSERT_NE(r, nullptr) << row.name;
         EXPECT_EQ(r->Attributes, row.attributes) << row.name;
     }
