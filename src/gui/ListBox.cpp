@@ -31,7 +31,7 @@ bool ListBox::lessThan(const QString& a, const QString& b) const {
 }
 
 int ListBox::sortedPlace(const QString& text) const {
-    // Behind any equal item, so items that sort alike keep the order they came in.
+    // Behind any equal item: a name added twice keeps the order it came in.
     int lo = 0, hi = count();
     while (lo < hi) {
         const int mid = (lo + hi) / 2;

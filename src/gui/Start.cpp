@@ -33,11 +33,7 @@ int Main(int argc, char** argv) {
     QApplication app(argc, argv);
     DataFolder = ct::DefaultDataFolder(ct::ProgramFolder());
     app.setApplicationName(QStringLiteral("Cartulon"));
-    // The window geometry is fixed in twips; a small, wide-spread sans font
-    // keeps the captions of both languages inside their controls.
-    QFont font(QStringLiteral("DejaVu Sans"), 8);
-    font.setStyleHint(QFont::SansSerif);
-    app.setFont(font);
+    UseProgramFont();
 
     auto* haupt = new frmHaupt;
     haupt->setAttribute(Qt::WA_DeleteOnClose);
@@ -47,6 +43,14 @@ int Main(int argc, char** argv) {
 }
 
 }  // namespace Start
+
+void UseProgramFont() {
+    // The window geometry is fixed in twips; a small, wide-spread sans font
+    // keeps the captions of both languages inside their controls.
+    QFont font(QStringLiteral("DejaVu Sans"), 8);
+    font.setStyleHint(QFont::SansSerif);
+    QApplication::setFont(font);
+}
 
 QString ResourceText(int baseId) {
     return QString::fromStdString(ct::ResourceText(ct::ProgramFolder(), Start::Language, baseId));
@@ -71,6 +75,9 @@ public:
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override {
+        // A release ends the press: the next press is new even where it
+        // reuses the address of the last one.
+        if (event->type() == QEvent::KeyRelease) lastEvent_ = nullptr;
         if (event->type() != QEvent::KeyPress) return false;
         if (static_cast<QKeyEvent*>(event)->key() != Qt::Key_F1) return false;
         auto* widget = qobject_cast<QWidget*>(watched);

@@ -53,6 +53,10 @@ void InstallHelpKey(QWidget* window, int topicId);
 void Busy();
 void Normal();
 
+// The application font the fixed geometry was laid out for; Main sets it, and
+// test programs that draw the windows do too. Needs a QApplication.
+void UseProgramFont();
+
 // twips -> pixels (96 DPI: 15 twips a pixel).
 constexpr int Tw(int twips) { return (twips + 7) / 15; }
 
