@@ -165,15 +165,9 @@ void frmHinzufügen::DriveLaufwerk_Activated(int index) {
         DriveLaufwerk->insertItem(entry, folder, folder);
         DriveLaufwerk->setItemData(entry, folder, Qt::ToolTipRole);
     }
-    if (DriveLaufwerk->currentIndex() == entry) {
-        // Inserted at the very index "…" stood on: the box saw no index change.
-        if (Drive() != currentDrive_) {
-            currentDrive_ = Drive();
-            DriveLaufwerk_Change();
-        }
-    } else {
-        DriveLaufwerk->setCurrentIndex(entry);
-    }
+    // The box keeps "…" current across the insertion, so this is a real
+    // change of index, and the change event runs if the value changed.
+    DriveLaufwerk->setCurrentIndex(entry);
 }
 
 void frmHinzufügen::DriveLaufwerk_Change() {
