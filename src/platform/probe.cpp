@@ -314,11 +314,55 @@ bool ProbeExfat(int fd, const Bytes& boot, VolumeLabel& out) {
     return true;
 }
 
-bool ProbeNtfs(const Bytes& boot, VolumeLabel& out) {
+// The name of an NTFS volume is the $VOLUME_NAME attribute of the MFT's
+// fourth record ($Volume).
+std::string NtfsVolumeName(int fd, const Bytes& boot) {
+    const std::uint32_t bps = Le16(boot, 11);
+    std::uint32_t spc = boot[13];
+    if (spc > 0x80) spc = 1u << (256 - spc);  // large clusters are given as a power of two
+    if (bps < 256 || bps > 4096 || !PowerOfTwo(bps) || !PowerOfTwo(spc)) return {};
+    const std::uint64_t clusterBytes = static_cast<std::uint64_t>(bps) * spc;
+    const auto perRecord = static_cast<std::int8_t>(boot[0x40]);
+    const std::uint64_t recordBytes =
+        perRecord < 0 ? (-perRecord < 20 ? std::uint64_t{1} << -perRecord : 0) : perRecord * clusterBytes;
+    if (recordBytes < 512 || recordBytes > 65536) return {};
+    const std::uint64_t mft = static_cast<std::uint64_t>(Le32(boot, 0x30)) |
+                              static_cast<std::uint64_t>(Le32(boot, 0x34)) << 32;
+    if (mft > (std::uint64_t{1} << 40)) return {};
+    Bytes record = ReadAt(fd, mft * clusterBytes + 3 * recordBytes, static_cast<std::size_t>(recordBytes));
+    if (record.size() < recordBytes || !Has(record, 0, "FILE")) return {};
+    // Undo the update sequence: the last two bytes of every 512-byte stretch
+    // were swapped for a check number, the originals kept in an array.
+    const std::size_t usa = Le16(record, 4), count = Le16(record, 6);
+    if (count < 1 || usa + 2 * count > record.size() || (count - 1) * 512 > record.size()) return {};
+    for (std::size_t i = 1; i < count; ++i) {
+        const std::size_t end = i * 512 - 2;
+        if (record[end] != record[usa] || record[end + 1] != record[usa + 1]) return {};
+        record[end] = record[usa + 2 * i];
+        record[end + 1] = record[usa + 2 * i + 1];
+    }
+    std::size_t at = Le16(record, 0x14);
+    while (at + 24 <= record.size()) {
+        const std::uint32_t type = Le32(record, at), length = Le32(record, at + 4);
+        if (type == 0xFFFFFFFF || length < 24 || at + length > record.size()) break;
+        if (type == 0x60 && record[at + 8] == 0) {
+            const std::size_t size = Le32(record, at + 0x10), offset = Le16(record, at + 0x14);
+            if (offset + size > length) break;
+            std::vector<char16_t> units;
+            for (std::size_t i = 0; i + 1 < size; i += 2)
+                units.push_back(static_cast<char16_t>(Le16(record, at + offset + i)));
+            return Utf16ToUtf8(units);
+        }
+        at += length;
+    }
+    return {};
+}
+
+bool ProbeNtfs(int fd, const Bytes& boot, VolumeLabel& out) {
     if (boot.size() < 512 || !Has(boot, 3, "NTFS    ")) return false;
     out.serial = Le32(boot, 0x48);
     out.fileSystem = "NTFS";
-    out.name.clear();
+    out.name = NtfsVolumeName(fd, boot);
     return true;
 }
 
@@ -332,7 +376,7 @@ bool ProbeVolume(int fd, VolumeLabel& out, std::uint64_t sessionStartSector, Pro
     };
     auto bootSector = [&] {
         const Bytes boot = ReadAt(fd, 0, 512);
-        return ProbeNtfs(boot, found) || ProbeExfat(fd, boot, found) || ProbeFat(fd, boot, found);
+        return ProbeNtfs(fd, boot, found) || ProbeExfat(fd, boot, found) || ProbeFat(fd, boot, found);
     };
     bool ok = false;
     switch (order) {

@@ -193,20 +193,77 @@ TEST(ProbeVolumeFile, ExfatSerialAndLabel) {
     EXPECT_EQ(label.name, "Urlaub \xC3\xA4");
 }
 
-TEST(ProbeVolumeFile, NtfsSerialIsTheLowHalf) {
-    // A boot sector is all that is read; one made by hand is enough.
-    Scratch s;
-    std::string boot(512, '\0');
-    boot.replace(0, 11, "\xEB\x52\x90NTFS    ", 11);
+// An NTFS volume as far as the probe reads it: the boot sector, and the MFT
+// record of $Volume with its name, protected by the update sequence.
+std::string NtfsImage(const std::u16string& name, bool brokenFixup) {
+    std::string image(32 * 1024, '\0');
+    auto put16 = [&](std::size_t at, unsigned v) {
+        image[at] = static_cast<char>(v & 0xFF);
+        image[at + 1] = static_cast<char>(v >> 8);
+    };
+    image.replace(0, 11, "\xEB\x52\x90NTFS    ", 11);
+    put16(0x0B, 512);
+    image[0x0D] = 8;                       // 4 KiB clusters
+    image[0x30] = 4;                       // the MFT at cluster 4
+    image[0x40] = static_cast<char>(0xF6);  // records of 2^10 bytes
     const unsigned char serial[8] = {0x78, 0x56, 0x34, 0x12, 0xF0, 0xDE, 0xBC, 0x9A};
-    for (int i = 0; i < 8; ++i) boot[0x48 + i] = static_cast<char>(serial[i]);
-    boot[510] = '\x55';
-    boot[511] = '\xAA';
-    WriteFile(s / "ntfs.img", boot);
+    for (int i = 0; i < 8; ++i) image[0x48 + i] = static_cast<char>(serial[i]);
+    image[510] = '\x55';
+    image[511] = '\xAA';
+    const std::size_t r = 4 * 4096 + 3 * 1024;
+    image.replace(r, 4, "FILE");
+    put16(r + 4, 0x30);  // update sequence: check number and two originals
+    put16(r + 6, 3);
+    put16(r + 0x14, 0x38);
+    put16(r + 0x30, 0x0007);
+    put16(r + 0x32, 0x0000);
+    put16(r + 0x34, 0x0000);
+    const std::size_t a = r + 0x38;
+    const std::size_t valueLength = name.size() * 2;
+    const std::size_t length = (0x18 + valueLength + 7) / 8 * 8;
+    put16(a, 0x60);
+    put16(a + 4, static_cast<unsigned>(length));
+    put16(a + 0x10, static_cast<unsigned>(valueLength));
+    put16(a + 0x14, 0x18);
+    for (std::size_t i = 0; i < name.size(); ++i) put16(a + 0x18 + 2 * i, name[i]);
+    put16(a + length, 0xFFFF);
+    put16(a + length + 2, 0xFFFF);
+    put16(r + 510, 0x0007);
+    put16(r + 1022, brokenFixup ? 0x0008 : 0x0007);
+    return image;
+}
+
+TEST(ProbeVolumeFile, NtfsSerialIsTheLowHalfAndTheNameComesFromVolume) {
+    Scratch s;
+    WriteFile(s / "ntfs.img", NtfsImage(u"Daten \u00E4", false));
     VolumeLabel label;
     ASSERT_TRUE(ProbeVolumeFile(s / "ntfs.img", label));
     EXPECT_EQ(label.fileSystem, "NTFS");
     EXPECT_EQ(label.serial, 0x12345678u);
+    EXPECT_EQ(label.name, "Daten \xC3\xA4");
+
+    // A record torn in writing gives no name; the serial still stands.
+    WriteFile(s / "torn.img", NtfsImage(u"Daten", true));
+    ASSERT_TRUE(ProbeVolumeFile(s / "torn.img", label));
+    EXPECT_EQ(label.serial, 0x12345678u);
+    EXPECT_EQ(label.name, "");
+}
+
+TEST(ProbeVolumeFile, NtfsMadeByMkntfs) {
+    if (!HaveTool("mkntfs")) GTEST_SKIP() << "mkntfs is missing";
+    Scratch s;
+    const std::string image = s / "ntfs.img";
+    WriteFile(image, "");
+    ASSERT_EQ(truncate(image.c_str(), 16 << 20), 0);
+    ASSERT_TRUE(RunQuiet("mkntfs -F -f -q -L " + Quote("Sicherung \xC3\x84") + " " + Quote(image)));
+    const std::string boot = ReadFile(image).substr(0, 512);
+    std::uint32_t serial = 0;
+    for (int i = 3; i >= 0; --i) serial = serial << 8 | static_cast<unsigned char>(boot[0x48 + i]);
+    VolumeLabel label;
+    ASSERT_TRUE(ProbeVolumeFile(image, label));
+    EXPECT_EQ(label.fileSystem, "NTFS");
+    EXPECT_EQ(label.serial, serial);
+    EXPECT_EQ(label.name, "Sicherung \xC3\x84");
 }
 
 TEST(ProbeVolumeFile, DamagedOrForeignBytesAreNoVolume) {
