@@ -118,8 +118,14 @@ LineReader::~LineReader() {
 
 bool LineReader::Fill() {
     if (!file_ || eof_) return false;
-    if (buf_.size() != block_) buf_.resize(block_);
-    const std::size_t n = std::fread(buf_.data(), 1, block_, file_);
+    // Most catalogues are small: start with a modest buffer and double it
+    // while reads fill it, up to the block size.
+    constexpr std::size_t kFirstBlock = 8 * 1024;
+    if (buf_.empty())
+        buf_.resize(std::min(block_, kFirstBlock));
+    else if (end_ == buf_.size() && buf_.size() < block_)
+        buf_.resize(std::min(block_, buf_.size() * 2));
+    const std::size_t n = std::fread(buf_.data(), 1, buf_.size(), file_);
     pos_ = 0;
     end_ = n;
     if (n == 0) {
@@ -302,7 +308,9 @@ bool FindRecordLine(const std::string& cataloguePath, std::string_view path, std
             }
             continue;
         }
-        if (raw.size() <= path.size() / 2) continue;  // too short in either encoding
+        // A byte grows to at most three in UTF-8: a line this short can't
+        // hold the path and a bar in either encoding.
+        if (raw.size() * 3 <= path.size()) continue;
         decoded = DecodeLine(raw);
         if (IsRecordOf(decoded, path)) {
             line = std::move(decoded);
