@@ -266,6 +266,42 @@ TEST(ProbeVolumeFile, NtfsMadeByMkntfs) {
     EXPECT_EQ(label.name, "Sicherung \xC3\x84");
 }
 
+// UDF: the logical volume's name, and the sums over the file set descriptor
+// read the other way round.
+TEST(ProbeVolumeFile, UdfMadeByMkudffs) {
+    if (!HaveTool("mkudffs")) GTEST_SKIP() << "mkudffs is missing";
+    const struct {
+        const char* options;
+        const char* name;
+    } rows[] = {
+        {"-m dvdr --lvid='Filme 2004 \xC3\xA4' --vid=Other", "Filme 2004 \xC3\xA4"},
+        {"-m hd --label=Logical", "Logical"},
+    };
+    for (const auto& row : rows) {
+        Scratch s;
+        const std::string image = s / "udf.img";
+        WriteFile(image, "");
+        ASSERT_EQ(truncate(image.c_str(), 20 << 20), 0);
+        ASSERT_TRUE(RunQuiet("mkudffs -b 2048 " + std::string(row.options) + " " + Quote(image))) << row.options;
+        const std::string bytes = ReadFile(image);
+        std::size_t fsd = 0;
+        for (std::size_t at = 257 * 2048; at + 2048 <= bytes.size(); at += 2048) {
+            if (bytes[at] == 0 && bytes[at + 1] == 1) {  // descriptor tag 256
+                fsd = at / 2048;
+                break;
+            }
+        }
+        ASSERT_NE(fsd, 0u) << row.options;
+        const std::uint32_t sums = DescriptorSums(bytes, fsd);
+        const std::uint32_t reversed = (sums & 0xFF) << 24 | (sums >> 8 & 0xFF) << 16 | (sums >> 16 & 0xFF) << 8 | sums >> 24;
+        VolumeLabel label;
+        ASSERT_TRUE(ProbeVolumeFile(image, label)) << row.options;
+        EXPECT_EQ(label.fileSystem, "UDF");
+        EXPECT_EQ(label.name, row.name);
+        EXPECT_EQ(label.serial, reversed) << row.options;
+    }
+}
+
 TEST(ProbeVolumeFile, DamagedOrForeignBytesAreNoVolume) {
     Scratch s;
     std::string noise(64 * 1024, '\0');
