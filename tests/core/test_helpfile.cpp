@@ -186,6 +186,12 @@ TEST(HelpMarkup, IndexOrderIgnoresCaseAndUmlauts) {
     EXPECT_TRUE(ct::HelpIndexLess("attribute", "Beschreibung"));
     EXPECT_TRUE(ct::HelpIndexLess("Straße", "Strasse z"));
     EXPECT_FALSE(ct::HelpIndexLess("Zahl", "über"));
+    // Leading marks don't decide the letter: ".idx" files under I, a quoted
+    // word under its first letter.
+    EXPECT_EQ(ct::HelpIndexKey(".idx"), "idx");
+    EXPECT_EQ(ct::HelpIndexKey("„Fertig!“"), "fertig!“");
+    EXPECT_TRUE(ct::HelpIndexLess("Hilfe", ".idx"));
+    EXPECT_EQ(ct::HelpIndexKey("..."), "...");
 }
 
 // ---------------------------------------------------------------- the real files
