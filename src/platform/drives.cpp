@@ -8,6 +8,8 @@
 #include <string_view>
 #include <utility>
 
+#include "platform/probe.h"
+
 namespace ct {
 namespace {
 
@@ -87,9 +89,16 @@ std::vector<Drive> DrivesOf(const std::vector<MountEntry>& mounts,
 }
 
 std::vector<Drive> ListDrives() {
-    return DrivesOf(ReadMountInfo(), [](const std::string& mountPoint) {
+    // Only the name half of the volume query: a file system statistic of a
+    // network share whose server is gone could hang the list.
+    const std::vector<MountEntry> mounts = ReadMountInfo();
+    return DrivesOf(mounts, [&](const std::string& mountPoint) {
+        const MountEntry* top = nullptr;
+        for (const auto& m : mounts)
+            if (m.mountPoint == mountPoint) top = &m;
+        if (!top) return std::string();
         VolumeInfo volume;
-        ReadVolumeInfo(mountPoint, volume);
+        ReadVolumeName(mountPoint, *top, nullptr, volume, VolumeNameSources{});
         return volume.VolumeName;
     });
 }
