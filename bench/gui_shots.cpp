@@ -1,0 +1,73 @@
+// Draws the main window (and the language window) into PNG files, to look at
+// the layout with real fonts: run under Xvfb at 1280x1024 for the wide layout
+// and at 1000x740 for the standard one.
+//
+// usage: gui_shots <out-prefix> <language 0|10000>
+#include <QApplication>
+#include <QDir>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <cstdio>
+#include <fstream>
+
+#include "gui/Start.h"
+#include "gui/frmHaupt.h"
+#include "gui/frmSprache.h"
+#include "platform/system.h"
+
+namespace {
+void WriteFile(const std::string& path, const std::string& bytes) {
+    std::ofstream out(path, std::ios::binary | std::ios::trunc);
+    out << bytes;
+}
+}  // namespace
+
+int main(int argc, char** argv) {
+    QApplication app(argc, argv);
+    ct::UseProgramFont();
+    const QString prefix = argc > 1 ? argv[1] : "shot";
+    const int language = argc > 2 ? std::atoi(argv[2]) : 0;
+
+    QTemporaryDir dir;
+    const std::string folder = dir.path().toStdString();
+    QDir(dir.path()).mkdir("Daten");
+    QFile::copy(QStringLiteral(CARTULON_STAGE_DIR "/CT.rd"), dir.filePath("CT.rd"));
+    ct::SetProgramFolderForTesting(folder);
+    const std::string data = folder + "/Daten";
+    WriteFile(folder + "/CT.ini", std::to_string(language) + "\r\nC\r\n" + data + "\r\n");
+    WriteFile(data + "/Fotos 2003.idx",
+              "4700000000|-1029197328|CDFS|2295104|1|2048|Urlaubsfotos 2003 mit einer sehr langen Beschreibung, "
+              "die umbrechen muss|und einem Strich\r\n\r\n"
+              "\\Bilder|R|14.03.2003 09:12:40|\r\n"
+              "\\Bilder\\Urlaub an der Küste|R H S A|14.03.2003 09:12:41|Trip to the coast\r\n\r\n"
+              "\\Bilder\\index.htm|2310|R|14.03.2003 09:12:40|\r\n"
+              "\\Bilder\\Urlaub an der Küste\\p1.jpg|2147483647|R H S A N T C|14.03.2003 09:12:41|First day\r\n"
+              "\\Bilder\\Urlaub an der Küste\\p2.jpg|-2147483648|R|14.03.2003 09:12:41|\r\n"
+              "\\liesmich.txt|1024|R|14.03.2003 09:12:40|\r\n");
+    WriteFile(data + "/Backup.idx", "0|0||0|0|0|\r\n\r\n\r\n");
+    WriteFile(data + "/archiv.idx", "1|1|FAT32|1|1|1|x\r\n\r\n\r\n");
+
+    auto* haupt = new ct::frmHaupt;
+    haupt->Form_Load();
+    haupt->show();
+    for (int i = 0; i < haupt->lstDaten->ListCount(); ++i)
+        if (haupt->lstDaten->List(i) == "Fotos 2003") haupt->lstDaten->SetListIndex(i);
+    haupt->lstOrdner->SetListIndex(2);
+    QTimer::singleShot(300, [&] {
+        haupt->grab().save(prefix + "-main.png");
+        std::printf("main window %dx%d (frame %dx%d), wide layout %d\n", haupt->width(), haupt->height(),
+                    haupt->frameGeometry().width(), haupt->frameGeometry().height(), ct::Start::WideLayout);
+        auto* sprache = new ct::frmSprache(haupt);
+        sprache->Form_Load();
+        sprache->cboSprache->setCurrentIndex(1);
+        sprache->show();
+        QTimer::singleShot(300, [&, sprache] {
+            sprache->grab().save(prefix + "-sprache.png");
+            app.quit();
+        });
+    });
+    const int rc = app.exec();
+    delete haupt;
+    ct::SetProgramFolderForTesting({});
+    return rc;
+}
