@@ -1,8 +1,13 @@
+#include "gui/Start.h"
+#include "gui/frmHaupt.h"
+#include "gui/frmSuchen.h"
 #include "gui/windows.h"
 
 namespace ct {
 
-// Placeholder until frmSuchen lands: its author replaces this file.
-void ShowSuchen() {}
+void ShowSuchen() {
+    frmSuchen dialog(MainWindow());
+    dialog.exec();
+}
 
 }  // namespace ct
