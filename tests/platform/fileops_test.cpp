@@ -131,18 +131,6 @@ TEST(SystemFileOps, FullDeviceFailsTheCopyAndTheWrite) {
     EXPECT_FALSE(out->Write("x"));
 }
 
-TEST(SystemFileOps, RemoveAndExists) {
-    Scratch s;
-    s.File("a");
-    s.Folder("d");
-    FileOps& ops = SystemFileOps();
-    EXPECT_TRUE(ops.Exists(s / "a"));
-    EXPECT_TRUE(ops.Exists(s / "d"));
-    EXPECT_FALSE(ops.Exists(s / "b"));
-    EXPECT_TRUE(ops.Remove(s / "a", nullptr));
-    EXPECT_FALSE(ops.Exists(s / "a"));
-}
-
 TEST(SystemFileOps, SameFileSystem) {
     Scratch s;
     const std::string sub = s.Folder("sub");

@@ -360,16 +360,5 @@ TEST(WalkFolder, StaysOnTheFileSystemOfTheRoot) {
     for (const auto& r : folders) EXPECT_NE(r.Name.rfind("/dev/pts/", 0), 0u) << r.Name;
 }
 
-TEST(SystemDiscSource, WalksLikeWalkFolder) {
-    Scratch s;
-    s.Folder("x");
-    s.File("x/y");
-    WalkList f1, g1, f2, g2;
-    WalkFolder(s.path(), f1, g1);
-    SystemDiscSource().WalkFolder(s.path(), f2, g2, {});
-    EXPECT_EQ(Names(f1), Names(f2));
-    EXPECT_EQ(Names(g1), Names(g2));
-}
-
 }  // namespace
 }  // namespace ct
