@@ -22,6 +22,8 @@ const std::string& ScratchPath() {
         return std::string(tmp && *tmp ? tmp : "/tmp") + "/cartulon-fuzz-" +
                std::to_string(::getpid()) + ".idx";
     }();
+    static const bool cleanup = [] { return std::atexit([] { std::remove(path.c_str()); }) == 0; }();
+    (void)cleanup;
     return path;
 }
 

@@ -306,47 +306,8 @@ TEST(WholeFile, FolderAndName) {
     EXPECT_EQ(ct::FolderOf("/a.idx"), "/");
 }
 
-// The real walker on a real tree, written through plain streams: the walked
+// The real walker and the real file operations on a real tree: the walked
 // names of the platform and the catalogue paths of the core fit together.
-class StreamFiles : public ct::FileOps {
-    class Out : public ct::OutFile {
-    public:
-        explicit Out(const std::string& p) : s_(p, std::ios::binary | std::ios::trunc) {}
-        bool Write(std::string_view b) override { return bool(s_.write(b.data(), std::streamsize(b.size()))); }
-        bool Sync() override { return bool(s_.flush()); }
-        bool Close() override {
-            if (s_.is_open()) s_.close();
-            return true;
-        }
-        bool ok() const { return s_.is_open(); }
-
-    private:
-        std::ofstream s_;
-    };
-
-public:
-    std::unique_ptr<ct::OutFile> Create(const std::string& path, std::string* error) override {
-        auto out = std::make_unique<Out>(path);
-        if (!out->ok()) {
-            if (error) *error = "cannot open";
-            return nullptr;
-        }
-        return out;
-    }
-    bool Rename(const std::string& from, const std::string& to, std::string*) override {
-        std::error_code ec;
-        fs::rename(from, to, ec);
-        return !ec;
-    }
-    bool Copy(const std::string&, const std::string&, std::string*) override { return false; }
-    bool Remove(const std::string& path, std::string*) override {
-        std::error_code ec;
-        return fs::remove(path, ec);
-    }
-    bool Exists(const std::string& path) override { return fs::exists(path); }
-    bool SameFileSystem(const std::string&, const std::string&) override { return true; }
-};
-
 TEST(AddDiscOnDisk, RealWalkOfATree) {
     std::random_device rd;
     const fs::path base = fs::temp_directory_path() / ("cartulon-add-" + std::to_string(rd()));
@@ -354,12 +315,11 @@ TEST(AddDiscOnDisk, RealWalkOfATree) {
     fs::create_directories(base / "data");
     std::ofstream(base / "disc/A/B/f.txt", std::ios::binary) << "12345";
 
-    StreamFiles ops;
     ct::AddRequest r;
     r.root = (base / "disc").string() + "/";
     r.label = "Tree";
     r.dataFolder = (base / "data").string();
-    const ct::AddOutcome o = ct::AddDisc(r, ct::SystemDiscSource(), ops);
+    const ct::AddOutcome o = ct::AddDisc(r, ct::SystemDiscSource(), ct::SystemFileOps());
     ASSERT_EQ(o.result, ct::AddResult::Added) << o.error;
 
     std::ifstream in(o.cataloguePath, std::ios::binary);
@@ -380,6 +340,14 @@ TEST(AddDiscOnDisk, RealWalkOfATree) {
     EXPECT_EQ(f.Time.size(), 19u);
     EXPECT_EQ(ct::LabelInUse(ct::SystemDiscSource(), r.dataFolder, "Tree"), true);
     EXPECT_EQ(ct::LabelInUse(ct::SystemDiscSource(), r.dataFolder, "tree"), false);
+    EXPECT_FALSE(fs::exists(o.cataloguePath + ".part"));
+
+    // A data folder that can't be written to: nothing under the label.
+    r.label = "Second";
+    r.dataFolder = (base / "missing").string();
+    const ct::AddOutcome failed = ct::AddDisc(r, ct::SystemDiscSource(), ct::SystemFileOps());
+    EXPECT_EQ(failed.result, ct::AddResult::WriteFailed);
+    EXPECT_NE(failed.error.find("missing/Second.idx"), std::string::npos) << failed.error;
     fs::remove_all(base);
 }
 
