@@ -1,8 +1,47 @@
+#include "core/editing.h"
+#include "gui/EditOps.h"
+#include "gui/Start.h"
+#include "gui/frmHaupt.h"
+#include "gui/seams.h"
 #include "gui/windows.h"
 
 namespace ct {
 
-// Placeholder until the command behind mnuLöschen lands: its author replaces this file.
-void DoLoeschen() {}
+void DoLoeschen() {
+    frmHaupt* main = MainWindow();
+    if (!main) return;
+    Busy();
+    const int chosen = main->lstDaten->ListIndex();
+    if (chosen == -1) {
+        HilfeZeigen(ResourceText(10098));
+        Normal();
+        return;
+    }
+    const QMessageBox::StandardButton answer =
+        seams::MessageBox(main, ResourceText(10091), ResourceText(10090), QMessageBox::Yes | QMessageBox::No,
+                          QMessageBox::Yes, QMessageBox::NoIcon);
+    if (answer != QMessageBox::Yes) {
+        Normal();
+        return;
+    }
+    const QString label = main->lstDaten->List(chosen);
+    std::string error;
+    if (!DeleteDisc(EditFileOps(), Start::DataFolder, label.toStdString(), &error)) {
+        // The entry stays while its catalogue does, chosen as before.
+        Normal();
+        const QString head = Start::Language == 0 ? QStringLiteral("Die CD / DVD wurde nicht gelöscht.")
+                                                  : QStringLiteral("The disc was not deleted.");
+        seams::MessageBox(main, ResourceText(10091), head + "\n\n" + QString::fromStdString(error),
+                          QMessageBox::Ok, QMessageBox::Ok, QMessageBox::Warning);
+        return;
+    }
+    // No choice first, so taking the item out chooses no neighbour.
+    main->lstDaten->SetListIndex(-1);
+    delete main->lstDaten->takeItem(chosen);
+    main->ClearDiscPane();
+    main->OrdnerInfoLöschen();
+    main->DateiInfoLöschen();
+    Normal();
+}
 
 }  // namespace ct

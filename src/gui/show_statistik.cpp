@@ -1,8 +1,13 @@
+#include "gui/Start.h"
+#include "gui/frmHaupt.h"
+#include "gui/frmStatistik.h"
 #include "gui/windows.h"
 
 namespace ct {
 
-// Placeholder until frmStatistik lands: its author replaces this file.
-void ShowStatistik() {}
+void ShowStatistik() {
+    frmStatistik dialog(MainWindow());
+    dialog.exec();
+}
 
 }  // namespace ct

@@ -1,0 +1,171 @@
+#include "gui/frmBeschreibungAendern.h"
+
+#include <QKeyEvent>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QTextEdit>
+
+#include "core/editing.h"
+#include "core/textrules.h"
+#include "gui/EditOps.h"
+#include "gui/Start.h"
+#include "gui/appicon.h"
+#include "gui/frmHaupt.h"
+#include "gui/seams.h"
+#include "platform/system.h"
+
+namespace ct {
+
+namespace {
+
+std::string S(const QString& text) { return text.toStdString(); }
+
+// The description is one line: Return stores it, as the default button of the
+// dialog would take the key from a one-line box. A pasted line break stays and
+// becomes a blank when stored.
+class DescriptionBox : public QPlainTextEdit {
+public:
+    DescriptionBox(QWidget* parent, QPushButton*& store) : QPlainTextEdit(parent), store_(store) {}
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override {
+        if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) &&
+            !(event->modifiers() & (Qt::ShiftModifier | Qt::ControlModifier)) && store_) {
+            store_->click();
+            return;
+        }
+        QPlainTextEdit::keyPressEvent(event);
+    }
+
+private:
+    QPushButton*& store_;
+};
+
+QTextEdit* MainBox() {
+    frmHaupt* main = MainWindow();
+    if (!main) return nullptr;
+    if (Start::EditTarget == "CD") return main->txtBeschreibungC;
+    if (Start::EditTarget == "Ordner") return main->txtBeschreibungO;
+    if (Start::EditTarget == "Datei") return main->txtBeschreibungD;
+    return nullptr;
+}
+
+}  // namespace
+
+DescriptionTarget CurrentDescriptionTarget() {
+    DescriptionTarget t;
+    if (Start::EditTarget == "Suchen") {
+        QString hit;
+        if (!SearchLink::ChosenHit(hit)) return t;
+        t.ok = TargetFromHit(S(hit), t.label, t.path);
+        return t;
+    }
+    frmHaupt* main = MainWindow();
+    if (!main || main->lstDaten->ListIndex() < 0) return t;
+    t.label = S(main->lstDaten->Text());
+    if (Start::EditTarget == "CD") {
+        t.isHeader = true;
+        t.ok = true;
+    } else if (Start::EditTarget == "Ordner") {
+        t.path = S(main->lstOrdner->Text());
+        t.ok = main->lstOrdner->ListIndex() >= 0 && t.path != ".";  // the root has no line
+    } else if (Start::EditTarget == "Datei") {
+        const std::string folder = S(main->lstOrdner->Text());
+        t.path = (folder == "." ? std::string() : folder) + "\\" + S(main->lstDateien->Text());
+        t.ok = main->lstOrdner->ListIndex() >= 0 && main->lstDateien->ListIndex() >= 0;
+    }
+    return t;
+}
+
+QString CallerDescription() {
+    if (Start::EditTarget == "Suchen") {
+        return SearchLink::Description();
+    }
+    QTextEdit* box = MainBox();
+    return box ? box->toPlainText() : QString();
+}
+
+void SetCallerDescription(const QString& text) {
+    if (Start::EditTarget == "Suchen") {
+        SearchLink::SetDescription(text);
+        return;
+    }
+    if (QTextEdit* box = MainBox()) box->setPlainText(text);
+}
+
+QWidget* CallerWindow() {
+    if (Start::EditTarget == "Suchen") return SearchLink::Window();
+    return MainWindow();
+}
+
+frmBeschreibungÄndern::frmBeschreibungÄndern(QWidget* owner) : QDialog(owner) {
+    setWindowFlags(Qt::Dialog | Qt::MSWindowsFixedSizeDialogHint | Qt::WindowTitleHint |
+                   Qt::WindowCloseButtonHint);
+    setModal(true);
+    setFixedSize(Tw(3510), Tw(1950));
+
+    lblNeueBeschreibung = new QLabel(this);
+    lblNeueBeschreibung->setGeometry(Tw(240), Tw(240), Tw(3015), Tw(255));
+
+    cmdÄndern = nullptr;
+    txtNeueBeschreibung = new DescriptionBox(this, cmdÄndern);
+    txtNeueBeschreibung->setGeometry(Tw(240), Tw(480), Tw(3015), Tw(600));
+    txtNeueBeschreibung->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    txtNeueBeschreibung->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    txtNeueBeschreibung->setTabChangesFocus(true);
+
+    cmdÄndern = new QPushButton(this);
+    cmdÄndern->setGeometry(Tw(240), Tw(1320), Tw(1095), Tw(375));
+    cmdÄndern->setDefault(true);
+    QFont bold = cmdÄndern->font();
+    bold.setBold(true);
+    cmdÄndern->setFont(bold);
+
+    cmdAbbrechen = new QPushButton(this);
+    cmdAbbrechen->setGeometry(Tw(2160), Tw(1320), Tw(1095), Tw(375));
+
+    setTabOrder(txtNeueBeschreibung, cmdÄndern);
+    setTabOrder(cmdÄndern, cmdAbbrechen);
+    connect(cmdÄndern, &QPushButton::clicked, this, [this] { cmdÄndern_Click(); });
+    connect(cmdAbbrechen, &QPushButton::clicked, this, [this] { cmdAbbrechen_Click(); });
+    InstallHelpKey(this, 10001);
+    Form_Load();
+}
+
+void frmBeschreibungÄndern::Form_Load() {
+    setWindowIcon(AppIcon());
+    setWindowTitle(ResourceText(10001));
+    lblNeueBeschreibung->setText(ResourceText(10002));
+    cmdÄndern->setText(ResourceText(10003));
+    cmdAbbrechen->setText(ResourceText(10004));
+    txtNeueBeschreibung->setPlainText(CallerDescription());
+    txtNeueBeschreibung->selectAll();
+    txtNeueBeschreibung->setFocus();
+}
+
+void frmBeschreibungÄndern::cmdÄndern_Click() {
+    const QString text = QString::fromStdString(NormaliseDescription(S(txtNeueBeschreibung->toPlainText())));
+    txtNeueBeschreibung->setPlainText(text);
+
+    const DescriptionTarget target = CurrentDescriptionTarget();
+    std::string error = target.ok ? std::string() : "Nothing is chosen whose description could change.";
+    const bool stored =
+        target.ok && DescriptionRewrite(EditFileOps(), ProgramFolder(), Start::DataFolder, target.label,
+                                        target.isHeader, target.path, S(text), &error);
+    if (!stored) {
+        // The caller's box keeps the text the catalogue holds, and the dialog
+        // stays open with the new one, so nothing typed is lost.
+        const QString head = Start::Language == 0 ? QStringLiteral("Die Beschreibung wurde nicht gespeichert.")
+                                                  : QStringLiteral("The description was not stored.");
+        seams::MessageBox(this, windowTitle(), head + "\n\n" + QString::fromStdString(error), QMessageBox::Ok,
+                          QMessageBox::Ok, QMessageBox::Warning);
+        return;
+    }
+    SetCallerDescription(text);
+    accept();
+}
+
+void frmBeschreibungÄndern::cmdAbbrechen_Click() { reject(); }
+
+}  // namespace ct

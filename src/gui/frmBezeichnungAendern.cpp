@@ -1,0 +1,100 @@
+#include "gui/frmBezeichnungAendern.h"
+
+#include <QGuiApplication>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QScreen>
+
+#include "core/editing.h"
+#include "gui/EditOps.h"
+#include "gui/Start.h"
+#include "gui/appicon.h"
+#include "gui/frmHaupt.h"
+#include "gui/seams.h"
+
+namespace ct {
+
+frmBezeichnungÄndern::frmBezeichnungÄndern(QWidget* owner) : QDialog(owner) {
+    setWindowFlags(Qt::Dialog | Qt::MSWindowsFixedSizeDialogHint | Qt::WindowTitleHint |
+                   Qt::WindowCloseButtonHint);
+    setModal(true);
+    setFixedSize(Tw(3495), Tw(1590));
+
+    lblNeueBezeichnung = new QLabel(this);
+    lblNeueBezeichnung->setGeometry(Tw(240), Tw(240), Tw(3015), Tw(255));
+    txtBezeichnung = new QLineEdit(this);
+    txtBezeichnung->setGeometry(Tw(240), Tw(480), Tw(3015), Tw(285));
+
+    cmdÄndern = new QPushButton(this);
+    cmdÄndern->setGeometry(Tw(240), Tw(960), Tw(1095), Tw(375));
+    cmdÄndern->setDefault(true);
+    QFont bold = cmdÄndern->font();
+    bold.setBold(true);
+    cmdÄndern->setFont(bold);
+    cmdAbbrechen = new QPushButton(this);
+    cmdAbbrechen->setGeometry(Tw(2160), Tw(960), Tw(1095), Tw(375));
+
+    setTabOrder(txtBezeichnung, cmdÄndern);
+    setTabOrder(cmdÄndern, cmdAbbrechen);
+    connect(cmdÄndern, &QPushButton::clicked, this, [this] { cmdÄndern_Click(); });
+    connect(cmdAbbrechen, &QPushButton::clicked, this, [this] { cmdAbbrechen_Click(); });
+    InstallHelpKey(this, 10005);
+
+    // Centred on the screen, not on the main window.
+    if (const QScreen* screen = owner ? owner->screen() : QGuiApplication::primaryScreen()) {
+        const QRect area = screen->availableGeometry();
+        move(area.center() - QPoint(width() / 2, height() / 2));
+    }
+    Form_Load();
+}
+
+void frmBezeichnungÄndern::Form_Load() {
+    setWindowIcon(AppIcon());
+    setWindowTitle(ResourceText(10005));
+    lblNeueBezeichnung->setText(ResourceText(10006));
+    cmdÄndern->setText(ResourceText(10003));
+    cmdAbbrechen->setText(ResourceText(10004));
+    if (frmHaupt* main = MainWindow()) txtBezeichnung->setText(main->lstDaten->Text());
+    txtBezeichnung->selectAll();
+}
+
+void frmBezeichnungÄndern::cmdÄndern_Click() {
+    frmHaupt* main = MainWindow();
+    if (!main) return;
+    std::vector<std::string> labels;
+    labels.reserve(static_cast<std::size_t>(main->lstDaten->ListCount()));
+    for (int i = 0; i < main->lstDaten->ListCount(); ++i) labels.push_back(main->lstDaten->List(i).toStdString());
+
+    const RenameOutcome outcome = RenameDisc(EditFileOps(), Start::DataFolder, main->lstDaten->Text().toStdString(),
+                                             txtBezeichnung->text().toStdString(), labels);
+    txtBezeichnung->setText(QString::fromStdString(outcome.label));
+    switch (outcome.result) {
+    case RenameResult::EmptyLabel:
+        HilfeZeigen(ResourceText(10099));
+        return;
+    case RenameResult::LabelInUse:
+        HilfeZeigen(ResourceText(10100));
+        return;
+    case RenameResult::Unchanged:
+        accept();  // nothing to do: the disc stays chosen
+        return;
+    case RenameResult::Failed: {
+        const QString head = Start::Language == 0 ? QStringLiteral("Die Bezeichnung wurde nicht geändert.")
+                                                  : QStringLiteral("The label was not changed.");
+        seams::MessageBox(this, windowTitle(), head + "\n\n" + QString::fromStdString(outcome.error),
+                          QMessageBox::Ok, QMessageBox::Ok, QMessageBox::Warning);
+        return;
+    }
+    case RenameResult::Renamed:
+        break;
+    }
+    main->OrdnerInfoLöschen();
+    main->DateiInfoLöschen();
+    main->Aktualisieren();
+    accept();
+}
+
+void frmBezeichnungÄndern::cmdAbbrechen_Click() { reject(); }
+
+}  // namespace ct
