@@ -63,7 +63,9 @@ int RunAdd(Context& ctx) {
     return kError;
 }
 
-Registration reg{{"add", "add ROOT --label LABEL [--description TEXT]   read a folder into a new catalogue",
+Registration reg{{"add",
+                  "add ROOT --label LABEL [--description TEXT]\n"
+                  "              read a folder or a mounted volume into a new catalogue",
                   {"--label", "--description"}, &RunAdd}};
 
 }  // namespace

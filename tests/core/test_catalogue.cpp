@@ -456,6 +456,17 @@ TEST(CatalogueRead, Windows1252RecordFoundByItsUtf8Path) {
     EXPECT_EQ(ct::SplitFile(line).Size, "2");
 }
 
+TEST(CatalogueRead, ShortWindows1252LineFoundThoughItsUtf8PathIsLonger) {
+    // Three euro signs are three bytes in Windows-1252 and nine in UTF-8: a
+    // length filter that assumed at most two bytes per character skipped
+    // this record.
+    TempFolder dir;
+    const std::string path = dir.File("euro.idx", "h\r\n\r\n\r\n\\\x80\x80\x80|\r\n");
+    std::string line;
+    ASSERT_TRUE(ct::FindRecordLine(path, "\\\xE2\x82\xAC\xE2\x82\xAC\xE2\x82\xAC", line));
+    EXPECT_EQ(line, "\\\xE2\x82\xAC\xE2\x82\xAC\xE2\x82\xAC|");
+}
+
 TEST(CatalogueRead, CountsBeyondSixteenBits) {
     TempFolder dir;
     std::string content = "h\r\n\r\n\r\n";
