@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QCursor>
 #include <QFont>
+#include <QFontDatabase>
 #include <QKeyEvent>
 #include <QPointer>
 #include <QWidget>
@@ -45,9 +46,18 @@ int Main(int argc, char** argv) {
 }  // namespace Start
 
 void UseProgramFont() {
-    // The window geometry is fixed in twips; a small, wide-spread sans font
-    // keeps the captions of both languages inside their controls.
-    QFont font(QStringLiteral("DejaVu Sans"), 8);
+    // The window geometry is fixed in twips at 15 to the pixel, so the font is
+    // fixed in pixels too: 11 px is 8 points at 96 dpi. An Arial-wide face keeps
+    // a date or a long German caption inside its column; DejaVu Sans is wider
+    // and comes last.
+    QString family = QStringLiteral("DejaVu Sans");
+    for (const char* candidate : {"Liberation Sans", "Arial", "Nimbus Sans", "Helvetica"})
+        if (QFontDatabase::hasFamily(QString::fromLatin1(candidate))) {
+            family = QString::fromLatin1(candidate);
+            break;
+        }
+    QFont font(family);
+    font.setPixelSize(11);
     font.setStyleHint(QFont::SansSerif);
     QApplication::setFont(font);
 }

@@ -218,10 +218,17 @@ void frmHaupt::buildMenu() {
 }
 
 void frmHaupt::setClientSize(int widthTwips, int heightTwips) {
-    const QSize client(Tw(widthTwips), Tw(heightTwips));
-    central->setFixedSize(client);
-    const int menuHeight = menuBar()->sizeHint().height();
-    setFixedSize(client.width(), client.height() + menuHeight);
+    central->setFixedSize(Tw(widthTwips), Tw(heightTwips));
+    fitToClient();
+}
+
+void frmHaupt::fitToClient() {
+    // The menu bar's height depends on its texts, so this runs again after
+    // every change of language.
+    setFixedSize(central->width(), central->height() + menuBar()->sizeHint().height());
+}
+
+void frmHaupt::centre() {
     if (QScreen* screen = QGuiApplication::primaryScreen()) {
         const QRect area = screen->availableGeometry();
         move(area.center() - QPoint(width() / 2, height() / 2));
@@ -263,6 +270,7 @@ void frmHaupt::Form_Load() {
         Start::WideLayout = true;
         ApplyWideLayout();
     }
+    centre();
     Normal();
 }
 
@@ -317,6 +325,7 @@ void frmHaupt::Sprache_Setzen() {
     lblDatumD->setText(ResourceText(10038));
     lblBeschreibungD->setText(ResourceText(10042));
     cmdÄndernD->setText(ResourceText(10003));
+    fitToClient();
 }
 
 void frmHaupt::INI_Speichern() {

@@ -104,6 +104,8 @@ private:
     void buildControls();
     void buildMenu();
     void setClientSize(int widthTwips, int heightTwips);
+    void fitToClient();
+    void centre();
     void ApplyWideLayout();
     void EnableDiscPane();
     void EnableFolderPane();
