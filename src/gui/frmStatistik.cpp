@@ -1,6 +1,7 @@
 #include "gui/frmStatistik.h"
 
 #include <QCoreApplication>
+#include <QFontMetrics>
 #include <QLabel>
 #include <QLocale>
 #include <QProgressBar>
@@ -48,10 +49,19 @@ frmStatistik::frmStatistik(QWidget* owner) : QDialog(owner) {
         *values[i] = Label(this, 4200, tops[i]);
     }
 
-    lblAktion = Label(this, 0, 3480, 1815);
+    // The status line would reach 30 twips past the client area's bottom and
+    // lose its lower edge; it stands that much higher, whole.
+    lblAktion = Label(this, 0, 3450, 1815);
     lblAktion->setAlignment(Qt::AlignCenter);
+    // The narrow status label was made for a narrower font than today's
+    // desktops use: its font shrinks until the longer of its two texts fits.
+    QFont small = lblAktion->font();
+    while (small.pointSizeF() > 6 &&
+           QFontMetrics(small).horizontalAdvance(QStringLiteral("Statistik wird erstellt:")) > lblAktion->width() - 4)
+        small.setPointSizeF(small.pointSizeF() - 0.5);
+    lblAktion->setFont(small);
     ProgressBar = new QProgressBar(this);
-    ProgressBar->setGeometry(Tw(1800), Tw(3480), Tw(6495), Tw(255));
+    ProgressBar->setGeometry(Tw(1800), Tw(3450), Tw(6495), Tw(255));
     ProgressBar->setTextVisible(false);
     ProgressBar->setRange(0, 1);
     ProgressBar->setValue(0);

@@ -173,6 +173,9 @@ CT_TEST(screenshots) {
         w.show();
         QTest::qWait(200);
         w.grab().save(dir + "/frmStatistik_empty" + suffix + ".png");
+        QObject::connect(w.ProgressBar, &QProgressBar::valueChanged, [&](int v) {
+            if (v == 1) w.grab().save(dir + "/frmStatistik_running" + suffix + ".png");
+        });
         w.cmdStatistikErstellen->click();
         QTest::qWait(200);
         w.grab().save(dir + "/frmStatistik" + suffix + ".png");
