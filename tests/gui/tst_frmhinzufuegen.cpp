@@ -375,7 +375,8 @@ CT_TEST(descriptionStoredOnOneLine) {
     d.txtBeschreibung->setPlainText(" Sommer\nund  Herbst\n\n2003 ");
     d.cmdHinzufügen->click();
     CT_COMPARE(d.txtBeschreibung->toPlainText(), " Sommer und Herbst 2003 ");
-    CT_COMPARE(Lines(ReadFile(s.Catalogue("Fotos")))[0], "0|0||0|0|0| Sommer und Herbst 2003 ");
+    const auto lines = Lines(ReadFile(s.Catalogue("Fotos")));
+    CT_COMPARE(lines.at(0), "0|0||0|0|0| Sommer und Herbst 2003 ");
 }
 
 CT_TEST(secondPressFindsTheLabelInUse) {
@@ -608,7 +609,8 @@ CT_TEST_ROWS(rereadCompleted, RereadRow, {
     const std::string label = *row.label ? row.label : "Fotos";
     // The new reading, with the disc's description carried over; no folder
     // or file description survives.
-    CT_COMPARE(Lines(ReadFile(s.Catalogue(label)))[0], "0|0||0|0|0|Photos 2003");
+    const auto lines = Lines(ReadFile(s.Catalogue(label)));
+    CT_COMPARE(lines.at(0), "0|0||0|0|0|Photos 2003");
     CT_COMPARE(Paths(ReadFile(s.Catalogue(label))), (QStringList{"\\Bilder", "\\Bilder\\p1.jpg", "\\liesmich.txt"}));
     QStringList left = QDir(Q(s.fx.DataFolder())).entryList(QDir::Files | QDir::Hidden);
     left.sort();
