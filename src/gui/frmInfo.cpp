@@ -55,7 +55,12 @@ frmInfo::frmInfo(QWidget* parent) : QDialog(parent) {
 
     lblTitelzeile = CentredLabel(this, 240, 495);
     QFont title = lblTitelzeile->font();
-    title.setPointSizeF(title.pointSizeF() * 2);
+    // The program font is set in pixels (the geometry is), so scale whichever
+    // size the font has.
+    if (title.pixelSize() > 0)
+        title.setPixelSize(title.pixelSize() * 2);
+    else
+        title.setPointSizeF(title.pointSizeF() * 2);
     title.setBold(true);
     lblTitelzeile->setFont(title);
     lblTitelzeile->setText(QStringLiteral("Cartulon"));
