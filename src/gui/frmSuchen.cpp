@@ -146,13 +146,15 @@ frmSuchen::frmSuchen(QWidget* parent)
     lblInfo->setWordWrap(true);
     lblBeschreibung = Label(fraDateien, 8280, 2040, 2055, 255);
     lblDaten = Label(this, 7440, 240, 3135, 255);
-    lblAktion = Label(this, 0, 7250, 1215, 255, Qt::AlignHCenter);
-    lblTreffer = Label(this, 10800, 7250, 615, 255);
-    lblT = Label(this, 11400, 7250, 495, 255);
+    // The bottom row stands 20 twips past the client area's 7485; it keeps its
+    // Top and is cut to fit, so the bar shows its whole frame.
+    lblAktion = Label(this, 0, 7250, 1215, 235, Qt::AlignHCenter);
+    lblTreffer = Label(this, 10800, 7250, 615, 235);
+    lblT = Label(this, 11400, 7250, 495, 235);
     lblDP3 = Label(this, 3600, 3030, 135, 255, Qt::AlignHCenter);
 
     ProgressBar = new QProgressBar(this);
-    Place(ProgressBar, 1200, 7250, 9495, 255);
+    Place(ProgressBar, 1200, 7250, 9495, 235);
     ProgressBar->setTextVisible(false);
     ProgressBar->setRange(0, 1);
     ProgressBar->setValue(0);
@@ -185,6 +187,19 @@ frmSuchen::frmSuchen(QWidget* parent)
         RefuseTypedText(box, false);
     RefuseTypedText(cboDatum, true);
     txtDatum->installEventFilter(this);
+
+    // The twips were measured in a narrower font than the desktop's: the
+    // check boxes and the hit's values take its condensed cut, so that
+    // "Beschreibung" and a full time stand in their boxes.
+    for (QWidget* w : std::initializer_list<QWidget*>{CheckDateiOrdner, CheckDateigröße, CheckAttribut, CheckDatum,
+                                                        CheckBeschreibung, lblG, lblA, lblD}) {
+        QFont f = w->font();
+        f.setStretch(qobject_cast<QLabel*>(w) ? QFont::Condensed : QFont::SemiCondensed);
+        w->setFont(f);
+    }
+    // A chosen item is shown from its start, not scrolled to its end.
+    for (QComboBox* box : {cboSuchen, cboOperator, cboDateigröße, cboAttribut, cboDatum, cboBeschreibung})
+        connect(box, &QComboBox::currentIndexChanged, box, [box] { box->lineEdit()->setCursorPosition(0); });
 
     InstallHelpKey(this, 10015);
     Form_Load();
