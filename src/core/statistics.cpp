@@ -1,10 +1,15 @@
 #include "core/statistics.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
+#include <cstring>
+#include <memory>
 
 #include "core/catalogue.h"
+#include "core/text.h"
 
 namespace ct {
 
@@ -22,19 +27,140 @@ std::string SizeText(const std::string& bytes, double gigabytes, const std::stri
     return bytes + " Bytes (" + Round2Text(gigabytes, separator) + " GB)";
 }
 
+// One catalogue's bytes, block by block, through the states of the counting
+// way. Line ends are those of LineReader: CR LF, LF, or a lone CR.
+class CountScan {
+public:
+    void Feed(const char* p, std::size_t n) {
+        std::size_t i = 0;
+        if (afterCr_) {
+            afterCr_ = false;
+            if (n > 0 && p[0] == '\n') i = 1;
+        }
+        // The next CR and LF, found once per block and then only when passed,
+        // so a file with one kind of line end isn't scanned again per line.
+        std::size_t crAt = 0, lfAt = 0;
+        bool crKnown = false, lfKnown = false;
+        auto find = [&](char c, std::size_t from) {
+            const void* hit = std::memchr(p + from, c, n - from);
+            return hit ? static_cast<std::size_t>(static_cast<const char*>(hit) - p) : n;
+        };
+        while (i < n) {
+            if (at_ == At::Files) {
+                CountFiles(p + i, n - i);
+                return;
+            }
+            if (!crKnown || crAt < i) crAt = find('\r', i), crKnown = true;
+            if (!lfKnown || lfAt < i) lfAt = find('\n', i), lfKnown = true;
+            const std::size_t eol = std::min(crAt, lfAt);
+            if (eol == n) {
+                Partial(p + i, n - i);
+                return;
+            }
+            EndLine(p + i, eol - i);
+            std::size_t next = eol + 1;
+            if (p[eol] == '\r') {
+                if (next < n) {
+                    if (p[next] == '\n') ++next;
+                } else {
+                    afterCr_ = true;  // its LF, if any, opens the next block
+                }
+            }
+            i = next;
+        }
+    }
+
+    void Finish(CatalogueCounts& counts) {
+        if ((at_ == At::Folders && partial_)) ++folders_;
+        if (at_ == At::Files && partial_) ++files_;
+        counts.headerLine = DecodeLine(header_);
+        counts.folders = folders_;
+        counts.files = files_;
+    }
+
+private:
+    enum class At { Header, Line2, Folders, Files };
+
+    void Partial(const char* p, std::size_t len) {
+        if (at_ == At::Header) header_.append(p, len);
+        if (len > 0) partial_ = true;
+    }
+
+    void EndLine(const char* p, std::size_t len) {
+        switch (at_) {
+        case At::Header:
+            header_.append(p, len);
+            at_ = At::Line2;
+            break;
+        case At::Line2:
+            at_ = At::Folders;
+            break;
+        case At::Folders:
+            if (len > 0 || partial_)
+                ++folders_;
+            else
+                at_ = At::Files;
+            break;
+        case At::Files:
+            break;
+        }
+        partial_ = false;
+    }
+
+    // Every line end is a file line, empty lines included; a CR LF is one.
+    void CountFiles(const char* p, std::size_t n) {
+        const char* end = p + n;
+        for (const char* c = p; (c = static_cast<const char*>(std::memchr(c, '\n', end - c))); ++c) ++files_;
+        for (const char* c = p; (c = static_cast<const char*>(std::memchr(c, '\r', end - c))); ++c) {
+            if (c + 1 < end) {
+                if (c[1] != '\n') ++files_;
+            } else {
+                ++files_;
+                afterCr_ = true;
+            }
+        }
+        partial_ = end[-1] != '\n' && end[-1] != '\r';
+    }
+
+    At at_ = At::Header;
+    std::string header_;
+    std::int64_t folders_ = 0, files_ = 0;
+    bool afterCr_ = false;
+    bool partial_ = false;  // the current line has bytes not yet ended
+};
+
 }  // namespace
+
+CatalogueCounter::CatalogueCounter(std::size_t blockSize) : buffer_(std::max<std::size_t>(1, blockSize)) {}
+
+CatalogueCounts CatalogueCounter::Count(const std::string& path) {
+    CatalogueCounts counts;
+    std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"), &std::fclose);
+    if (!file) return counts;
+    counts.opened = true;
+    std::setvbuf(file.get(), nullptr, _IONBF, 0);  // our own blocks; a stdio buffer would only copy
+    CountScan scan;
+    for (;;) {
+        const std::size_t got = std::fread(buffer_.data(), 1, buffer_.size(), file.get());
+        if (got == 0) break;  // the end, or a read error: both end the file, as for every reader
+        scan.Feed(buffer_.data(), got);
+    }
+    scan.Finish(counts);
+    return counts;
+}
 
 StatisticsTotals CollectStatistics(const std::string& dataFolder,
                                    const std::vector<std::string>& labels,
                                    const StatisticsProgress& progress) {
     StatisticsTotals totals;
     totals.discs = static_cast<std::int64_t>(labels.size());
+    CatalogueCounter counter;
     for (std::size_t i = 0; i < labels.size(); ++i) {
         if (progress && !progress(i + 1, labels.size())) {
             totals.complete = false;
             break;
         }
-        const CatalogueCounts counts = CountCatalogue(CataloguePath(dataFolder, labels[i]));
+        const CatalogueCounts counts = counter.Count(CataloguePath(dataFolder, labels[i]));
         totals.totalSize += ParseLeadingDecimal(FirstField(counts.headerLine));
         totals.folders += counts.folders;
         totals.files += counts.files;
