@@ -8,6 +8,7 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QStylePainter>
 
 #include "core/adddisc.h"
 #include "core/fileops.h"
@@ -33,6 +34,25 @@ namespace {
 // The last entry of the drive list: not a drive but the way to any folder.
 const QString kOtherFolder = QStringLiteral("\u2026");
 
+// A removable volume's mount point already holds its name
+// ("/media/anna/FOTOS2003 [FOTOS2003]"): cut in the middle, so the closed list
+// still shows where the path starts and which volume it is.
+class DriveListBox : public QComboBox {
+public:
+    using QComboBox::QComboBox;
+
+protected:
+    void paintEvent(QPaintEvent*) override {
+        QStylePainter painter(this);
+        QStyleOptionComboBox option;
+        initStyleOption(&option);
+        painter.drawComplexControl(QStyle::CC_ComboBox, option);
+        const QRect field = style()->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, this);
+        option.currentText = fontMetrics().elidedText(option.currentText, Qt::ElideMiddle, field.width());
+        painter.drawControl(QStyle::CE_ComboBoxLabel, option);
+    }
+};
+
 bool IsOtherFolderEntry(const QComboBox* box, int index) {
     return index >= 0 && index == box->count() - 1 && !box->itemData(index).isValid();
 }
@@ -47,7 +67,7 @@ frmHinzufügen::frmHinzufügen(QWidget* owner) : QDialog(owner) {
 
     lblLaufwerk = new QLabel(this);
     lblLaufwerk->setGeometry(Tw(240), Tw(240), Tw(3135), Tw(255));
-    DriveLaufwerk = new QComboBox(this);
+    DriveLaufwerk = new DriveListBox(this);
     DriveLaufwerk->setGeometry(Tw(3480), Tw(240), Tw(2775), Tw(315));
     DriveLaufwerk->setEditable(false);
     // Long mount points and volume names stay readable in the open list.
@@ -129,7 +149,7 @@ void frmHinzufügen::FillDrives() {
     for (const ct::Drive& drive : drives) {
         DriveLaufwerk->addItem(QString::fromStdString(drive.display.empty() ? drive.mountPoint : drive.display),
                                QString::fromStdString(drive.mountPoint));
-        DriveLaufwerk->setItemData(DriveLaufwerk->count() - 1, QString::fromStdString(drive.mountPoint),
+        DriveLaufwerk->setItemData(DriveLaufwerk->count() - 1, DriveLaufwerk->itemText(DriveLaufwerk->count() - 1),
                                    Qt::ToolTipRole);
     }
     DriveLaufwerk->addItem(kOtherFolder);

@@ -700,4 +700,40 @@ CT_TEST(isoImageMountedAndAdded) {
         if (Q(line).startsWith("\\liesmich.txt|")) CT_VERIFY2(Q(line).startsWith("\\liesmich.txt|5|"), line);
 }
 
+// --- Pictures for a look by eye --------------------------------------------------------------
+
+// With CARTULON_SHOTS=<folder> (run under Xvfb with QT_QPA_PLATFORM=xcb), saves
+// the dialog in both languages, as the program's own font draws it, with a
+// long count standing in the progress label. Without it: nothing to do.
+CT_TEST(screenshotsOnRequest) {
+    const QString folder = qEnvironmentVariable("CARTULON_SHOTS");
+    if (folder.isEmpty()) return;
+    QFont font(QStringLiteral("DejaVu Sans"), 8);
+    font.setStyleHint(QFont::SansSerif);
+    QApplication::setFont(font);
+    for (const char* language : {"0", "10000"}) {
+        AddSetup s;
+        s.fx.WriteIni(language, "C", s.fx.DataFolder());
+        frmHinzufügen::DriveList = [] {
+            return std::vector<ct::Drive>{{"/media/anna/FOTOS2003", "FOTOS2003", "/media/anna/FOTOS2003 [FOTOS2003]", true},
+                                          {"/home", "", "/home", false}};
+        };
+        auto h = s.fx.StartMain();
+        frmHinzufügen d(h.get());
+        d.txtBezeichnung->setText("FOTOS 2003");
+        d.txtBeschreibung->setPlainText("Urlaub an der Küste, erste Woche, alle Bilder der Kamera");
+        d.lblFortschritt->setText(Start::Language == 10000 ? "123456 entries found" : "123456 Einträge gefunden");
+        d.show();
+        QTest::qWait(300);
+        const QString name = folder + "/frmHinzufuegen_" + language + ".png";
+        CT_VERIFY(d.grab().save(name));
+        d.DriveLaufwerk->showPopup();
+        QTest::qWait(300);
+        QWidget* popup = d.DriveLaufwerk->view()->window();
+        CT_VERIFY(popup->grab().save(folder + "/frmHinzufuegen_" + language + "_list.png"));
+        d.DriveLaufwerk->hidePopup();
+        d.reject();
+    }
+}
+
 CT_TEST_MAIN()
