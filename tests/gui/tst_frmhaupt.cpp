@@ -168,6 +168,13 @@ CT_TEST(discList) {
     auto h = fx.StartMain();
     CT_COMPARE(Items(h->lstDaten), (QStringList{"Alpha", "beta", "gamma"}));
     CT_COMPARE(h->lstDaten->ListIndex(), -1);
+    // A disc listed from a sub-folder is looked for directly in the data
+    // folder, where it isn't: the panes stay empty and nothing breaks.
+    h->lstDaten->SetListIndex(2);
+    CT_COMPARE(h->lblGC->text(), "");
+    CT_COMPARE(h->lstOrdner->ListCount(), 0);
+    h->lstDaten->SetListIndex(0);
+    CT_COMPARE(Items(h->lstOrdner), QStringList{"."});
 }
 
 CT_TEST(missingDataFolder) {
