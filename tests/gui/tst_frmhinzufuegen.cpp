@@ -413,19 +413,26 @@ CT_TEST(progressWhileReadingChangesNothing) {
     AddSetup s;
     auto h = s.fx.StartMain();
     frmHinzufügen d(h.get());
+    d.show();
     QString shown;
-    bool busy = false;
+    bool busy = false, visible = false;
     s.source.duringWalk = [&](const std::function<void(std::size_t)>& progress) {
         progress(5000);
+        progress(6000);  // within the same tenth of a second: not painted
         shown = d.lblFortschritt->text();
         busy = QGuiApplication::overrideCursor() != nullptr;
+        d.close();  // the close box waits until the disc is read
+        visible = d.isVisible();
     };
     d.txtBezeichnung->setText("Fotos");
     d.cmdHinzufügen->click();
     CT_VERIFY2(shown.contains("5000"), shown.toStdString());
     CT_VERIFY(busy);
+    CT_VERIFY(visible);
     CT_COMPARE(d.lblFortschritt->text(), "");
     CT_COMPARE(Paths(ReadFile(s.Catalogue("Fotos"))), (QStringList{"\\Bilder", "\\Bilder\\p1.jpg", "\\liesmich.txt"}));
+    CT_COMPARE(s.fx.messages.size(), 1u);
+    d.reject();
 }
 
 CT_TEST(f1OpensTheTopic) {
