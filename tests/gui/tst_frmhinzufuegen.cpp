@@ -715,9 +715,7 @@ CT_TEST(isoImageMountedAndAdded) {
 CT_TEST(screenshotsOnRequest) {
     const QString folder = qEnvironmentVariable("CARTULON_SHOTS");
     if (folder.isEmpty()) return;
-    QFont font(QStringLiteral("DejaVu Sans"), 8);
-    font.setStyleHint(QFont::SansSerif);
-    QApplication::setFont(font);
+    UseProgramFont();
     for (const char* language : {"0", "10000"}) {
         AddSetup s;
         s.fx.WriteIni(language, "C", s.fx.DataFolder());
