@@ -49,7 +49,6 @@ Fixed ParseLeadingDecimal(std::string_view text) {
     if (!saturated) {
         const std::uint64_t scaled = whole * Fixed::kScale;
         magnitude = (scaled > limit - fraction) ? limit : scaled + fraction;
-        if (scaled > limit) magnitude = limit;
     }
     if (negative) {
         if (magnitude == static_cast<std::uint64_t>(kMax) + 1u)
