@@ -25,9 +25,9 @@ bool ListBox::lessThan(const QString& a, const QString& b) const {
         const bool pa = a == pinned_, pb = b == pinned_;
         if (pa != pb) return pa;
     }
-    const int c = QString::compare(a, b, Qt::CaseInsensitive);
+    const int c = a.toCaseFolded().compare(b.toCaseFolded());
     if (c != 0) return c < 0;
-    return QString::compare(a, b, Qt::CaseSensitive) < 0;
+    return a.compare(b) < 0;
 }
 
 int ListBox::sortedPlace(const QString& text) const {
@@ -51,8 +51,27 @@ void ListBox::AddItem(const QString& text) {
 void ListBox::AddItems(QStringList texts) {
     if (texts.isEmpty()) return;
     Quiet q(quiet_);
-    std::stable_sort(texts.begin(), texts.end(),
-                     [this](const QString& a, const QString& b) { return lessThan(a, b); });
+    // The case-folded key of each text once, rather than twice per comparison:
+    // a large disc's root lists tens of thousands of names.
+    struct Keyed {
+        bool pinned;
+        QString key;
+        QString text;
+    };
+    std::vector<Keyed> keyed;
+    keyed.reserve(static_cast<std::size_t>(texts.size()));
+    for (QString& t : texts) {
+        const bool pinned = !pinned_.isEmpty() && t == pinned_;
+        keyed.push_back({pinned, t.toCaseFolded(), std::move(t)});
+    }
+    std::stable_sort(keyed.begin(), keyed.end(), [](const Keyed& a, const Keyed& b) {
+        if (a.pinned != b.pinned) return a.pinned;
+        const int c = a.key.compare(b.key);
+        if (c != 0) return c < 0;
+        return a.text.compare(b.text) < 0;
+    });
+    texts.clear();
+    for (Keyed& k : keyed) texts.append(std::move(k.text));
     if (count() == 0) {
         addItems(texts);
         return;
