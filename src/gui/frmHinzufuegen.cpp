@@ -206,6 +206,13 @@ void frmHinzufügen::ShowProgress(std::size_t entries) {
 
 void frmHinzufügen::cmdHinzufügen_Click() {
     if (reading_) return;
+    // A machine without any drive in the list stands on "…": nothing can be
+    // read before a folder is chosen, and choosing one proposes its label, so
+    // the user sees that before pressing again.
+    if (Drive().isEmpty()) {
+        DriveLaufwerk_Activated(DriveLaufwerk->count() - 1);
+        return;
+    }
     Busy();
     if (txtBezeichnung->text().isEmpty()) {
         HilfeZeigen(ResourceText(10099));

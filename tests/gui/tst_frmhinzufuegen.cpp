@@ -284,6 +284,28 @@ CT_TEST(anyFolderThroughTheLastEntry) {
     CT_COMPARE(Start::DriveLetter, folder);
 }
 
+CT_TEST(noDriveAtAllAsksForAFolder) {
+    AddSetup s;
+    frmHinzufügen::DriveList = [] { return std::vector<ct::Drive>{}; };
+    auto h = s.fx.StartMain();
+    frmHinzufügen d(h.get());
+    CT_COMPARE(d.DriveLaufwerk->count(), 1);
+    CT_COMPARE(d.Drive(), "");
+    CT_VERIFY(s.chosenFolders.empty());  // opening asks nothing
+    d.txtBezeichnung->setText("Fotos");
+    d.cmdHinzufügen->click();  // cancelled: nothing read, nothing said
+    CT_COMPARE(s.chosenFolders.size(), 1u);
+    CT_VERIFY(!Exists(s.Catalogue("Fotos")));
+    CT_VERIFY(s.fx.helpCalls.empty() && s.fx.messages.empty());
+    s.chooserAnswer = Q(s.eins);
+    d.cmdHinzufügen->click();  // chosen: the label is proposed, not yet added
+    CT_COMPARE(d.Drive(), Q(s.eins));
+    CT_COMPARE(d.txtBezeichnung->text(), "EINS");
+    CT_VERIFY(!Exists(s.Catalogue("EINS")));
+    d.cmdHinzufügen->click();
+    CT_VERIFY(Exists(s.Catalogue("EINS")));
+}
+
 // --- Adding ------------------------------------------------------------------------------
 
 CT_TEST(addWritesTheCatalogueAndSavesTheDrive) {
