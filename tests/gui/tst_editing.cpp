@@ -446,6 +446,26 @@ CT_TEST(deleteThatFailsKeepsTheEntry) {
     CT_COMPARE(s.main->lstDaten->Text(), "CD1");
 }
 
+// --- F1 in both dialogs -----------------------------------------------------------------
+
+CT_TEST(helpKeysOpenTheDialogsTopics) {
+    Setup s;
+    Select(s.main->lstDaten, "CD1");
+    WhenUp<frmBeschreibungÄndern>([](frmBeschreibungÄndern& d) {
+        QTest::keyClick(d.txtNeueBeschreibung, Qt::Key_F1);
+        d.cmdAbbrechen->click();
+    });
+    s.main->cmdÄndernC_Click();
+    CT_VERIFY(HelpShows(s.fixture, 10001));
+    WhenUp<frmBezeichnungÄndern>([](frmBezeichnungÄndern& d) {
+        QTest::keyClick(d.txtBezeichnung, Qt::Key_F1);
+        d.cmdAbbrechen->click();
+    });
+    ShowBezeichnungAendern();
+    CT_VERIFY(HelpShows(s.fixture, 10005));
+    CT_COMPARE(s.fixture.helpCalls.size(), std::size_t{2});
+}
+
 // --- The windows as they look, in both languages (only when asked for) --------------
 
 CT_TEST(screenshots) {
