@@ -347,6 +347,13 @@ Matcher::Matcher(const SearchCriteria& c)
     if (c.attributes != kNoAttributesLiteral && c.attributes != c.noAttributesText)
         wantedAttributes_ = c.attributes;
     if (checkDate_ && !ReadDate(c.dateText, dateLimit_)) dateOp_ = SearchOp::None;
+    // Raw bytes may be searched for an ASCII term whatever a line's encoding,
+    // as long as no other letter upper-cases into one of the term's: only the
+    // dotless i and the long s do, into I and S.
+    termRawSafe_ = IsAscii(term_);
+    if ((term_.find('I') != std::string::npos && UpperCase("\xc4\xb1") == "I") ||
+        (term_.find('S') != std::string::npos && UpperCase("\xc5\xbf") == "S"))
+        termRawSafe_ = false;
     // The term of "contains" never changes during a run (only "ends with"
     // loses closing backslashes), so its skip table is made once.
     const std::size_t m = term_.size();
@@ -361,22 +368,29 @@ Matcher::Matcher(const SearchCriteria& c)
     }
 }
 
-bool Matcher::TermIn(std::string_view t) const {
+std::size_t Matcher::TermAt(std::string_view t) const {
+    constexpr std::size_t npos = std::string_view::npos;
     const std::size_t m = term_.size();
-    if (t.empty()) return false;
-    if (m == 0) return true;
-    if (m >= 256) return FoldedContains(t, term_);
-    if (m > t.size()) return false;
+    if (t.empty()) return npos;  // nothing is found in an empty text
+    if (m == 0) return 0;
+    if (m > t.size()) return npos;
+    if (m >= 256) {
+        for (std::size_t i = 0; i + m <= t.size(); ++i)
+            if (FoldedEqual(t.data() + i, term_.data(), m)) return i;
+        return npos;
+    }
     const unsigned char lastTerm = static_cast<unsigned char>(term_[m - 1]);
     std::size_t i = 0;
     const std::size_t end = t.size() - m;
     for (;;) {
         const unsigned char c = static_cast<unsigned char>(t[i + m - 1]);
-        if (kUpper.map[c] == lastTerm && FoldedEqual(t.data() + i, term_.data(), m - 1)) return true;
+        if (kUpper.map[c] == lastTerm && FoldedEqual(t.data() + i, term_.data(), m - 1)) return i;
         i += skip_[c];
-        if (i > end) return false;
+        if (i > end) return npos;
     }
 }
+
+bool Matcher::TermIn(std::string_view t) const { return TermAt(t) != std::string_view::npos; }
 
 bool Matcher::AsciiNameTest(std::string_view t) const {
     if (nameOp_ == SearchOp::Contains) return TermIn(t);
@@ -448,11 +462,29 @@ bool Matcher::TestFileLine(std::string_view line, std::string& path) {
         // The pure name search: the own name alone is looked at, in place, and
         // the line is decoded only for a hit whose path isn't plain ASCII.
         const std::string_view p = line.substr(0, bar);
+        if (checkName_ && (nameOp_ == SearchOp::Contains || nameOp_ == SearchOp::NotContains) &&
+            (termRawSafe_ || IsAscii(p))) {
+            // Search the whole path and look for the last backslash only when
+            // the term turns up: most lines are passed over in a few steps.
+            bool found = false;
+            const std::size_t at = TermAt(p);
+            if (at != std::string_view::npos) {
+                const std::size_t slash = p.rfind('\\');
+                const std::size_t nameStart = slash == std::string_view::npos ? 0 : slash + 1;
+                found = at >= nameStart || TermAt(p.substr(nameStart)) != std::string_view::npos;
+            }
+            if (found != (nameOp_ == SearchOp::Contains)) return false;
+            if (IsAscii(p)) {
+                path.assign(p);
+            } else {
+                decoded_ = DecodeLine(line);
+                path.assign(std::string_view(decoded_).substr(0, decoded_.find('|')));
+            }
+            return true;
+        }
         const std::size_t slash = p.rfind('\\');
         const std::string_view name = slash == std::string_view::npos ? p : p.substr(slash + 1);
-        if (checkName_ && nameOp_ != SearchOp::None && IsAscii(name) &&
-            !AsciiNameTest(name))
-            return false;
+        if (checkName_ && nameOp_ != SearchOp::None && IsAscii(name) && !AsciiNameTest(name)) return false;
         if (IsAscii(p)) {  // then the name was ASCII too, and tested above
             path.assign(p);
             return true;

@@ -154,6 +154,7 @@ private:
     bool NameTest(std::string_view t);  // T not yet upper-cased
     bool AsciiNameTest(std::string_view t) const;  // T plain ASCII, not upper-cased
     bool TermIn(std::string_view t) const;
+    std::size_t TermAt(std::string_view t) const;  // first place of the term, case folded
     bool FieldTests(std::string_view attributes, std::string_view time,
                     std::string_view description);
 
@@ -162,6 +163,7 @@ private:
     bool checkName_;
     bool checkSize_, checkAttributes_, checkDate_, checkDescription_;
     bool needFields_;
+    bool termRawSafe_ = false;  // the term can be sought in undecoded bytes
     SearchOp sizeOp_, dateOp_, descriptionOp_;
     Fixed sizeLimit_;
     SearchTime dateLimit_ = 0;

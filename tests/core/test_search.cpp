@@ -498,6 +498,23 @@ TEST(SearchRun, UnmarkedDiscsAreNotCounted) {
     EXPECT_EQ(counters, (std::vector<int>{1}));
 }
 
+// The name test upper-cases the name before comparing: the dotless i and the
+// long s become I and S, so an ASCII term finds them, in either encoding.
+TEST(SearchRun, LettersThatUpperCaseIntoAscii) {
+    TempDir dir;
+    dir.Write("Disc", {"0|0||0|0|0|", "", "", "\\f\xc4\xb1le.txt|1|A|01.01.2001 00:00:00|",
+                       "\\Ma\xc3\x9f.txt|1|A|01.01.2001 00:00:00|", "\\ordner\\File|1|A|01.01.2001 00:00:00|",
+                       "\\urlaub\\x.txt|1|A|01.01.2001 00:00:00|", "\\Urlaub-\xe4.txt|1||x|"});
+    auto c = Criteria(0, CONT, "file");
+    c.discs = {{"Disc", true}};
+    EXPECT_EQ(Hits(dir, c), (std::vector<std::string>{"Disc\\\\f\xc4\xb1le.txt", "Disc\\\\ordner\\File"}));
+    c.nameTerm = "urlaub";  // in a folder name only, and in a Windows-1252 name
+    EXPECT_EQ(Hits(dir, c), (std::vector<std::string>{"Disc\\\\Urlaub-\xc3\xa4.txt"}));
+    c.nameOperator = kOps[NCONT];
+    EXPECT_EQ(Hits(dir, c), (std::vector<std::string>{"Disc", "Disc\\\\f\xc4\xb1le.txt", "Disc\\\\Ma\xc3\x9f.txt",
+                                                      "Disc\\\\ordner\\File", "Disc\\\\urlaub\\x.txt"}));
+}
+
 TEST(SearchOrder, CaseIgnoredTiesByBytes) {
     std::vector<std::string> v = {"urlaub\\\\b", "Archiv", "URLAUB", "Urlaub\\\\a", "Urlaub", "äpfel", "Zebra", "Urlaubx", "Urlaub_x"};
     std::sort(v.begin(), v.end(), [](const auto& a, const auto& b) { return ct::ListOrderLess(a, b); });
