@@ -256,6 +256,9 @@ void frmHaupt::Form_Load() {
         Normal();
         frmSprache sprache(this);
         sprache.Form_Load();
+        // The main window isn't shown yet, so the screen is what it centres on.
+        if (QScreen* screen = QGuiApplication::primaryScreen())
+            sprache.move(screen->availableGeometry().center() - QPoint(sprache.width() / 2, sprache.height() / 2));
         sprache.exec();
         Busy();
     } else {
