@@ -10,7 +10,7 @@ for f in cartulon folihelp.exe cartulon-cli CT.ini CT.rd CT0.fhp CT1.fhp Version
   [ -f "$dest/$f" ] || { echo "missing in the installed folder: $f"; fail=1; }
 done
 [ -d "$dest/Daten" ] || { echo "missing in the installed folder: Daten/"; fail=1; }
-[ "$(head -c 4 "$dest/CT.ini")" = $'-1\r\n' ] || { echo "CT.ini lacks the first-run marker"; fail=1; }
+printf -- '-1\r\n' | cmp -s - "$dest/CT.ini" || { echo "CT.ini is not the bare first-run marker"; fail=1; }
 [ -s "$dest/CT.rd" ] || { echo "CT.rd is empty"; fail=1; }
 # The folder works where it lands: the CLI finds its data folder beside it.
 mkdir -p "$dest/../walkme/sub" && echo hi > "$dest/../walkme/sub/a.txt"
