@@ -42,6 +42,8 @@ constexpr long kExfatMagic = 0x2011BAB0;
 constexpr long kUdfMagic = 0x15013346;
 constexpr long kFuseMagic = 0x65735546;
 
+constexpr std::size_t kSambaSample = 256;
+
 struct Walk {
     WalkList& folders;
     WalkList& files;
@@ -52,6 +54,8 @@ struct Walk {
     FlagSource source = FlagSource::Unix;
     bool tryNtfsXattr = false;   // fuseblk: may be ntfs-3g
     bool trySambaXattr = true;   // switched off once the file system says it has no xattrs
+    std::size_t sambaProbes = 0;  // entries asked without an answer so far
+    bool sambaSeen = false;
     std::size_t sinceReport = 0;
 };
 
@@ -115,7 +119,14 @@ std::uint32_t UnixFlags(Walk& walk, const std::string& fullName, const char* nam
         std::uint32_t samba = 0;
         if (n > 0 && SambaFlags(buf, static_cast<std::size_t>(n), samba)) {
             flags |= samba & (kHidden | kSystem);
+            walk.sambaSeen = true;
         } else if (n < 0 && errno == ENOTSUP) {
+            walk.trySambaXattr = false;
+        } else if (!walk.sambaSeen && ++walk.sambaProbes >= kSambaSample) {
+            // Samba writes the attribute on everything it creates, so a tree
+            // it filled shows it at once. A tree whose first entries carry
+            // none was not filled that way, and asking each of thousands of
+            // entries by full path would cost more than the whole listing.
             walk.trySambaXattr = false;
         }
     }
