@@ -1,7 +1,7 @@
 #include "core/settings.h"
 
-#include <fstream>
-#include <iterator>
+#include "core/catalogue.h"
+
 #include <string_view>
 #include <vector>
 
@@ -32,22 +32,6 @@ std::int16_t LeadingNumber(std::string_view line) {
     return static_cast<std::int16_t>(value);
 }
 
-// The lines of the file, each without its CR LF (or lone LF). A last line
-// without a line end still counts.
-std::vector<std::string> SplitLines(const std::string& bytes) {
-    std::vector<std::string> lines;
-    std::size_t pos = 0;
-    while (pos < bytes.size()) {
-        std::size_t nl = bytes.find('\n', pos);
-        std::size_t end = nl == std::string::npos ? bytes.size() : nl;
-        std::string line = bytes.substr(pos, end - pos);
-        if (!line.empty() && line.back() == '\r') line.pop_back();
-        lines.push_back(std::move(line));
-        pos = nl == std::string::npos ? bytes.size() : nl + 1;
-    }
-    return lines;
-}
-
 }  // namespace
 
 std::string IniPath(const std::string& programFolder) { return programFolder + "/CT.ini"; }
@@ -64,13 +48,12 @@ LoadedSettings LoadSettings(const std::string& programFolder) {
     loaded.settings.DriveLetter = "C";
     loaded.settings.DataFolder = DefaultDataFolder(programFolder);
 
-    std::ifstream in(IniPath(programFolder), std::ios::binary);
-    if (!in) {
-        loaded.firstRun = true;
-        return loaded;
-    }
-    const std::string bytes{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-    const std::vector<std::string> lines = SplitLines(bytes);
+    // Read with the catalogue line reader: a CT.ini that is no readable file
+    // (a folder, say) then ends like an empty one instead of throwing.
+    LineReader in(IniPath(programFolder));
+    std::vector<std::string> lines;
+    std::string_view raw;
+    while (lines.size() < 3 && in.NextRaw(raw)) lines.emplace_back(raw);
     // Without the full three lines there is nothing trustworthy to take over,
     // so the language is asked again and the defaults hold.
     if (lines.size() < 3 || lines[0] == "-1") {

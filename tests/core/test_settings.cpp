@@ -134,6 +134,15 @@ TEST_F(SettingsTest, WhatEachFileReadsAs) {
     }
 }
 
+// Regression: a folder in the place of CT.ini made the reader throw, and the
+// program died before its window appeared.
+TEST_F(SettingsTest, AFolderNamedCtIniIsAFirstRun) {
+    std::filesystem::create_directory(ct::IniPath(Folder()));
+    const ct::LoadedSettings loaded = ct::LoadSettings(Folder());
+    EXPECT_TRUE(loaded.firstRun);
+    EXPECT_EQ(loaded.settings.DataFolder, ct::DefaultDataFolder(Folder()));
+}
+
 TEST_F(SettingsTest, SavingTwiceLeavesExactlyThreeLines) {
     WriteIni("-1\r\n");
     const ct::Settings s{10000, "/media/cdrom", "/home/u/Kataloge"};
