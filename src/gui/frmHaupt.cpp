@@ -1,5 +1,8 @@
 #include "gui/frmHaupt.h"
 
+#include "core/editing.h"
+#include "gui/do_neueinlesen.h"
+
 #include <QAction>
 #include <QFrame>
 #include <QGuiApplication>
@@ -267,6 +270,11 @@ void frmHaupt::Form_Load() {
         Start::DataFolder = loaded.settings.DataFolder;
     }
     Sprache_Setzen();
+    // What a crash may have left behind: a catalogue set aside for a re-read
+    // comes back under its label, and the scratch copy of a description
+    // rewrite (never more than the catalogue already holds) goes.
+    RestoreSetAsideCatalogues();
+    CleanScratchFiles(SystemFileOps(), folder, Start::DataFolder);
     Aktualisieren();
     const QSize desktop = seams::DesktopSize();
     if (desktop.width() >= 1024 && desktop.height() >= 768) {
