@@ -88,3 +88,9 @@ printf 'ours (cartulon-cli add)  %8.3f  %8.3f  %9s\n' "$T_OURS" "$C_OURS" "$M_OU
 printf "reference (find -printf) %8.3f  %8.3f  %9s\n" "$T_REF" "$C_REF" "$M_REF"
 printf 'ratio ours / reference   %8.2f  %8.2f   (target <= 1.0)\n' \
     "$(echo "$T_OURS / $T_REF" | bc -l)" "$(echo "$C_OURS / $C_REF" | bc -l)"
+
+# One row for bench/run's table: figure|ours|reference|ratio|target.
+if [ -n "${BENCH_ROWS:-}" ]; then
+    printf 'walk %s files (cartulon-cli add)|%.3f s|%.3f s (find -printf)|%.2f|<= 1.0\n' \
+        "$CATALOGUE_LINES" "$T_OURS" "$T_REF" "$(echo "$T_OURS / $T_REF" | bc -l)" >> "$BENCH_ROWS"
+fi
