@@ -154,10 +154,9 @@ int RunSearchCommand(Context& ctx) {
 }
 
 Registration reg{{"search",
-                  "search [--kind files|folders|both] [--name OP TERM] [--size OP NUMBER] [--attributes TEXT]\n"
-                  "              [--date OP DATE] [--description OP TEXT] [--disc LABEL]...\n"
-                  "               OP: equal not-equal contains not-contains begins not-begins ends not-ends\n"
-                  "               greater less; --attributes none finds entries without attributes",
+                  "search [--kind files|folders|both] [--name OP TERM] [--size OP N] [--attributes TEXT|none] "
+                  "[--date OP DATE] [--description OP TEXT] [--disc LABEL]...   OP: equal not-equal contains "
+                  "not-contains begins not-begins ends not-ends greater less",
                   {"--kind", "--attributes", "--disc"},
                   &RunSearchCommand},
                  {"--name", "--size", "--date", "--description"}};
