@@ -28,6 +28,7 @@
 
 using namespace ct;
 using ct::test::GuiFixture;
+using ct::test::Select;
 using ct::test::Items;
 
 namespace {
@@ -54,14 +55,6 @@ std::string ExampleWith(std::size_t index, const std::string& line) {
     return Joined(lines);
 }
 
-int Select(ListBox* list, const QString& text) {
-    for (int i = 0; i < list->ListCount(); ++i)
-        if (list->List(i) == text) {
-            list->SetListIndex(i);
-            return i;
-        }
-    return -1;
-}
 
 // Acts on the next modal dialog of type D once it is up. Nothing here may
 // throw (it runs inside the dialog's event loop): the act records, the test

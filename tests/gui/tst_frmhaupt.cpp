@@ -21,6 +21,7 @@
 using namespace ct;
 using ct::test::ExampleCatalogue;
 using ct::test::GuiFixture;
+using ct::test::Select;
 using ct::test::Items;
 
 namespace {
@@ -47,14 +48,6 @@ void AnswerLanguage(int index, std::string how) {
     });
 }
 
-int Select(ListBox* list, const QString& text) {
-    for (int i = 0; i < list->ListCount(); ++i)
-        if (list->List(i) == text) {
-            list->SetListIndex(i);
-            return i;
-        }
-    return -1;
-}
 
 // The five groups of the enable rules: disc list, disc details, folder,
 // folder description, file; "1" on, "0" off.

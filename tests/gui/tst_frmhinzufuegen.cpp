@@ -30,6 +30,7 @@
 using namespace ct;
 using ct::test::ExampleCatalogue;
 using ct::test::GuiFixture;
+using ct::test::Select;
 using ct::test::Items;
 
 namespace {
@@ -138,14 +139,6 @@ void WhenDialogOpens(std::function<void(frmHinzufügen&)> act) {
     });
 }
 
-int Select(ListBox* list, const QString& text) {
-    for (int i = 0; i < list->ListCount(); ++i)
-        if (list->List(i) == text) {
-            list->SetListIndex(i);
-            return i;
-        }
-    return -1;
-}
 
 const char* kQuestion =
     "Beim Neueinlesen der CD / DVD gehen alle eingegebenen Beschreibungen der Ordner und Dateien verloren. "

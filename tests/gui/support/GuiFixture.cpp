@@ -108,4 +108,13 @@ QStringList Items(const ListBox* list) {
     return items;
 }
 
+int Select(ListBox* list, const QString& text) {
+    for (int i = 0; i < list->ListCount(); ++i)
+        if (list->List(i) == text) {
+            list->SetListIndex(i);
+            return i;
+        }
+    return -1;
+}
+
 }  // namespace ct::test

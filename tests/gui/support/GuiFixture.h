@@ -69,4 +69,8 @@ std::vector<std::string> ExampleCatalogue();
 // Items of a list box, in order.
 QStringList Items(const ListBox* list);
 
+// Chooses the item `text` as a user would (the click handler runs); returns
+// its index, or -1 when the list doesn't hold it.
+int Select(ListBox* list, const QString& text);
+
 }  // namespace ct::test
