@@ -93,7 +93,8 @@ echo "all five criteria: wall ${t5}s  cpu ${c5}s  peak ${m5} KiB  ($hits5 hits; 
 # Memory against collection size: the same search over a tenth of the discs.
 SMALL=$WORK/Klein
 mkdir -p "$SMALL"
-ls "$DATA"/*.idx | head -n $((DISCS / 10 > 0 ? DISCS / 10 : 1)) | xargs -I{} ln {} "$SMALL"/
+all=("$DATA"/*.idx)
+for f in "${all[@]:0:$((DISCS / 10 > 0 ? DISCS / 10 : 1))}"; do ln "$f" "$SMALL"/; done
 read -r ts cs ms < <(measure "$CLI" search --name contains URLAUB --data-folder "$SMALL")
 echo
 echo "peak memory, cartulon-cli: ${ms} KiB over $((DISCS / 10)) discs, ${mc} KiB over $DISCS discs"
