@@ -98,3 +98,10 @@ for f in "${all[@]:0:$((DISCS / 10 > 0 ? DISCS / 10 : 1))}"; do ln "$f" "$SMALL"
 read -r ts cs ms < <(measure "$CLI" search --name contains URLAUB --data-folder "$SMALL")
 echo
 echo "peak memory, cartulon-cli: ${ms} KiB over $((DISCS / 10)) discs, ${mc} KiB over $DISCS discs"
+
+# Rows for bench/run's table: figure|ours|reference|ratio|target.
+if [ -n "${BENCH_ROWS:-}" ]; then
+    echo "search, name contains URLAUB, $DISCS discs|${tc} s|${tg} s (grep -c -i -F)|$(ratio "$tc" "$tg")|<= 1.0" >> "$BENCH_ROWS"
+    echo "search, all five criteria|${t5} s|${tg} s (grep -c -i -F)|$(ratio "$t5" "$tg")|-" >> "$BENCH_ROWS"
+    echo "search peak memory, $((DISCS / 10)) vs $DISCS discs|${mc} KiB|${ms} KiB ($((DISCS / 10)) discs)|$(ratio "$mc" "$ms")|~1.0" >> "$BENCH_ROWS"
+fi

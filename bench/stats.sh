@@ -72,3 +72,10 @@ awk -v sw="$sw" -v sc="$sc" -v ww="$ww" -v wcc="$wc_cpu" 'BEGIN {
     printf "wc -l               %7d  %7d\n", ww, wcc
     printf "ratio stats / wc    %7.2f  %7.2f   (target <= 1.0)\n", sw / (ww ? ww : 1), sc / (wcc ? wcc : 1)
 }'
+
+# One row for bench/run's table: figure|ours|reference|ratio|target.
+if [ -n "${BENCH_ROWS:-}" ]; then
+    awk -v sw="$sw" -v ww="$ww" -v d="$discs" 'BEGIN {
+        printf "statistics, %d catalogues|%d ms|%d ms (wc -l)|%.2f|<= 1.0\n", d, sw, ww, sw / (ww ? ww : 1)
+    }' >> "$BENCH_ROWS"
+fi
