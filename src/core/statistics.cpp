@@ -212,7 +212,10 @@ StatisticsFigures FormatStatistics(const StatisticsTotals& totals, const std::st
     f.files = std::to_string(totals.files);
     if (totals.discs == 0) {
         f.averageSize = SizeText("0", 0, separator);
-        f.averageFolders = f.averageFiles = "0";
+        // Filled rather than assigned from a literal: GCC 12 at -O3 takes the
+        // literal assignment for an overlapping copy and fails the build.
+        f.averageFolders.assign(1, '0');
+        f.averageFiles.assign(1, '0');
         return f;
     }
     f.averageSize = SizeText(Round2Text(s / n, separator), s / 1024 / 1024 / 1024 / n, separator);
