@@ -1,5 +1,4 @@
 #include "core/editing.h"
-#include "gui/EditOps.h"
 #include "gui/Start.h"
 #include "gui/frmHaupt.h"
 #include "gui/seams.h"
@@ -26,7 +25,7 @@ void DoLoeschen() {
     }
     const QString label = main->lstDaten->List(chosen);
     std::string error;
-    if (!DeleteDisc(EditFileOps(), Start::DataFolder, label.toStdString(), &error)) {
+    if (!DeleteDisc(seams::Files(), Start::DataFolder, label.toStdString(), &error)) {
         // The entry stays while its catalogue does, chosen as before.
         Normal();
         const QString head = Start::Language == 0 ? QStringLiteral("Die CD / DVD wurde nicht gelöscht.")

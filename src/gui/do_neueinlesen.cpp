@@ -63,7 +63,7 @@ void DoNeuEinlesen() {
     // disk, until the dialog shows whether a new reading took its place.
     SetAsideFile aside;
     std::string error;
-    if (!SetAside(AddFileOps(), Start::DataFolder, label.toStdString(), aside, &error)) {
+    if (!SetAside(seams::Files(), Start::DataFolder, label.toStdString(), aside, &error)) {
         Normal();
         Warn(haupt, QStringLiteral("Der Katalog kann nicht neu eingelesen werden: ") + Q(error));
         return;
@@ -75,12 +75,12 @@ void DoNeuEinlesen() {
         std::string why;
         if (closing.AddedCount() > 0) {
             // Read anew (under this label or another): the old reading goes.
-            if (!Discard(AddFileOps(), aside, &why))
+            if (!Discard(seams::Files(), aside, &why))
                 Warn(&closing, QStringLiteral("Der alte Katalog konnte nicht gelöscht werden: ") + Q(why) +
                                    QStringLiteral("\nEr liegt noch als ") + Q(aside.path));
             return;
         }
-        const RestoreResult result = Restore(AddDiscSource(), AddFileOps(), Start::DataFolder, aside, &why);
+        const RestoreResult result = Restore(AddDiscSource(), seams::Files(), Start::DataFolder, aside, &why);
         ReportKept(&closing, aside, result, why);
     };
     // Before the dialog's own refresh of the disc list, so a disc that was
@@ -102,7 +102,7 @@ void DoNeuEinlesen() {
 }
 
 void RestoreSetAsideCatalogues() {
-    for (const LeftoverOutcome& outcome : RestoreLeftovers(AddDiscSource(), AddFileOps(), Start::DataFolder))
+    for (const LeftoverOutcome& outcome : RestoreLeftovers(AddDiscSource(), seams::Files(), Start::DataFolder))
         ReportKept(MainWindow(), outcome.file, outcome.result, outcome.error);
 }
 

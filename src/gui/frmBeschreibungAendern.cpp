@@ -8,7 +8,6 @@
 
 #include "core/editing.h"
 #include "core/textrules.h"
-#include "gui/EditOps.h"
 #include "gui/Start.h"
 #include "gui/appicon.h"
 #include "gui/frmHaupt.h"
@@ -151,7 +150,7 @@ void frmBeschreibungÄndern::cmdÄndern_Click() {
     const DescriptionTarget target = CurrentDescriptionTarget();
     std::string error = target.ok ? std::string() : "Nothing is chosen whose description could change.";
     const bool stored =
-        target.ok && DescriptionRewrite(EditFileOps(), ProgramFolder(), Start::DataFolder, target.label,
+        target.ok && DescriptionRewrite(seams::Files(), ProgramFolder(), Start::DataFolder, target.label,
                                         target.isHeader, target.path, S(text), &error);
     if (!stored) {
         // The caller's box keeps the text the catalogue holds, and the dialog

@@ -7,7 +7,6 @@
 #include <QScreen>
 
 #include "core/editing.h"
-#include "gui/EditOps.h"
 #include "gui/Start.h"
 #include "gui/appicon.h"
 #include "gui/frmHaupt.h"
@@ -66,7 +65,7 @@ void frmBezeichnungÄndern::cmdÄndern_Click() {
     labels.reserve(static_cast<std::size_t>(main->lstDaten->ListCount()));
     for (int i = 0; i < main->lstDaten->ListCount(); ++i) labels.push_back(main->lstDaten->List(i).toStdString());
 
-    const RenameOutcome outcome = RenameDisc(EditFileOps(), Start::DataFolder, main->lstDaten->Text().toStdString(),
+    const RenameOutcome outcome = RenameDisc(seams::Files(), Start::DataFolder, main->lstDaten->Text().toStdString(),
                                              txtBezeichnung->text().toStdString(), labels);
     txtBezeichnung->setText(QString::fromStdString(outcome.label));
     switch (outcome.result) {

@@ -274,7 +274,7 @@ void frmHaupt::Form_Load() {
     // comes back under its label, and the scratch copy of a description
     // rewrite (never more than the catalogue already holds) goes.
     RestoreSetAsideCatalogues();
-    CleanScratchFiles(SystemFileOps(), folder, Start::DataFolder);
+    CleanScratchFiles(seams::Files(), folder, Start::DataFolder);
     Aktualisieren();
     const QSize desktop = seams::DesktopSize();
     if (desktop.width() >= 1024 && desktop.height() >= 768) {
@@ -346,7 +346,7 @@ void frmHaupt::INI_Speichern() {
     settings.DataFolder = Start::DataFolder;
     // A settings file that can't be written leaves the old one; the settings
     // in force stay as they are for this run.
-    SaveSettings(SystemFileOps(), ProgramFolder(), settings);
+    SaveSettings(seams::Files(), ProgramFolder(), settings);
 }
 
 void frmHaupt::Aktualisieren() {

@@ -22,12 +22,10 @@ namespace ct {
 
 std::function<std::vector<ct::Drive>()> frmHinzufügen::DriveList;
 DiscSource* frmHinzufügen::Source = nullptr;
-FileOps* frmHinzufügen::Ops = nullptr;
 
 DiscSource& AddDiscSource() {
     return frmHinzufügen::Source ? *frmHinzufügen::Source : SystemDiscSource();
 }
-FileOps& AddFileOps() { return frmHinzufügen::Ops ? *frmHinzufügen::Ops : SystemFileOps(); }
 
 namespace {
 
@@ -235,7 +233,7 @@ void frmHinzufügen::cmdHinzufügen_Click() {
     };
 
     reading_ = true;
-    const AddOutcome outcome = AddDisc(request, AddDiscSource(), AddFileOps());
+    const AddOutcome outcome = AddDisc(request, AddDiscSource(), seams::Files());
     reading_ = false;
     lblFortschritt->clear();
 

@@ -20,7 +20,6 @@ class QPushButton;
 namespace ct {
 
 class DiscSource;
-class FileOps;
 
 class frmHinzufügen : public QDialog {
 public:
@@ -55,11 +54,10 @@ public:
     // re-read puts its set-aside catalogue back here, so the refresh shows it.
     std::function<void(frmHinzufügen&)> BeforeRefresh;
 
-    // Where the drives, the disc reading and the file writes come from; tests
-    // put their own in. Empty / null: the machine's.
+    // Where the drives and the disc reading come from; tests put their own
+    // in. Empty / null: the machine's. (File writes go through seams::Files.)
     static std::function<std::vector<ct::Drive>()> DriveList;
     static DiscSource* Source;
-    static FileOps* Ops;
 
     void done(int result) override;
 
@@ -78,6 +76,5 @@ private:
 };
 
 DiscSource& AddDiscSource();
-FileOps& AddFileOps();
 
 }  // namespace ct

@@ -105,7 +105,7 @@ void frmOptionen::cmdSpeichern_Click() {
             if (haupt)
                 for (int i = 0; i < haupt->lstDaten->ListCount(); ++i)
                     labels.push_back(haupt->lstDaten->List(i).toStdString());
-            const MoveOutcome moved = MoveCatalogues(SystemFileOps(), labels, Start::DataFolder, newFolder);
+            const MoveOutcome moved = MoveCatalogues(seams::Files(), labels, Start::DataFolder, newFolder);
             if (!moved.copied) {
                 seams::MessageBox(this, ResourceText(10096),
                                   ResourceText(10095) + QStringLiteral("\n\n") +

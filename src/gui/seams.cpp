@@ -4,6 +4,7 @@
 #include <QGuiApplication>
 #include <QScreen>
 
+#include "core/fileops.h"
 #include "platform/system.h"
 
 namespace ct::seams {
@@ -60,5 +61,12 @@ QString ChooseFolder(QWidget* parent, const QString& start) {
     if (folderChooserFn()) return folderChooserFn()(parent, start);
     return QFileDialog::getExistingDirectory(parent, QString(), start);
 }
+
+namespace {
+FileOps* g_files = nullptr;
+}  // namespace
+
+void SetFiles(FileOps* ops) { g_files = ops; }
+FileOps& Files() { return g_files ? *g_files : SystemFileOps(); }
 
 }  // namespace ct::seams

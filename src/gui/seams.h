@@ -9,6 +9,10 @@
 #include <functional>
 #include <string>
 
+namespace ct {
+class FileOps;
+}
+
 namespace ct::seams {
 
 // A message box with the given buttons; returns the button pressed.
@@ -34,6 +38,13 @@ void Open(const std::string& target);
 // The desktop size that chooses the layout. Default: the primary screen.
 void SetDesktopSize(QSize size);  // an invalid size: back to the real screen
 QSize DesktopSize();
+
+// The file operations behind every window that changes a file (add, re-read,
+// descriptions, labels, delete, options, settings). Default: the machine's.
+// Tests put a failing device in to see that a window says what failed and
+// loses nothing.
+void SetFiles(FileOps* ops);  // nullptr: back to the machine's
+FileOps& Files();
 
 // Asks for a folder (the add dialog's "…" entry). Default: QFileDialog.
 using FolderChooserFn = std::function<QString(QWidget* parent, const QString& start)>;

@@ -16,12 +16,12 @@
 #include <sstream>
 
 #include "core/fileops.h"
-#include "gui/EditOps.h"
 #include "gui/Start.h"
 #include "gui/frmBeschreibungAendern.h"
 #include "gui/frmBezeichnungAendern.h"
 #include "gui/frmHaupt.h"
 #include "gui/frmSuchen.h"
+#include "gui/seams.h"
 #include "gui/windows.h"
 #include "support/GuiFixture.h"
 #include "support/TestRunner.h"
@@ -104,8 +104,8 @@ public:
 };
 
 struct OpsScope {
-    explicit OpsScope(FileOps* ops) { SetEditFileOps(ops); }
-    ~OpsScope() { SetEditFileOps(nullptr); }
+    explicit OpsScope(FileOps* ops) { seams::SetFiles(ops); }
+    ~OpsScope() { seams::SetFiles(nullptr); }
 };
 
 bool HelpShows(const GuiFixture& f, int baseId) {

@@ -38,6 +38,7 @@ GuiFixture::~GuiFixture() {
     seams::SetHelpLauncher({});
     seams::SetMessageBox({});
     seams::SetOpenTarget({});
+    seams::SetFiles(nullptr);
     seams::SetDesktopSize(QSize());
     SetProgramFolderForTesting({});
 }
