@@ -1,0 +1,67 @@
+#include "core/failure.h"
+
+#include <cstring>
+
+namespace ct {
+
+namespace {
+
+struct Wording {
+    FailCode code;
+    const char* german;
+    const char* english;
+};
+
+// %1 the file, %2 the second file. Quotes as each language sets them.
+constexpr Wording kWordings[] = {
+    {FailCode::CreateScratch, "Neben „%1“ kann keine Arbeitsdatei angelegt werden.",
+     "Cannot create a scratch file beside \"%1\"."},
+    {FailCode::WriteScratch, "Die Arbeitsdatei neben „%1“ kann nicht vollständig geschrieben werden.",
+     "Cannot write the scratch file beside \"%1\" completely."},
+    {FailCode::Replace, "„%1“ kann nicht durch die neue Fassung ersetzt werden.",
+     "Cannot put the new version in place of \"%1\"."},
+    {FailCode::Busy, "„%1“ wird gerade von einem anderen Programm geändert.",
+     "\"%1\" is being changed by another program."},
+    {FailCode::NotFound, "„%1“ gibt es nicht.", "\"%1\" doesn't exist."},
+    {FailCode::NotACatalogue, "„%1“ ist keine Katalogdatei.", "\"%1\" is not a catalogue file."},
+    {FailCode::Unreadable, "„%1“ kann nicht gelesen werden.", "Cannot read \"%1\"."},
+    {FailCode::Copy, "„%1“ kann nicht nach „%2“ kopiert werden.", "Cannot copy \"%1\" to \"%2\"."},
+    {FailCode::Remove, "„%1“ kann nicht gelöscht werden.", "Cannot delete \"%1\"."},
+    {FailCode::Rename, "„%1“ kann nicht in „%2“ umbenannt werden.", "Cannot rename \"%1\" to \"%2\"."},
+    {FailCode::FolderMissing, "Den Ordner „%1“ gibt es nicht.", "The folder \"%1\" doesn't exist."},
+    {FailCode::BadLabel, "„%1“ ist keine gültige Bezeichnung.", "\"%1\" is not a valid label."},
+    {FailCode::NoDisc, "Es gibt keinen Datenträger „%1“.", "There is no disc \"%1\"."},
+    {FailCode::Cancelled, "Abgebrochen; „%1“ ist unverändert.", "Cancelled; \"%1\" is unchanged."},
+};
+
+// One pass, so that a file name holding "%2" stays as it is.
+std::string Fill(const char* pattern, const Failure& f) {
+    std::string out;
+    for (const char* p = pattern; *p; ++p) {
+        if (p[0] == '%' && (p[1] == '1' || p[1] == '2')) {
+            out += p[1] == '1' ? f.path : f.other;
+            ++p;
+        } else {
+            out += *p;
+        }
+    }
+    return out;
+}
+
+}  // namespace
+
+std::string FailureText(const Failure& failure, int language) {
+    std::string text;
+    for (const Wording& w : kWordings)
+        if (w.code == failure.code) text = Fill(language == 0 ? w.german : w.english, failure);
+    if (text.empty()) return {};
+    if (failure.sysError != 0) {
+        text.pop_back();  // the full stop: the reason follows
+        text += " (";
+        text += std::strerror(failure.sysError);
+        text += ").";
+    }
+    return text;
+}
+
+}  // namespace ct
