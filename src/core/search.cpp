@@ -410,6 +410,31 @@ bool Matcher::TestDisc(std::string_view label, std::string_view headerLine) {
     return CompareText(nameOp_, l, term_) || CompareText(nameOp_, d, term_);
 }
 
+bool Matcher::SectionNeedle(bool folderSection, scan::Needle& needle) const {
+    auto positive = [](SearchOp op) {
+        return op == SearchOp::Equal || op == SearchOp::Contains || op == SearchOp::BeginsWith ||
+               op == SearchOp::EndsWith;
+    };
+    // A term with a line end in it is in no line; the plain reader finds that out.
+    auto usable = [](std::string_view s) {
+        return !s.empty() && s.find('\r') == std::string_view::npos && s.find('\n') == std::string_view::npos;
+    };
+    // "Ends with" shortens the term at each folder line it tests, so there
+    // every folder line is tested while the term still ends in a backslash.
+    const bool shrinking = folderSection && nameOp_ == SearchOp::EndsWith && !term_.empty() && term_.back() == '\\';
+    if (checkName_ && positive(nameOp_) && termRawSafe_ && usable(term_) && !shrinking) {
+        needle = scan::Needle(term_, true);
+        return true;
+    }
+    // The description test is exact: an ASCII text has the same bytes in
+    // every encoding a line may have, and no other character yields them.
+    if (checkDescription_ && positive(descriptionOp_) && usable(description_) && IsAscii(description_)) {
+        needle = scan::Needle(description_, false);
+        return true;
+    }
+    return false;
+}
+
 bool Matcher::FieldTests(std::string_view attributes, std::string_view time,
                          std::string_view description) {
     if (checkAttributes_ && attributes != wantedAttributes_) return false;
@@ -524,11 +549,59 @@ namespace {
 constexpr std::size_t kReadBlock = std::size_t{64} << 10;
 }  // namespace
 
+namespace {
+
+enum class Step { Next, FileEnded, Stop };
+
+// One section of a catalogue: its lines up to the first empty line (read and
+// dropped) or the end of the file, each handed to `test`, which says whether
+// the run goes on. With a needle, only the lines that hold it are handed out:
+// one vector pass per block finds them and the empty line, and the runs of
+// lines between are passed over whole.
+template <class Test>
+Step ScanSection(LineReader& reader, const scan::Needle* needle, Test&& test) {
+    std::string_view line;
+    if (!needle) {
+        for (;;) {
+            if (!reader.NextRaw(line)) return Step::FileEnded;
+            if (line.empty()) return Step::Next;
+            if (!test(line)) return Step::Stop;
+        }
+    }
+    for (;;) {
+        const std::string_view block = reader.Buffered();
+        if (block.empty()) return Step::FileEnded;
+        bool empty = false;
+        std::size_t at = 0;
+        if (block[0] != '\r' && block[0] != '\n') {
+            at = scan::NextEvent(block.data(), block.size(), *needle, empty);
+            if (at == block.size()) {
+                reader.Skip(at);
+                continue;
+            }
+        } else {
+            empty = true;
+        }
+        if (empty) {
+            reader.Skip(at);
+            reader.NextRaw(line);  // the empty line that ends the section
+            return Step::Next;
+        }
+        while (at > 0 && block[at - 1] != '\r' && block[at - 1] != '\n') --at;
+        reader.Skip(at);
+        reader.NextRaw(line);
+        if (!test(line)) return Step::Stop;
+    }
+}
+
+}  // namespace
+
 SearchEnd RunSearch(const std::string& dataFolder, const SearchCriteria& c, HitSink& sink,
                     const SearchHooks& hooks) {
     Matcher matcher(c);
     const bool folders = c.kind == 1 || c.kind == 2;
     const bool files = c.kind == 0 || c.kind == 2;
+    const bool fast = hooks.prefilter;
     std::string path, hit;
     int counter = 1;
     auto add = [&](const std::string& text) {
@@ -536,6 +609,10 @@ SearchEnd RunSearch(const std::string& dataFolder, const SearchCriteria& c, HitS
         sink.Add(text);
         return true;
     };
+    // Lines of a section that isn't searched are only passed over: a needle
+    // no line holds finds nothing but the section's end.
+    const scan::Needle nothing;
+    scan::Needle needle;
     for (const SearchDisc& disc : c.discs) {
         if (!disc.marked) continue;
         {
@@ -544,18 +621,28 @@ SearchEnd RunSearch(const std::string& dataFolder, const SearchCriteria& c, HitS
             if (reader.IsOpen() && reader.NextRaw(line)) {
                 if (matcher.TestDisc(disc.label, line) && !add(disc.label)) return SearchEnd::HitLimit;
                 if (reader.NextRaw(line)) {  // line 2, empty
-                    bool more = true;
-                    while ((more = reader.NextRaw(line)) && !line.empty()) {
-                        if (folders && matcher.TestFolderLine(line, path)) {
-                            hit.assign(disc.label).append(1, '\\').append(path).append(1, '\\');
-                            if (!add(hit)) return SearchEnd::HitLimit;
-                        }
+                    auto onFolder = [&](std::string_view l) {
+                        if (!matcher.TestFolderLine(l, path)) return true;
+                        hit.assign(disc.label).append(1, '\\').append(path).append(1, '\\');
+                        return add(hit);
+                    };
+                    auto onFile = [&](std::string_view l) {
+                        if (!matcher.TestFileLine(l, path)) return true;
+                        hit.assign(disc.label).append(1, '\\').append(path);
+                        return add(hit);
+                    };
+                    const scan::Needle* n = nullptr;
+                    Step step;
+                    if (folders) {
+                        if (fast && matcher.SectionNeedle(true, needle)) n = &needle;
+                        step = ScanSection(reader, n, onFolder);
+                    } else {
+                        step = ScanSection(reader, fast ? &nothing : nullptr, [](std::string_view) { return true; });
                     }
-                    while (files && more && (more = reader.NextRaw(line)) && !line.empty()) {
-                        if (matcher.TestFileLine(line, path)) {
-                            hit.assign(disc.label).append(1, '\\').append(path);
-                            if (!add(hit)) return SearchEnd::HitLimit;
-                        }
+                    if (step == Step::Stop) return SearchEnd::HitLimit;
+                    if (files && step == Step::Next) {
+                        n = fast && matcher.SectionNeedle(false, needle) ? &needle : nullptr;
+                        if (ScanSection(reader, n, onFile) == Step::Stop) return SearchEnd::HitLimit;
                     }
                 }
             }

@@ -23,6 +23,7 @@
 #include <vector>
 
 #include "core/fixed.h"
+#include "core/scan.h"
 
 namespace ct {
 
@@ -146,6 +147,12 @@ public:
     bool TestFolderLine(std::string_view line, std::string& path);
     bool TestFileLine(std::string_view line, std::string& path);
 
+    // A needle that every line of the next section must hold to pass, when
+    // the criteria give one (a positive name or description test on a term
+    // whose bytes are found in the raw line whatever its encoding): then the
+    // lines without it need not be looked at. False when none applies.
+    bool SectionNeedle(bool folderSection, scan::Needle& needle) const;
+
     // The term as the next test sees it (upper-cased; a folder test with
     // "ends with" may have taken closing backslashes off).
     const std::string& SearchTerm() const { return term_; }
@@ -192,6 +199,9 @@ struct SearchHooks {
     std::function<void(int discCounter, std::size_t hits)> afterDisc;
     // Looked at after each marked disc, behind afterDisc.
     const bool* stopRequested = nullptr;
+    // Pass over the lines that can't match by block scans. Off only to check
+    // the fast path against the plain line-by-line reading: same hits.
+    bool prefilter = true;
 };
 
 enum class SearchEnd { Normal, Stopped, HitLimit };

@@ -9,6 +9,7 @@
 #include <memory>
 
 #include "core/catalogue.h"
+#include "core/scan.h"
 #include "core/text.h"
 
 namespace ct {
@@ -107,19 +108,13 @@ private:
         partial_ = false;
     }
 
-    // Every line end is a file line, empty lines included; a CR LF is one.
+    // Every line end is a file line, empty lines included; a CR LF is one
+    // (one vector pass per block; a pair that the block's end splits is
+    // joined by afterCr_ at the next block's start).
     void CountFiles(const char* p, std::size_t n) {
-        const char* end = p + n;
-        for (const char* c = p; (c = static_cast<const char*>(std::memchr(c, '\n', end - c))); ++c) ++files_;
-        for (const char* c = p; (c = static_cast<const char*>(std::memchr(c, '\r', end - c))); ++c) {
-            if (c + 1 < end) {
-                if (c[1] != '\n') ++files_;
-            } else {
-                ++files_;
-                afterCr_ = true;
-            }
-        }
-        partial_ = end[-1] != '\n' && end[-1] != '\r';
+        files_ += scan::CountLineEnds(p, n);
+        if (p[n - 1] == '\r') afterCr_ = true;
+        partial_ = p[n - 1] != '\n' && p[n - 1] != '\r';
     }
 
     At at_ = At::Header;

@@ -32,7 +32,7 @@ using StatisticsProgress = std::function<bool(std::size_t disc, std::size_t disc
 // for damaged files too.
 class CatalogueCounter {
 public:
-    explicit CatalogueCounter(std::size_t blockSize = std::size_t{1} << 18);
+    explicit CatalogueCounter(std::size_t blockSize = std::size_t{64} << 10);
     CatalogueCounts Count(const std::string& path);
 
 private:
