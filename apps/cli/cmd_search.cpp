@@ -6,10 +6,9 @@
 //          [--disc LABEL]...
 //
 // OP is one of equal, not-equal, contains, not-contains, begins, not-begins,
-// ends, not-ends, greater, less. The words are handed to the engine as its
-// operator texts, so the engine's rules (which box offers which operator, the
-// closing backslash, the disc test) apply unchanged. Without --name the disc
-// test still runs, on an empty term with "contains", as in the window.
+// ends, not-ends, greater, less, each one of the engine's operators. Without
+// --name the disc test still runs, on an empty term with "contains", as in
+// the window.
 #include <algorithm>
 #include <ostream>
 
@@ -27,10 +26,18 @@ const std::array<std::string, 10> kOperatorWords = {
     "equal", "not-equal", "contains", "not-contains", "begins",
     "not-begins", "ends", "not-ends", "greater", "less",
 };
+constexpr SearchOp kOperators[10] = {SearchOp::Equal,      SearchOp::NotEqual,      SearchOp::Contains,
+                                     SearchOp::NotContains, SearchOp::BeginsWith,   SearchOp::NotBeginsWith,
+                                     SearchOp::EndsWith,   SearchOp::NotEndsWith,   SearchOp::Greater,
+                                     SearchOp::Less};
 
 class CollectingSink : public HitSink {
 public:
-    void Add(const std::string& hit) override { hits.push_back(hit); }
+    bool Add(const std::string& hit) override {
+        if (hits.size() >= kHitLimit) return false;
+        hits.push_back(hit);
+        return true;
+    }
     std::size_t Count() const override { return hits.size(); }
     std::vector<std::string> hits;
 };
@@ -58,11 +65,13 @@ std::string TopicText(const Context& ctx, int topic) {
     return text.empty() ? TopicFallback(topic) : text;
 }
 
-bool IsOperatorWord(const std::string& word, bool numeric) {
+// The operator a word names, None when the option doesn't take it.
+SearchOp OperatorOfWord(const std::string& word, bool numeric) {
     const auto at = std::find(kOperatorWords.begin(), kOperatorWords.end(), word);
-    if (at == kOperatorWords.end()) return false;
+    if (at == kOperatorWords.end()) return SearchOp::None;
     const auto index = at - kOperatorWords.begin();
-    return numeric ? (index <= 1 || index >= 8) : index <= 7;
+    const bool offered = numeric ? (index <= 1 || index >= 8) : index <= 7;
+    return offered ? kOperators[index] : SearchOp::None;
 }
 
 int RunSearchCommand(Context& ctx) {
@@ -71,10 +80,9 @@ int RunSearchCommand(Context& ctx) {
         return kError;
     }
     SearchCriteria c;
-    c.operatorTexts = kOperatorWords;
     c.noAttributesText = "none";
     c.checkName = false;
-    c.nameOperator = "contains";
+    c.nameOperator = SearchOp::Contains;
 
     const std::string kind = ctx.args.Get("--kind", "both");
     if (kind == "files") c.kind = 0;
@@ -86,13 +94,14 @@ int RunSearchCommand(Context& ctx) {
     }
 
     for (const auto& [option, values] : ctx.args.pairs) {
-        const auto& [op, value] = values;
+        const auto& [word, value] = values;
         const bool numeric = option == "--size" || option == "--date";
-        if (!IsOperatorWord(op, numeric)) {
+        const SearchOp op = OperatorOfWord(word, numeric);
+        if (op == SearchOp::None) {
             *ctx.err << "cartulon-cli search: " << option << " takes "
                      << (numeric ? "equal, not-equal, greater or less"
                                  : "equal, not-equal, contains, not-contains, begins, not-begins, ends or not-ends")
-                     << ", not '" << op << "'\n";
+                     << ", not '" << word << "'\n";
             return kError;
         }
         if (option == "--name") {
@@ -122,8 +131,7 @@ int RunSearchCommand(Context& ctx) {
     WalkList folders, files;
     WalkFolder(ctx.dataFolder, folders, files);
     std::vector<std::string> labels = LabelsOf(files);
-    std::stable_sort(labels.begin(), labels.end(),
-                     [](const std::string& a, const std::string& b) { return ListOrderLess(a, b); });
+    SortForList(labels);
     const std::vector<std::string> wanted = ctx.args.GetAll("--disc");
     for (const std::string& label : wanted) {
         if (std::find(labels.begin(), labels.end(), label) == labels.end()) {
@@ -143,8 +151,7 @@ int RunSearchCommand(Context& ctx) {
 
     CollectingSink sink;
     const SearchEnd end = RunSearch(ctx.dataFolder, c, sink);
-    std::stable_sort(sink.hits.begin(), sink.hits.end(),
-                     [](const std::string& a, const std::string& b) { return ListOrderLess(a, b); });
+    SortForList(sink.hits);
     std::string out;
     for (const std::string& hit : sink.hits) out.append(hit).push_back('\n');
     *ctx.out << out;

@@ -211,6 +211,17 @@ SearchOp NumberOperator(const std::array<std::string, 10>& texts, std::string_vi
     return SearchOp::None;
 }
 
+namespace {
+// An operator a box doesn't offer turns its test off, as a text it doesn't
+// offer does.
+SearchOp TextOnly(SearchOp op) { return op == SearchOp::Greater || op == SearchOp::Less ? SearchOp::None : op; }
+SearchOp NumberOnly(SearchOp op) {
+    return op == SearchOp::Equal || op == SearchOp::NotEqual || op == SearchOp::Greater || op == SearchOp::Less
+               ? op
+               : SearchOp::None;
+}
+}  // namespace
+
 bool CompareText(SearchOp op, std::string_view t, std::string_view s) {
     switch (op) {
     case SearchOp::Equal: return t == s;
@@ -332,15 +343,15 @@ int CheckCriteria(const SearchCriteria& c) {
 
 Matcher::Matcher(const SearchCriteria& c)
     : term_(UpperCase(c.nameTerm)),
-      nameOp_(TextOperator(c.operatorTexts, c.nameOperator)),
+      nameOp_(TextOnly(c.nameOperator)),
       checkName_(c.checkName),
       checkSize_(c.checkSize),
       checkAttributes_(c.checkAttributes),
       checkDate_(c.checkDate),
       checkDescription_(c.checkDescription),
-      sizeOp_(NumberOperator(c.operatorTexts, c.sizeOperator)),
-      dateOp_(NumberOperator(c.operatorTexts, c.dateOperator)),
-      descriptionOp_(TextOperator(c.operatorTexts, c.descriptionOperator)),
+      sizeOp_(NumberOnly(c.sizeOperator)),
+      dateOp_(NumberOnly(c.dateOperator)),
+      descriptionOp_(TextOnly(c.descriptionOperator)),
       sizeLimit_(ParseLeadingDecimal(c.sizeText)),
       description_(c.descriptionText) {
     needFields_ = checkSize_ || checkAttributes_ || checkDate_ || checkDescription_;
@@ -542,12 +553,6 @@ bool Matcher::TestFileLine(std::string_view line, std::string& path) {
 
 // --- The run ---------------------------------------------------------------------------------
 
-namespace {
-// The read block of a search. Small enough to come from the heap, so that the
-// next catalogue gets the same memory back: a larger one is mapped afresh for
-// every catalogue, and its page faults and zeroing cost twice the search.
-constexpr std::size_t kReadBlock = std::size_t{64} << 10;
-}  // namespace
 
 namespace {
 
@@ -604,11 +609,7 @@ SearchEnd RunSearch(const std::string& dataFolder, const SearchCriteria& c, HitS
     const bool fast = hooks.prefilter;
     std::string path, hit;
     int counter = 1;
-    auto add = [&](const std::string& text) {
-        if (sink.Count() >= kHitLimit) return false;
-        sink.Add(text);
-        return true;
-    };
+    auto add = [&](const std::string& text) { return sink.Add(text); };
     // Lines of a section that isn't searched are only passed over: a needle
     // no line holds finds nothing but the section's end.
     const scan::Needle nothing;
@@ -616,7 +617,9 @@ SearchEnd RunSearch(const std::string& dataFolder, const SearchCriteria& c, HitS
     for (const SearchDisc& disc : c.discs) {
         if (!disc.marked) continue;
         {
-            LineReader reader(CataloguePath(dataFolder, disc.label), kReadBlock);
+            // 64 KiB by default: small enough to come from the heap, so that the
+            // next catalogue gets the same memory back without page faults.
+            LineReader reader(CataloguePath(dataFolder, disc.label), hooks.readBlock);
             std::string_view line;
             if (reader.IsOpen() && reader.NextRaw(line)) {
                 if (matcher.TestDisc(disc.label, line) && !add(disc.label)) return SearchEnd::HitLimit;
@@ -652,30 +655,6 @@ SearchEnd RunSearch(const std::string& dataFolder, const SearchCriteria& c, HitS
         ++counter;
     }
     return SearchEnd::Normal;
-}
-
-bool ListOrderLess(std::string_view a, std::string_view b) {
-    // Case folds to lower case, as the window lists compare: so '\\' and '_'
-    // sort before the letters, and a disc's hits follow the disc itself.
-    auto lower = [](unsigned char c) { return c >= 'A' && c <= 'Z' ? c + 32 : c; };
-    if (IsAscii(a) && IsAscii(b)) {
-        const std::size_t n = a.size() < b.size() ? a.size() : b.size();
-        for (std::size_t i = 0; i < n; ++i) {
-            const int x = lower(static_cast<unsigned char>(a[i]));
-            const int y = lower(static_cast<unsigned char>(b[i]));
-            if (x != y) return x < y;
-        }
-        if (a.size() != b.size()) return a.size() < b.size();
-        return a < b;
-    }
-    auto key = [&](std::string_view s) {
-        std::string k = UpperCase(s);
-        for (char& c : k) c = static_cast<char>(lower(static_cast<unsigned char>(c)));
-        return k;
-    };
-    const std::string ka = key(a), kb = key(b);
-    if (ka != kb) return ka < kb;
-    return a < b;
 }
 
 }  // namespace ct

@@ -67,11 +67,16 @@ const char* const kAttributeRows[] = {"R H",   "R H S",   "R H S A", "R H S A T"
                                       "H S",   "H S A",   "H S A T", "H S A T C", "S A",
                                       "S A T", "S A T C", "A T",     "A T C",     "T C"};
 
-// The hit list as the engine's receiver: each hit goes to its sorted place.
+// The hit list as the engine's receiver: each hit goes to its sorted place,
+// by its sort key made once; the list takes kHitLimit hits.
 class ListSink : public HitSink {
 public:
     explicit ListSink(ListBox* list) : list_(list) {}
-    void Add(const std::string& hit) override { list_->AddItem(Q(hit)); }
+    bool Add(const std::string& hit) override {
+        if (Count() >= kHitLimit) return false;
+        list_->AddItem(Q(hit), SortKey(hit));
+        return true;
+    }
     std::size_t Count() const override { return static_cast<std::size_t>(list_->count()); }
 
 private:
@@ -376,24 +381,27 @@ SearchCriteria frmSuchen::CriteriaFromControls() const {
     auto text = [](const QString& s) { return s.toStdString(); };
     c.kind = cboSuchen->currentIndex();
     c.checkName = CheckDateiOrdner->isChecked();
-    c.nameOperator = text(cboOperator->currentText());
+    // The operator texts of the language in force name the operators; a
+    // text that is none of them (typed, emptied) turns its test off.
+    std::array<std::string, 10> operatorTexts;
+    for (int i = 0; i < 10; ++i) operatorTexts[static_cast<std::size_t>(i)] = text(ResourceText(kOperatorBaseId + i));
+    c.nameOperator = TextOperator(operatorTexts, text(cboOperator->currentText()));
     c.nameTerm = text(txtSuchen->text());
     c.checkSize = CheckDateigröße->isChecked();
     c.sizeOperatorChosen = cboDateigröße->currentIndex() >= 0;
-    c.sizeOperator = text(cboDateigröße->currentText());
+    c.sizeOperator = NumberOperator(operatorTexts, text(cboDateigröße->currentText()));
     c.sizeText = text(txtDateigröße->text());
     c.checkAttributes = CheckAttribut->isChecked();
     c.attributesChosen = cboAttribut->currentIndex() >= 0;
     c.attributes = text(cboAttribut->currentText());
     c.checkDate = CheckDatum->isChecked();
     c.dateOperatorChosen = cboDatum->currentIndex() >= 0;
-    c.dateOperator = text(cboDatum->currentText());
+    c.dateOperator = NumberOperator(operatorTexts, text(cboDatum->currentText()));
     c.dateText = text(txtDatum->text());
     c.checkDescription = CheckBeschreibung->isChecked();
     c.descriptionOperatorChosen = cboBeschreibung->currentIndex() >= 0;
-    c.descriptionOperator = text(cboBeschreibung->currentText());
+    c.descriptionOperator = TextOperator(operatorTexts, text(cboBeschreibung->currentText()));
     c.descriptionText = text(txtBeschreibung->text());
-    for (int i = 0; i < 10; ++i) c.operatorTexts[static_cast<std::size_t>(i)] = text(ResourceText(kOperatorBaseId + i));
     c.noAttributesText = text(ResourceText(kNoAttributesBaseId));
     for (int i = 0; i < lstDaten->count(); ++i)
         c.discs.push_back({text(lstDaten->item(i)->text()), lstDaten->item(i)->checkState() == Qt::Checked});
