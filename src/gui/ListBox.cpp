@@ -71,42 +71,44 @@ void ListBox::AddItems(QStringList texts) {
     Quiet q(quiet_);
     // Each text's key once: a large disc's root lists tens of thousands of names.
     struct Keyed {
-        QByteArray key;
+        std::string key;
         QString text;
     };
     std::vector<Keyed> keyed;
     keyed.reserve(static_cast<std::size_t>(texts.size()));
     for (QString& t : texts) {
-        QByteArray key = keyFor(t, SortKey(t.toStdString()));
-        keyed.push_back({std::move(key), std::move(t)});
+        const QByteArray k = keyFor(t, SortKey(t.toStdString()));
+        keyed.push_back({k.toStdString(), std::move(t)});
     }
-    std::stable_sort(keyed.begin(), keyed.end(), [](const Keyed& a, const Keyed& b) { return a.key < b.key; });
+    std::sort(keyed.begin(), keyed.end(), [](const Keyed& a, const Keyed& b) { return a.key < b.key; });
+    texts.clear();
+    if (count() == 0) {
+        for (Keyed& k : keyed) texts.append(std::move(k.text));
+        addItems(texts);
+        return;
+    }
     // Merge with what stands in the list, keeping the choice on its item.
     const int chosen = ListIndex();
     std::vector<Keyed> old;
     old.reserve(static_cast<std::size_t>(count()));
-    for (int i = 0; i < count(); ++i) old.push_back({keyOf(i), item(i)->text()});
-    std::vector<Keyed> merged;
-    merged.reserve(old.size() + keyed.size());
+    for (int i = 0; i < count(); ++i) old.push_back({keyOf(i).toStdString(), item(i)->text()});
+    texts.reserve(static_cast<qsizetype>(old.size() + keyed.size()));
     int newChosen = -1;
     auto a = old.begin();
     auto b = keyed.begin();
     while (a != old.end() || b != keyed.end()) {
         const bool takeOld = b == keyed.end() || (a != old.end() && !(b->key < a->key));
         if (takeOld) {
-            if (a - old.begin() == chosen) newChosen = static_cast<int>(merged.size());
-            merged.push_back(std::move(*a++));
+            if (a - old.begin() == chosen) newChosen = static_cast<int>(texts.size());
+            texts.append(std::move((a++)->text));
         } else {
-            merged.push_back(std::move(*b++));
+            texts.append(std::move((b++)->text));
         }
     }
     // One insertion of all rows; their keys are made again only if single
     // items are added later (a few per binary search).
-    QStringList sorted;
-    sorted.reserve(static_cast<qsizetype>(merged.size()));
-    for (Keyed& k : merged) sorted.append(std::move(k.text));
     QListWidget::clear();
-    addItems(sorted);
+    addItems(texts);
     if (newChosen >= 0) setCurrentRow(newChosen, QItemSelectionModel::ClearAndSelect);
 }
 

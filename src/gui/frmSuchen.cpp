@@ -67,20 +67,34 @@ const char* const kAttributeRows[] = {"R H",   "R H S",   "R H S A", "R H S A T"
                                       "H S",   "H S A",   "H S A T", "H S A T C", "S A",
                                       "S A T", "S A T C", "A T",     "A T C",     "T C"};
 
-// The hit list as the engine's receiver: each hit goes to its sorted place,
-// by its sort key made once; the list takes kHitLimit hits.
+// The hit list as the engine's receiver; the list takes kHitLimit hits. The
+// hits of one disc wait until the disc is done (the window shows nothing in
+// between anyway) and then go in at once: a large batch sorted on keys made
+// once and merged, a small one each at its sorted place.
 class ListSink : public HitSink {
 public:
     explicit ListSink(ListBox* list) : list_(list) {}
     bool Add(const std::string& hit) override {
         if (Count() >= kHitLimit) return false;
-        list_->AddItem(Q(hit), SortKey(hit));
+        pending_.push_back(hit);
         return true;
     }
-    std::size_t Count() const override { return static_cast<std::size_t>(list_->count()); }
+    std::size_t Count() const override { return static_cast<std::size_t>(list_->count()) + pending_.size(); }
+    void Flush() {
+        if (pending_.size() * 8 >= static_cast<std::size_t>(list_->count())) {
+            QStringList texts;
+            texts.reserve(static_cast<qsizetype>(pending_.size()));
+            for (const std::string& h : pending_) texts.append(Q(h));
+            list_->AddItems(std::move(texts));
+        } else {
+            for (const std::string& h : pending_) list_->AddItem(Q(h), SortKey(h));
+        }
+        pending_.clear();
+    }
 
 private:
     ListBox* list_;
+    std::vector<std::string> pending_;
 };
 
 }  // namespace
@@ -439,12 +453,14 @@ void frmSuchen::cmdSuchen_Click() {
     ListSink sink(lstDateien);
     SearchHooks hooks;
     hooks.stopRequested = &StopRequested;
-    hooks.afterDisc = [this](int discCounter, std::size_t hits) {
+    hooks.afterDisc = [this, &sink](int discCounter, std::size_t hits) {
+        sink.Flush();
         ProgressBar->setValue(discCounter);
         lblT->setText(QString::number(hits));
         QCoreApplication::processEvents();
     };
     const SearchEnd end = RunSearch(Start::DataFolder, criteria, sink, hooks);
+    sink.Flush();
     running_ = false;
     if (end == SearchEnd::Stopped) {
         Normal();
