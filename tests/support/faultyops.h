@@ -16,8 +16,10 @@ enum class Fault { None, Create, Write, Sync, Close, Rename, Copy, Remove };
 
 class FaultyOps : public FileOps {
 public:
-    explicit FaultyOps(Fault fault = Fault::None, int atCall = 1) : fault_(fault), at_(atCall) {}
+    explicit FaultyOps(Fault f = Fault::None, int atCall = 1) : fault(f), at(atCall) {}
 
+    Fault fault;
+    int at;                        // the first call that fails, counted from 1
     std::vector<std::string> log;  // "create PATH", "rename FROM TO", ...
     bool sameFileSystem = true;
 
@@ -68,13 +70,12 @@ private:
     };
 
     bool Fails(Fault op, std::string* e) {
-        if (op != fault_ || ++calls_ < at_) return false;
+        if (op != fault || ++calls_ < at) return false;
         if (e) *e = "Input/output error";
         return true;
     }
 
-    Fault fault_;
-    int at_, calls_ = 0;
+    int calls_ = 0;
 };
 
 }  // namespace ct::test
