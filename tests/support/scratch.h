@@ -50,6 +50,8 @@ public:
         std::filesystem::create_directories(*this / rel);
         return *this / rel;
     }
+    std::string File(const std::string& rel, const std::string& bytes = "") const { return Write(rel, bytes); }
+    std::string Folder(const std::string& rel) const { return Mkdir(rel); }
 
 private:
     std::string path_;
