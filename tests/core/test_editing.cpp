@@ -126,21 +126,6 @@ INSTANTIATE_TEST_SUITE_P(
         RewriteRow{"CaseCounts", false, "\\bilder", "x", "", ""}),
     [](const auto& info) { return std::string(info.param.name); });
 
-TEST_F(Editing, TargetsFromSearchHitsChangeTheRightLines) {
-    WriteAll(data + "/CD1.idx", kCatalogue);
-    std::string label, path, error;
-    bool folder = false;
-    ASSERT_TRUE(ct::TargetFromHit("CD1\\\\a\\", label, path, &folder));
-    EXPECT_TRUE(folder);
-    ASSERT_TRUE(ct::DescriptionRewrite(ops, program, data, label, false, path, "from hit", &error));
-    ASSERT_TRUE(ct::TargetFromHit("CD1\\\\p1.jpg", label, path, &folder));
-    EXPECT_FALSE(folder);
-    ASSERT_TRUE(ct::DescriptionRewrite(ops, program, data, label, false, path, "root file", &error));
-    std::string expected = Replaced(kCatalogue, "|folder a\r\n", "|from hit\r\n");
-    expected = Replaced(expected, "|a|b\r\n", "|a|root file\r\n");
-    EXPECT_EQ(ReadAll(data + "/CD1.idx"), expected);
-}
-
 struct HitRow {
     const char* name;
     const char* hit;
@@ -211,19 +196,6 @@ TEST_F(Editing, ScratchNeverLooksLikeACatalogue) {
     EXPECT_EQ(ct::RewriteScratchPath(ops, program, data, "temp"), data + "/.temp.idx.part");
     std::string label;
     EXPECT_FALSE(ct::LabelOfCatalogueName(inProgram, label));
-}
-
-TEST_F(Editing, CleanScratchFilesTakesOnlyLeftovers) {
-    const std::string other = (root / "elsewhere").string();
-    fs::create_directories(other);
-    WriteAll(data + "/.temp.idx.part", "x");
-    WriteAll(data + "/temp.idx", "a disc");
-    WriteAll(other + "/.CD1.idx.part", "x");
-    WriteAll(other + "/CD1.idx", "a disc");
-    WriteAll(other + "/.hidden.idx", "a disc");
-    EXPECT_EQ(ct::CleanScratchFiles(ops, program, other), 2);
-    EXPECT_EQ(Names(data), std::vector<std::string>{"temp.idx"});
-    EXPECT_EQ(Names(other), (std::vector<std::string>{".hidden.idx", "CD1.idx"}));
 }
 
 // --- Label change -----------------------------------------------------------------

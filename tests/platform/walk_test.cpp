@@ -73,21 +73,6 @@ TEST(WalkFolder, DepthFirstInDeliveryOrderGoingDownAtOnce) {
     EXPECT_EQ(Names(gotFolders).size(), 3u);
 }
 
-TEST(WalkFolder, LinkToAFolderIsAFileAndNotWalked) {
-    Scratch s;
-    s.Folder("real");
-    s.File("real/inside");
-    ASSERT_EQ(symlink((s / "real").c_str(), (s / "link").c_str()), 0);
-    ASSERT_EQ(symlink("/", (s / "rootlink").c_str()), 0);
-    WalkList folders, files;
-    WalkFolder(s.Path(), folders, files);
-    EXPECT_EQ(Names(folders), std::vector<std::string>{s / "real"});
-    ASSERT_NE(Find(files, s / "link"), nullptr);
-    EXPECT_NE(Find(files, s / "rootlink"), nullptr);
-    EXPECT_EQ(Find(files, s / "link/inside"), nullptr);
-    EXPECT_EQ(files.size(), 3u);
-}
-
 TEST(WalkFolder, UnreadableFolderAddsItsRecordOnly) {
     Scratch s;
     s.Folder("closed");
@@ -185,29 +170,6 @@ TEST(WalkFolder, SambaHiddenAndSystemFlagsCount) {
         ASSERT_NE(r, nullptr) << row.name;
         EXPECT_EQ(r->Attributes, row.attributes) << row.name;
     }
-}
-
-TEST(WalkFolder, SizeIsTheLow32BitsReadAsSigned) {
-    Scratch s;
-    s.File("five", "12345");
-    s.File("empty");
-    const struct {
-        const char* name;
-        off_t size;
-        std::int64_t expected;
-    } big[] = {
-        {"2GiB", off_t{1} << 31, -2147483648LL},
-        {"3GiB", off_t{3} << 30, -1073741824LL},
-        {"4GiB+7", (off_t{1} << 32) + 7, 7},
-    };
-    for (const auto& b : big) ASSERT_EQ(truncate(s.File(b.name).c_str(), b.size), 0) << b.name;
-    s.Folder("dir");
-    WalkList folders, files;
-    WalkFolder(s.Path(), folders, files);
-    EXPECT_EQ(Find(files, s / "five")->Size, Fixed::FromInt(5));
-    EXPECT_EQ(Find(files, s / "empty")->Size, Fixed::FromInt(0));
-    for (const auto& b : big) EXPECT_EQ(Find(files, s / b.name)->Size, Fixed::FromInt(b.expected)) << b.name;
-    EXPECT_EQ(Find(folders, s / "dir")->Size, Fixed::FromInt(0));
 }
 
 // The creation time where the file system keeps one, else the last write,
