@@ -165,51 +165,6 @@ TEST(CatalogueLines, SplitFromTheLeft) {
     EXPECT_EQ(f.Description, "c:\\temp|z");
 }
 
-struct RecordRow {
-    const char* name;
-    const char* line;
-    const char* path;
-    bool match;
-};
-
-class CatalogueRecordOf : public ::testing::TestWithParam<RecordRow> {};
-
-TEST_P(CatalogueRecordOf, WholeFirstField) {
-    EXPECT_EQ(ct::IsRecordOf(GetParam().line, GetParam().path), GetParam().match);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Rows, CatalogueRecordOf,
-    ::testing::Values(RecordRow{"Exact", "\\Bilder|R|t|", "\\Bilder", true},
-                      RecordRow{"PrefixOfLongerPath", "\\Bilder\\Urlaub|R|t|", "\\Bilder", false}),
-    [](const auto& info) { return std::string(info.param.name); });
-
-struct DirectlyRow {
-    const char* name;
-    const char* file;
-    const char* folder;
-    bool in;
-    const char* item;
-};
-
-class CatalogueLiesDirectlyIn : public ::testing::TestWithParam<DirectlyRow> {};
-
-TEST_P(CatalogueLiesDirectlyIn, ByPathFieldOnly) {
-    std::string_view item;
-    EXPECT_EQ(ct::LiesDirectlyIn(GetParam().file, GetParam().folder, &item), GetParam().in);
-    if (GetParam().in) {
-        EXPECT_EQ(item, GetParam().item);
-    }
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Rows, CatalogueLiesDirectlyIn,
-    ::testing::Values(
-        DirectlyRow{"RootFile", "\\liesmich.txt", ".", true, "liesmich.txt"},
-        DirectlyRow{"FileOfFolder", "\\Bilder\\index.htm", "\\Bilder", true, "index.htm"},
-        DirectlyRow{"LongerNamesakeFolder", "\\Bilder2\\a.jpg", "\\Bilder", false, ""}),
-    [](const auto& info) { return std::string(info.param.name); });
-
 // --- Reading ---------------------------------------------------------------
 
 TEST(CatalogueRead, ExampleBySections) {

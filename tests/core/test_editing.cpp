@@ -126,39 +126,6 @@ INSTANTIATE_TEST_SUITE_P(
         RewriteRow{"CaseCounts", false, "\\bilder", "x", "", ""}),
     [](const auto& info) { return std::string(info.param.name); });
 
-struct HitRow {
-    const char* name;
-    const char* hit;
-    bool ok;
-    const char* label;
-    const char* path;
-    bool folder;
-};
-
-class HitTable : public ::testing::TestWithParam<HitRow> {};
-
-TEST_P(HitTable, SplitsLabelAndPath) {
-    const HitRow& row = GetParam();
-    std::string label = "unchanged", path = "unchanged";
-    bool folder = !row.folder;
-    ASSERT_EQ(ct::TargetFromHit(row.hit, label, path, &folder), row.ok);
-    if (!row.ok) {
-        EXPECT_EQ(label, "unchanged");
-        return;
-    }
-    EXPECT_EQ(label, row.label);
-    EXPECT_EQ(path, row.path);
-    EXPECT_EQ(folder, row.folder);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Hits, HitTable,
-    ::testing::Values(
-        HitRow{"Folder", "Fotos 2003\\\\Bilder\\Urlaub\\", true, "Fotos 2003", "\\Bilder\\Urlaub", true},
-        HitRow{"File", "Fotos 2003\\\\Bilder\\Urlaub\\p1.jpg", true, "Fotos 2003", "\\Bilder\\Urlaub\\p1.jpg", false},
-        HitRow{"DiscHitOpensNothing", "Fotos 2003", false, "", "", false}),
-    [](const auto& info) { return std::string(info.param.name); });
-
 // --- Faults -------------------------------------------------------------------
 
 struct FaultRow {

@@ -46,18 +46,6 @@ INSTANTIATE_TEST_SUITE_P(
         DamagedCase{"NameKeepsAmpersandAndBlanksInside", "@@  &Hinzufügen einer CD  \n", {"&Hinzufügen einer CD"}, 0}),
     [](const testing::TestParamInfo<DamagedCase>& info) { return std::string(info.param.name); });
 
-TEST(HelpFile, FindIsExactAndLenientFindForgivesAccessKeysAndCase) {
-    const auto file = ct::ParseHelpFile("@@ &Optionen\n@@ Inhalt\n@@ Über\n");
-    EXPECT_NE(file.Find("&Optionen"), nullptr);
-    EXPECT_EQ(file.Find("Optionen"), nullptr);
-    EXPECT_EQ(file.Find("inhalt"), nullptr);
-    ASSERT_NE(file.FindLenient("Optionen "), nullptr);
-    EXPECT_EQ(file.FindLenient("Optionen ")->name, "&Optionen");
-    EXPECT_EQ(file.FindLenient("INHALT")->name, "Inhalt");
-    EXPECT_EQ(file.FindLenient("über")->name, "Über");
-    EXPECT_EQ(file.FindLenient("Statistik"), nullptr);
-}
-
 // ---------------------------------------------------------------- arguments
 
 struct ArgCase {

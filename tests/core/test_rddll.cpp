@@ -140,23 +140,6 @@ std::string FullTextFile(const std::map<int, std::string>& replace = {}) {
     return out;
 }
 
-TEST(RDParseTexts, ReadsACompleteFile) {
-    std::vector<ct::RDEntry> texts;
-    std::string error;
-    const std::string content =
-        "\xEF\xBB\xBF" + FullTextFile({{10001, "10001\tZeile 1\\nZeile 2\\tTab \\\\ Ende"},
-                                       {10002, "10002\t#kein Kommentar & Größe"},
-                                       {10003, "   \t\n10003\tnach Leerzeile\r"}});
-    ASSERT_TRUE(ct::ParseTexts(content, "de.txt", texts, &error)) << error;
-    ASSERT_EQ(texts.size(), 112u);
-    EXPECT_EQ(texts[0].id, 10001);
-    EXPECT_EQ(texts[0].body, "Zeile 1\nZeile 2\tTab \\ Ende");
-    EXPECT_EQ(texts[1].body, "#kein Kommentar & Gr\xF6\xDF" "e");
-    EXPECT_EQ(texts[2].body, "nach Leerzeile");
-    EXPECT_EQ(texts[111].id, 10112);
-    EXPECT_EQ(texts[111].body, "Text 10112");
-}
-
 struct RefusalCase {
     const char* name;
     std::map<int, std::string> replace;

@@ -104,41 +104,6 @@ TEST(WalkFolder, UnreadableFolderAddsItsRecordOnly) {
     EXPECT_EQ(WEXITSTATUS(status), 0);
 }
 
-TEST(WalkFolder, AttributesAsWindowsShowsThem) {
-    Scratch s;
-    s.File("plain");
-    s.File("locked");
-    ASSERT_EQ(chmod((s / "locked").c_str(), 0444), 0);
-    s.File(".hidden");
-    s.File(".hidden-locked");
-    ASSERT_EQ(chmod((s / ".hidden-locked").c_str(), 0400), 0);
-    s.Folder("folder");
-    s.Folder(".hiddenfolder");
-    s.Folder("lockedfolder");
-    ASSERT_EQ(chmod((s / "lockedfolder").c_str(), 0555), 0);
-    WalkList folders, files;
-    WalkFolder(s.Path(), folders, files);
-
-    const struct {
-        const char* name;
-        bool folder;
-        const char* attributes;
-    } rows[] = {
-        {"plain", false, "A"},
-        {"locked", false, "R A"},
-        {".hidden", false, "H A"},
-        {".hidden-locked", false, "R H A"},
-        {"folder", true, ""},
-        {".hiddenfolder", true, "H"},
-        {"lockedfolder", true, "R"},
-    };
-    for (const auto& row : rows) {
-        const WalkRecord* r = Find(row.folder ? folders : files, s / row.name);
-        ASSERT_NE(r, nullptr) << row.name;
-        EXPECT_EQ(r->Attributes, row.attributes) << row.name;
-    }
-}
-
 // Samba keeps the hidden and system flags a Windows client set in an xattr.
 TEST(WalkFolder, SambaHiddenAndSystemFlagsCount) {
     Scratch s;
