@@ -120,7 +120,7 @@ TEST(SetAside, RenameFailureChangesNothing) {
     SetAsideFile file;
     std::string error;
     EXPECT_FALSE(ct::SetAside(disk, kData, "FOTOS", file, &error));
-    EXPECT_EQ(error, "rename refused: /data/FOTOS.idx");
+    EXPECT_NE(error.find("/data/FOTOS.idx"), std::string::npos) << error;
     EXPECT_TRUE(disk.Exists(kData + "/FOTOS.idx"));
 }
 
@@ -170,7 +170,7 @@ TEST(Restore, RenameFailureKeepsTheSetAsideFile) {
     disk.failRename.insert(file.path);
     std::string error;
     EXPECT_EQ(ct::Restore(disk, disk, kData, file, &error), RestoreResult::Failed);
-    EXPECT_EQ(error, "rename refused: /data/.FOTOS.idx.reread");
+    EXPECT_NE(error.find("/data/.FOTOS.idx.reread"), std::string::npos) << error;
     EXPECT_EQ(disk.files[file.path], "old");
 }
 
