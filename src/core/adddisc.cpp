@@ -48,6 +48,11 @@ public:
         return Tick();
     }
 
+    void Progress(std::size_t entries) override {
+        if (request_.progress) request_.progress(entries);
+        if (request_.cancelled && request_.cancelled()) cancelled = true;
+    }
+
     std::size_t folders = 0, files = 0;
     bool ok = true;  // every line so far went into its scratch file
     bool cancelled = false;
@@ -87,7 +92,7 @@ bool AppendFile(FileOps& ops, const std::string& from, OutFile& out) {
 
 WalkSummary DiscSource::Walk(const std::string& path, WalkSink& sink) {
     WalkList folders, files;
-    WalkFolder(path, folders, files, {});
+    WalkFolder(path, folders, files, [&sink](std::size_t entries) { sink.Progress(entries); });
     WalkSummary summary;
     // Folders and files come as two lists here; each goes to the sink in its
     // own order, which is all a catalogue keeps of the walk.
@@ -160,6 +165,8 @@ AddOutcome AddDisc(const AddRequest& request, DiscSource& source, FileOps& ops) 
     outcome.files = sink.files;
     outcome.unreadable = walked.unreadable;
     if (request.progress) request.progress(sink.folders + sink.files);
+    // A stop asked for at the very end still counts: the user saw no success.
+    if (!sink.cancelled && request.cancelled && request.cancelled()) sink.cancelled = true;
     if (sink.cancelled) return drop(Fail(FailCode::Cancelled, outcome.cataloguePath), AddResult::Cancelled);
 
     if (!sink.ok || !folderLines.Line("") || !folderLines.Flush() || !fileLines.Flush() ||

@@ -16,6 +16,8 @@ public:
     virtual ~WalkSink() = default;
     virtual bool Folder(const WalkRecord& folder) = 0;
     virtual bool File(const WalkRecord& file) = 0;
+    // Entries found so far, from sources that count for themselves.
+    virtual void Progress(std::size_t) {}
 };
 
 struct WalkSummary {
