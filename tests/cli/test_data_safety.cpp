@@ -18,12 +18,12 @@
 #include "core/fixed.h"
 #include "core/reread.h"
 #include "platform/walk.h"
-#include "scratch.h"
+#include "support/scratch.h"
 
 namespace ct {
 namespace {
 
-using test::ReadFile;
+using test::ReadAll;
 using test::Scratch;
 
 struct CliRun {
@@ -34,7 +34,7 @@ struct CliRun {
 // Runs cartulon-cli on `data`, stdout and stderr into one text.
 CliRun Cli(const Scratch& s, const std::string& data, std::vector<std::string> args) {
     const std::string log = s / "cli.log";
-    args.insert(args.begin(), std::string(CARTULON_STAGE_DIR) + "/cartulon-cli");
+    args.insert(args.begin(), CARTULON_CLI);
     args.insert(args.end(), {"--data-folder", data});
     const pid_t pid = fork();
     if (pid == 0) {
@@ -51,7 +51,7 @@ CliRun Cli(const Scratch& s, const std::string& data, std::vector<std::string> a
     }
     int status = 0;
     waitpid(pid, &status, 0);
-    return CliRun{WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadFile(log)};
+    return CliRun{WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadAll(log)};
 }
 
 std::string Catalogue(const std::string& tag, int files) {
@@ -92,7 +92,7 @@ TEST_P(TwoWriters, NoEditLostAndNoCatalogueMixedUp) {
         waitpid(child, &status, 0);
         ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "a writer hung or crashed";
     }
-    std::map<std::string, std::string> files{{"A", ReadFile(data + "/A.idx")}, {"B", ReadFile(data + "/B.idx")}};
+    std::map<std::string, std::string> files{{"A", ReadAll(data + "/A.idx")}, {"B", ReadAll(data + "/B.idx")}};
     int stored = 0;
     for (int k = 0; k < 2; ++k) {
         std::ifstream report(s / ("report" + std::to_string(k)));
@@ -134,8 +134,8 @@ TEST(LabelArguments, HostileLabelsAreRefused) {
             EXPECT_EQ(run.code, 2) << args[0] << " " << label << ": " << run.output;
         }
     }
-    EXPECT_EQ(ReadFile(victim), Catalogue("V", 1));
-    EXPECT_EQ(ReadFile(data + "/CD.idx"), Catalogue("C", 1));
+    EXPECT_EQ(ReadAll(victim), Catalogue("V", 1));
+    EXPECT_EQ(ReadAll(data + "/CD.idx"), Catalogue("C", 1));
 }
 
 // A FIFO, a folder and a link to a FIFO named like catalogues: every command
@@ -184,8 +184,8 @@ TEST(CleanUp, TakesOnlyScratchFilesNobodyHolds) {
 TEST(Walk, DepthCostsNoDescriptors) {
     Scratch s;
     std::string deep = s.Folder("disc");
-    for (int i = 0; i < 120; ++i) deep = s.Folder(deep.substr(s.path().size() + 1) + "/d");
-    s.File(deep.substr(s.path().size() + 1) + "/bottom.txt", "x");
+    for (int i = 0; i < 120; ++i) deep = s.Folder(deep.substr(s.Path().size() + 1) + "/d");
+    s.File(deep.substr(s.Path().size() + 1) + "/bottom.txt", "x");
     const pid_t pid = fork();
     if (pid == 0) {
         alarm(30);
@@ -218,7 +218,7 @@ TEST(ReRead, CancelledWalkRestoresTheOldCatalogue) {
     EXPECT_EQ(outcome.result, AddResult::Cancelled);
     EXPECT_LT(outcome.files, 2000u);
     EXPECT_EQ(Restore(SystemDiscSource(), SystemFileOps(), data, aside, nullptr), RestoreResult::Restored);
-    EXPECT_EQ(ReadFile(data + "/CD.idx"), old);
+    EXPECT_EQ(ReadAll(data + "/CD.idx"), old);
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(data), {}), 1) << "scratch files left";
 }
 
