@@ -10,12 +10,12 @@
 #include <vector>
 
 #include "platform/volume.h"
-#include "scratch.h"
+#include "support/scratch.h"
 
 namespace ct {
 namespace {
 
-using test::ReadFile;
+using test::ReadAll;
 using test::Scratch;
 
 bool HaveTool(const std::string& name) {
@@ -32,12 +32,6 @@ bool RunQuiet(const std::string& command) { return std::system((command + " >/de
 
 void WriteFile(const std::string& path, const std::string& bytes) {
     std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
-}
-
-void Patch(const std::string& path, std::size_t at, const std::string& bytes) {
-    std::fstream f(path, std::ios::binary | std::ios::in | std::ios::out);
-    f.seekp(static_cast<std::streamoff>(at));
-    f.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
 }
 
 // The serial Windows gives a CD: four byte-wise sums over one descriptor,
@@ -74,7 +68,7 @@ TEST(ProbeVolumeFile, JolietLabelAndSerialFromTheJolietDescriptor) {
         Scratch s;
         const std::string image = MakeIso(s, "disc.iso", row.label, true);
         ASSERT_FALSE(image.empty()) << row.label;
-        const std::string bytes = ReadFile(image);
+        const std::string bytes = ReadAll(image);
         // xorriso writes the primary descriptor at 16 and the Joliet one at 17.
         ASSERT_EQ(bytes[17 * 2048], 2) << row.label;
         ASSERT_EQ(bytes.substr(17 * 2048 + 88, 3), "%/E") << row.label;
@@ -86,33 +80,6 @@ TEST(ProbeVolumeFile, JolietLabelAndSerialFromTheJolietDescriptor) {
         EXPECT_EQ(label.serial, DescriptorSums(bytes, 17)) << row.label;
         EXPECT_NE(label.serial, DescriptorSums(bytes, 16)) << row.label;
     }
-}
-
-TEST(ProbeVolumeFile, PlainIsoReadsThePrimaryDescriptor) {
-    if (!HaveTool("xorriso")) GTEST_SKIP() << "xorriso is missing";
-    Scratch s;
-    const std::string image = MakeIso(s, "plain.iso", "PLAIN_DISC", false);
-    ASSERT_FALSE(image.empty());
-    VolumeLabel label;
-    ASSERT_TRUE(ProbeVolumeFile(image, label));
-    EXPECT_EQ(label.name, "PLAIN_DISC");
-    EXPECT_EQ(label.serial, DescriptorSums(ReadFile(image), 16));
-}
-
-TEST(ProbeVolumeFile, LastSessionIsReadFromItsStart) {
-    if (!HaveTool("xorriso")) GTEST_SKIP() << "xorriso is missing";
-    Scratch s;
-    const std::string image = MakeIso(s, "session.iso", "SECOND", true);
-    ASSERT_FALSE(image.empty());
-    const std::string bytes = ReadFile(image);
-    const std::string shifted = s / "shifted.iso";
-    WriteFile(shifted, std::string(300 * 2048, '\0') + bytes);
-    VolumeLabel label;
-    ASSERT_TRUE(ProbeVolumeFile(shifted, label, 300));
-    EXPECT_EQ(label.name, "SECOND");
-    EXPECT_EQ(label.serial, DescriptorSums(bytes, 17));
-    VolumeLabel fromStart;
-    EXPECT_FALSE(ProbeVolumeFile(shifted, fromStart, 0));
 }
 
 // A FAT boot sector made with a fixed serial and label.
@@ -149,159 +116,8 @@ TEST(ProbeVolumeFile, FatSerialAndLabel) {
     }
 }
 
-// Windows names a FAT volume by the label entry of its root folder; the copy
-// in the boot sector only counts where the root holds none.
-TEST(ProbeVolumeFile, FatRootLabelWinsOverTheBootSector) {
-    if (!HaveTool("mkfs.vfat")) GTEST_SKIP() << "mkfs.vfat is missing";
-    for (const bool fat32 : {false, true}) {
-        Scratch s;
-        const std::string image = MakeFat(s, "fat.img", fat32 ? "-F 32 -n FOTOS" : "-n FOTOS", fat32 ? 34000 : 8192);
-        ASSERT_FALSE(image.empty());
-        // Only the first two MiB matter: boot sector, FATs and the root's first cluster.
-        std::string bytes = ReadFile(image).substr(0, 2 << 20);
-        const std::size_t bootLabel = fat32 ? 0x47 : 0x2B;
-        ASSERT_EQ(bytes.substr(bootLabel, 11), "FOTOS      ");
-        bytes.replace(bootLabel, 11, "BOOTSECTOR ");
-        // The root entry, with an OEM (code page 850) umlaut: 0x9A is "Ü".
-        const std::size_t root = bytes.find(std::string("FOTOS      \x08", 12), 512);
-        ASSERT_NE(root, std::string::npos);
-        bytes[root + 1] = '\x9A';
-        Patch(image, 0, bytes);
-        VolumeLabel label;
-        ASSERT_TRUE(ProbeVolumeFile(image, label));
-        EXPECT_EQ(label.name, "F\xC3\x9CTOS") << fat32;
-
-        // Without the root entry (deleted) the boot sector's label stands.
-        Patch(image, root, "\xE5");
-        ASSERT_TRUE(ProbeVolumeFile(image, label));
-        EXPECT_EQ(label.name, "BOOTSECTOR") << fat32;
-    }
-}
-
-TEST(ProbeVolumeFile, ExfatSerialAndLabel) {
-    if (!HaveTool("mkfs.exfat") || !HaveTool("tune.exfat")) GTEST_SKIP() << "exfatprogs is missing";
-    Scratch s;
-    const std::string image = s / "exfat.img";
-    WriteFile(image, "");
-    ASSERT_EQ(truncate(image.c_str(), 8 << 20), 0);
-    ASSERT_TRUE(RunQuiet("mkfs.exfat -L " + Quote("Urlaub \xC3\xA4") + " " + Quote(image)));
-    ASSERT_TRUE(RunQuiet("tune.exfat -I 0xCAFE1234 " + Quote(image)));
-    VolumeLabel label;
-    ASSERT_TRUE(ProbeVolumeFile(image, label));
-    EXPECT_EQ(label.fileSystem, "exFAT");
-    EXPECT_EQ(label.serial, 0xCAFE1234u);
-    EXPECT_EQ(label.name, "Urlaub \xC3\xA4");
-}
-
-// An NTFS volume as far as the probe reads it: the boot sector, and the MFT
-// record of $Volume with its name, protected by the update sequence.
-std::string NtfsImage(const std::u16string& name, bool brokenFixup) {
-    std::string image(32 * 1024, '\0');
-    auto put16 = [&](std::size_t at, unsigned v) {
-        image[at] = static_cast<char>(v & 0xFF);
-        image[at + 1] = static_cast<char>(v >> 8);
-    };
-    image.replace(0, 11, "\xEB\x52\x90NTFS    ", 11);
-    put16(0x0B, 512);
-    image[0x0D] = 8;                       // 4 KiB clusters
-    image[0x30] = 4;                       // the MFT at cluster 4
-    image[0x40] = static_cast<char>(0xF6);  // records of 2^10 bytes
-    const unsigned char serial[8] = {0x78, 0x56, 0x34, 0x12, 0xF0, 0xDE, 0xBC, 0x9A};
-    for (int i = 0; i < 8; ++i) image[0x48 + i] = static_cast<char>(serial[i]);
-    image[510] = '\x55';
-    image[511] = '\xAA';
-    const std::size_t r = 4 * 4096 + 3 * 1024;
-    image.replace(r, 4, "FILE");
-    put16(r + 4, 0x30);  // update sequence: check number and two originals
-    put16(r + 6, 3);
-    put16(r + 0x14, 0x38);
-    put16(r + 0x30, 0x0007);
-    put16(r + 0x32, 0x0000);
-    put16(r + 0x34, 0x0000);
-    const std::size_t a = r + 0x38;
-    const std::size_t valueLength = name.size() * 2;
-    const std::size_t length = (0x18 + valueLength + 7) / 8 * 8;
-    put16(a, 0x60);
-    put16(a + 4, static_cast<unsigned>(length));
-    put16(a + 0x10, static_cast<unsigned>(valueLength));
-    put16(a + 0x14, 0x18);
-    for (std::size_t i = 0; i < name.size(); ++i) put16(a + 0x18 + 2 * i, name[i]);
-    put16(a + length, 0xFFFF);
-    put16(a + length + 2, 0xFFFF);
-    put16(r + 510, 0x0007);
-    put16(r + 1022, brokenFixup ? 0x0008 : 0x0007);
-    return image;
-}
-
-TEST(ProbeVolumeFile, NtfsSerialIsTheLowHalfAndTheNameComesFromVolume) {
-    Scratch s;
-    WriteFile(s / "ntfs.img", NtfsImage(u"Daten \u00E4", false));
-    VolumeLabel label;
-    ASSERT_TRUE(ProbeVolumeFile(s / "ntfs.img", label));
-    EXPECT_EQ(label.fileSystem, "NTFS");
-    EXPECT_EQ(label.serial, 0x12345678u);
-    EXPECT_EQ(label.name, "Daten \xC3\xA4");
-
-    // A record torn in writing gives no name; the serial still stands.
-    WriteFile(s / "torn.img", NtfsImage(u"Daten", true));
-    ASSERT_TRUE(ProbeVolumeFile(s / "torn.img", label));
-    EXPECT_EQ(label.serial, 0x12345678u);
-    EXPECT_EQ(label.name, "");
-}
-
-TEST(ProbeVolumeFile, NtfsMadeByMkntfs) {
-    if (!HaveTool("mkntfs")) GTEST_SKIP() << "mkntfs is missing";
-    Scratch s;
-    const std::string image = s / "ntfs.img";
-    WriteFile(image, "");
-    ASSERT_EQ(truncate(image.c_str(), 16 << 20), 0);
-    ASSERT_TRUE(RunQuiet("mkntfs -F -f -q -L " + Quote("Sicherung \xC3\x84") + " " + Quote(image)));
-    const std::string boot = ReadFile(image).substr(0, 512);
-    std::uint32_t serial = 0;
-    for (int i = 3; i >= 0; --i) serial = serial << 8 | static_cast<unsigned char>(boot[0x48 + i]);
-    VolumeLabel label;
-    ASSERT_TRUE(ProbeVolumeFile(image, label));
-    EXPECT_EQ(label.fileSystem, "NTFS");
-    EXPECT_EQ(label.serial, serial);
-    EXPECT_EQ(label.name, "Sicherung \xC3\x84");
-}
-
 // UDF: the logical volume's name, and the sums over the file set descriptor
 // read the other way round.
-TEST(ProbeVolumeFile, UdfMadeByMkudffs) {
-    if (!HaveTool("mkudffs")) GTEST_SKIP() << "mkudffs is missing";
-    const struct {
-        const char* options;
-        const char* name;
-    } rows[] = {
-        {"-m dvdr --lvid='Filme 2004 \xC3\xA4' --vid=Other", "Filme 2004 \xC3\xA4"},
-        {"-m hd --label=Logical", "Logical"},
-    };
-    for (const auto& row : rows) {
-        Scratch s;
-        const std::string image = s / "udf.img";
-        WriteFile(image, "");
-        ASSERT_EQ(truncate(image.c_str(), 20 << 20), 0);
-        ASSERT_TRUE(RunQuiet("mkudffs -b 2048 " + std::string(row.options) + " " + Quote(image))) << row.options;
-        const std::string bytes = ReadFile(image);
-        std::size_t fsd = 0;
-        for (std::size_t at = 257 * 2048; at + 2048 <= bytes.size(); at += 2048) {
-            if (bytes[at] == 0 && bytes[at + 1] == 1) {  // descriptor tag 256
-                fsd = at / 2048;
-                break;
-            }
-        }
-        ASSERT_NE(fsd, 0u) << row.options;
-        const std::uint32_t sums = DescriptorSums(bytes, fsd);
-        const std::uint32_t reversed = (sums & 0xFF) << 24 | (sums >> 8 & 0xFF) << 16 | (sums >> 16 & 0xFF) << 8 | sums >> 24;
-        VolumeLabel label;
-        ASSERT_TRUE(ProbeVolumeFile(image, label)) << row.options;
-        EXPECT_EQ(label.fileSystem, "UDF");
-        EXPECT_EQ(label.name, row.name);
-        EXPECT_EQ(label.serial, reversed) << row.options;
-    }
-}
-
 TEST(ProbeVolumeFile, DamagedOrForeignBytesAreNoVolume) {
     Scratch s;
     std::string noise(64 * 1024, '\0');
@@ -330,17 +146,6 @@ TEST(ProbeVolumeFile, DamagedOrForeignBytesAreNoVolume) {
     }
     VolumeLabel label;
     EXPECT_FALSE(ProbeVolumeFile(s / "missing", label));
-}
-
-TEST(ProbeVolumeFile, IsoCutShortAfterItsDescriptorStillNamesTheDisc) {
-    if (!HaveTool("xorriso")) GTEST_SKIP() << "xorriso is missing";
-    Scratch s;
-    const std::string image = MakeIso(s, "cut.iso", "CUT", false);
-    ASSERT_FALSE(image.empty());
-    WriteFile(image, ReadFile(image).substr(0, 17 * 2048));
-    VolumeLabel label;
-    ASSERT_TRUE(ProbeVolumeFile(image, label));
-    EXPECT_EQ(label.name, "CUT");
 }
 
 }  // namespace
