@@ -33,14 +33,14 @@ shape small "${SMALL_DISCS:-3000}" "${SMALL_FILES:-150}" 20 8
 
 GREP=(env LC_ALL=C grep -c -i -F Xylophon)
 row() {  # row SHAPE TARGET FIGURE REFNAME -- OURS... -- REF...
-    local data=$WORK/$1 target=$2 figure=$3 refname=$4; shift 4
+    local name=$1 data=$WORK/$1 target=$2 figure=$3 refname=$4; shift 4
     cat "$data"/*.idx > /dev/null
     local t
     t=$("$TIMER" "$RUNS" "$WORK/out" "$@")
     local hits
     hits=$(wc -l < "$WORK/out.a")
     read -r acpu _ awall _ bcpu _ bwall _ <<< "$t"
-    awk -v f="$figure ($1, $hits lines out)" -v ac="$acpu" -v aw="$awall" -v bc="$bcpu" -v bw="$bwall" \
+    awk -v f="$figure ($name, $hits lines out)" -v ac="$acpu" -v aw="$awall" -v bc="$bcpu" -v bw="$bwall" \
         -v ref="$refname" -v tg="$target" 'BEGIN {
         printf "%s|%.1f ms cpu, %.1f ms wall|%.1f ms cpu, %.1f ms wall (%s)|%.2f cpu, %.2f wall|%s\n",
             f, ac, aw, bc, bw, ref, ac / bc, aw / bw, tg }'
@@ -52,11 +52,11 @@ search_rows() {
         row "$s" "<= 0.6" "search, name $op Xylophon" "$ref" -- "$CLI" search --name $op Xylophon --data-folder "$d" \
             -- "${GREP[@]}" "$d"/*.idx
     done
-    row "$s" "<= 1.0" "search, date equal 14.03.2003 09:12:40" "$ref" -- "$CLI" search --date equal "14.03.2003 09:12:40" \
+    row "$s" "<= 1.0" "search, date equal 14.03.2003 09:12:40" "$ref" -- "$CLI" search --kind files --date equal "14.03.2003 09:12:40" \
         --data-folder "$d" -- "${GREP[@]}" "$d"/*.idx
-    row "$s" "<= 1.0" "search, description contains Xylophon" "$ref" -- "$CLI" search --description contains Xylophon \
+    row "$s" "<= 1.0" "search, description contains Xylophon" "$ref" -- "$CLI" search --kind files --description contains Xylophon \
         --data-folder "$d" -- "${GREP[@]}" "$d"/*.idx
-    row "$s" "<= 1.0" "search, size greater 2100000000" "$ref" -- "$CLI" search --size greater 2100000000 \
+    row "$s" "<= 1.0" "search, size greater 2100000000" "$ref" -- "$CLI" search --kind files --size greater 2100000000 \
         --data-folder "$d" -- "${GREP[@]}" "$d"/*.idx
     row "$s" "<= 1.0" "statistics" "wc -l" -- "$CLI" stats --data-folder "$d" -- wc -l "$d"/*.idx
 }

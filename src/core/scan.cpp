@@ -118,6 +118,30 @@ std::int64_t CountLineEnds(const char* p, std::size_t n) {
     return count;
 }
 
+std::size_t FindBars(const char* p, std::size_t n, std::size_t* at, std::size_t max) {
+    std::size_t found = 0, i = 0;
+    if (max == 0) return 0;
+#ifdef CT_SCAN_SSE2
+    if (g_vectors) {
+        const __m128i bar = _mm_set1_epi8('|');
+        for (; i + 16 <= n; i += 16) {
+            unsigned m = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(Load(p + i), bar)));
+            while (m) {
+                at[found++] = i + static_cast<std::size_t>(__builtin_ctz(m));
+                if (found == max) return found;
+                m &= m - 1;
+            }
+        }
+    }
+#endif
+    for (; i < n; ++i)
+        if (p[i] == '|') {
+            at[found++] = i;
+            if (found == max) return found;
+        }
+    return found;
+}
+
 Needle::Needle(std::string_view term, bool foldCase) : term_(term), fold_(foldCase) {
     if (fold_)
         for (char& c : term_) c = static_cast<char>(Upper(static_cast<unsigned char>(c)));

@@ -23,6 +23,10 @@ std::size_t FindLineEnd(const char* p, std::size_t n);
 // block boundary splits.
 std::int64_t CountLineEnds(const char* p, std::size_t n);
 
+// The places of the first `max` bars ('|') of p[0..n), in one pass; returns
+// how many there are (at most `max`).
+std::size_t FindBars(const char* p, std::size_t n, std::size_t* at, std::size_t max);
+
 // A term whose lines are the only ones that can match: its bytes, compared
 // with ASCII letters folded or exactly.
 class Needle {

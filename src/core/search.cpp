@@ -55,23 +55,18 @@ void UpperInto(std::string_view s, std::string& out) {
 // one is the rest of the line. Fields the line lacks stay empty.
 template <std::size_t N>
 void CutFields(std::string_view line, std::array<std::string_view, N>& f) {
+    std::size_t bars[N - 1];
+    const std::size_t found = scan::FindBars(line.data(), line.size(), bars, N - 1);
     std::size_t start = 0;
     for (std::size_t i = 0; i < N; ++i) {
-        if (start > line.size()) {
-            f[i] = {};
-            continue;
-        }
-        if (i + 1 == N) {
-            f[i] = line.substr(start);
-            break;
-        }
-        std::size_t bar = line.find('|', start);
-        if (bar == std::string_view::npos) {
-            f[i] = line.substr(start);
+        if (i < found) {
+            f[i] = line.substr(start, bars[i] - start);
+            start = bars[i] + 1;
+        } else if (i == found) {
+            f[i] = line.substr(start);  // the rest of the line
             start = line.size() + 1;
         } else {
-            f[i] = line.substr(start, bar - start);
-            start = bar + 1;
+            f[i] = {};
         }
     }
 }
@@ -286,6 +281,29 @@ bool ReadDate(std::string_view s, SearchTime& out) {
     return true;
 }
 
+namespace {
+// The form every catalogue line has, "dd.mm.yyyy hh:mm:ss", read without the
+// general reader; false for anything else, which then goes to ReadDate.
+bool ReadFixedDate(std::string_view s, SearchTime& out) {
+    if (s.size() != 19 || s[2] != '.' || s[5] != '.' || s[10] != ' ' || s[13] != ':' || s[16] != ':') return false;
+    int v[14];
+    static constexpr int kDigits[14] = {0, 1, 3, 4, 6, 7, 8, 9, 11, 12, 14, 15, 17, 18};
+    for (int k = 0; k < 14; ++k) {
+        const unsigned d = static_cast<unsigned char>(s[static_cast<std::size_t>(kDigits[k])]) - '0';
+        if (d > 9) return false;
+        v[k] = static_cast<int>(d);
+    }
+    const int day = v[0] * 10 + v[1], month = v[2] * 10 + v[3];
+    const int year = v[4] * 1000 + v[5] * 100 + v[6] * 10 + v[7];
+    const int hour = v[8] * 10 + v[9], minute = v[10] * 10 + v[11], second = v[12] * 10 + v[13];
+    if (year < 100) return false;
+    if (month < 1 || month > 12 || day < 1 || day > DaysInMonth(year, month)) return false;
+    if (hour > 23 || minute > 59 || second > 59) return false;
+    out = DaysFromCivil(year, month, day) * 86400 + hour * 3600 + minute * 60 + second;
+    return true;
+}
+}  // namespace
+
 std::string DateText(SearchTime time) {
     std::int64_t days = time / 86400, secs = time % 86400;
     if (secs < 0) {
@@ -451,7 +469,8 @@ bool Matcher::FieldTests(std::string_view attributes, std::string_view time,
     if (checkAttributes_ && attributes != wantedAttributes_) return false;
     if (checkDate_ && dateOp_ != SearchOp::None) {
         SearchTime t;
-        if (!ReadDate(time, t)) return false;  // an unreadable Time fails this line only
+        // An unreadable Time fails this line only.
+        if (!ReadFixedDate(time, t) && !ReadDate(time, t)) return false;
         if (!CompareNumber(dateOp_, t, dateLimit_)) return false;
     }
     if (checkDescription_ && !CompareText(descriptionOp_, description, description_)) return false;

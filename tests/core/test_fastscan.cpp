@@ -4,6 +4,7 @@
 // And the list order every list and the terminal tool share.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <random>
@@ -140,7 +141,7 @@ TEST(FastScan, SameHitsAsThePlainReader) {
     fs::remove_all(dir);
 }
 
-TEST(FastScan, LineEndsCountedAlikeOnBothPaths) {
+TEST(FastScan, LineEndsAndBarsFoundAlikeOnBothPaths) {
     std::mt19937 random(7);
     const char bytes[] = {'\r', '\n', 'a', '|'};
     for (int round = 0; round < 200; ++round) {
@@ -155,6 +156,11 @@ TEST(FastScan, LineEndsCountedAlikeOnBothPaths) {
             EXPECT_EQ(ct::scan::FindLineEnd(s.data(), s.size()), s.find_first_of("\r\n") == std::string::npos
                                                                      ? s.size()
                                                                      : s.find_first_of("\r\n"));
+            std::size_t at[4], want[4], n = 0;
+            for (std::size_t i = 0; i < s.size() && n < 4; ++i)
+                if (s[i] == '|') want[n++] = i;
+            ASSERT_EQ(ct::scan::FindBars(s.data(), s.size(), at, 4), n);
+            EXPECT_TRUE(std::equal(at, at + n, want));
         }
     }
     ct::scan::UseVectors(true);
