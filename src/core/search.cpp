@@ -283,8 +283,9 @@ bool ReadDate(std::string_view s, SearchTime& out) {
 
 namespace {
 // The form every catalogue line has, "dd.mm.yyyy hh:mm:ss", read without the
-// general reader; false for anything else, which then goes to ReadDate.
-bool ReadFixedDate(std::string_view s, SearchTime& out) {
+// general reader into a number that orders as the time does (yyyymmddhhmmss);
+// false for anything else, which then goes to ReadDate.
+bool FixedDateKey(std::string_view s, std::uint64_t& key) {
     if (s.size() != 19 || s[2] != '.' || s[5] != '.' || s[10] != ' ' || s[13] != ':' || s[16] != ':') return false;
     int v[14];
     static constexpr int kDigits[14] = {0, 1, 3, 4, 6, 7, 8, 9, 11, 12, 14, 15, 17, 18};
@@ -299,7 +300,7 @@ bool ReadFixedDate(std::string_view s, SearchTime& out) {
     if (year < 100) return false;
     if (month < 1 || month > 12 || day < 1 || day > DaysInMonth(year, month)) return false;
     if (hour > 23 || minute > 59 || second > 59) return false;
-    out = DaysFromCivil(year, month, day) * 86400 + hour * 3600 + minute * 60 + second;
+    key = ((((static_cast<std::uint64_t>(year) * 100 + month) * 100 + day) * 100 + hour) * 100 + minute) * 100 + second;
     return true;
 }
 }  // namespace
@@ -373,9 +374,13 @@ Matcher::Matcher(const SearchCriteria& c)
       sizeLimit_(ParseLeadingDecimal(c.sizeText)),
       description_(c.descriptionText) {
     needFields_ = checkSize_ || checkAttributes_ || checkDate_ || checkDescription_;
+    // Size and Time are read as numbers, the same from raw bytes as from the
+    // decoded line; only text comparisons need the line decoded.
+    textFields_ = checkAttributes_ || checkDescription_;
     if (c.attributes != kNoAttributesLiteral && c.attributes != c.noAttributesText)
         wantedAttributes_ = c.attributes;
     if (checkDate_ && !ReadDate(c.dateText, dateLimit_)) dateOp_ = SearchOp::None;
+    if (dateOp_ != SearchOp::None) FixedDateKey(DateText(dateLimit_), dateKey_);
     // Raw bytes may be searched for an ASCII term whatever a line's encoding,
     // as long as no other letter upper-cases into one of the term's: only the
     // dotless i and the long s do, into I and S.
@@ -468,10 +473,14 @@ bool Matcher::FieldTests(std::string_view attributes, std::string_view time,
                          std::string_view description) {
     if (checkAttributes_ && attributes != wantedAttributes_) return false;
     if (checkDate_ && dateOp_ != SearchOp::None) {
-        SearchTime t;
         // An unreadable Time fails this line only.
-        if (!ReadFixedDate(time, t) && !ReadDate(time, t)) return false;
-        if (!CompareNumber(dateOp_, t, dateLimit_)) return false;
+        std::uint64_t key;
+        if (FixedDateKey(time, key)) {
+            if (!CompareNumber(dateOp_, key, dateKey_)) return false;
+        } else {
+            SearchTime t;
+            if (!ReadDate(time, t) || !CompareNumber(dateOp_, t, dateLimit_)) return false;
+        }
     }
     if (checkDescription_ && !CompareText(descriptionOp_, description, description_)) return false;
     return true;
@@ -487,7 +496,7 @@ bool Matcher::TestFolderLine(std::string_view line, std::string& path) {
     std::size_t bar = line.find('|');
     if (bar == std::string_view::npos) return false;
     // Only the part that is looked at decides whether the line needs decoding.
-    if (!IsAscii(needFields_ ? line : line.substr(0, bar))) {
+    if (!IsAscii(textFields_ ? line : line.substr(0, bar))) {
         decoded_ = DecodeLine(line);
         line = decoded_;
         bar = line.find('|');
@@ -545,7 +554,7 @@ bool Matcher::TestFileLine(std::string_view line, std::string& path) {
             return true;
         }
     }
-    if (!IsAscii(needFields_ ? line : line.substr(0, bar))) {
+    if (!IsAscii(textFields_ ? line : line.substr(0, bar))) {
         decoded_ = DecodeLine(line);
         line = decoded_;
         bar = line.find('|');

@@ -170,10 +170,12 @@ private:
     bool checkName_;
     bool checkSize_, checkAttributes_, checkDate_, checkDescription_;
     bool needFields_;
+    bool textFields_;  // a field is compared as text: a line not plain ASCII is decoded
     bool termRawSafe_ = false;  // the term can be sought in undecoded bytes
     SearchOp sizeOp_, dateOp_, descriptionOp_;
     Fixed sizeLimit_;
     SearchTime dateLimit_ = 0;
+    std::uint64_t dateKey_ = 0;  // the limit as the stored form's ordering number
     std::string wantedAttributes_;
     std::string description_;
     // Skip distances by byte for "contains" (Horspool, case folded): most
