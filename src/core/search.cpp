@@ -54,9 +54,8 @@ void UpperInto(std::string_view s, std::string& out) {
 // The fields of a line cut from the left at its first `count` bars; the last
 // one is the rest of the line. Fields the line lacks stay empty.
 template <std::size_t N>
-void CutFields(std::string_view line, std::array<std::string_view, N>& f) {
-    std::size_t bars[N - 1];
-    const std::size_t found = scan::FindBars(line.data(), line.size(), bars, N - 1);
+void CutFields(std::string_view line, std::array<std::string_view, N>& f, const std::size_t* bars,
+               std::size_t found) {
     std::size_t start = 0;
     for (std::size_t i = 0; i < N; ++i) {
         if (i < found) {
@@ -69,6 +68,11 @@ void CutFields(std::string_view line, std::array<std::string_view, N>& f) {
             f[i] = {};
         }
     }
+}
+template <std::size_t N>
+void CutFields(std::string_view line, std::array<std::string_view, N>& f) {
+    std::size_t bars[N - 1];
+    CutFields(line, f, bars, scan::FindBars(line.data(), line.size(), bars, N - 1));
 }
 
 bool StartsWith(std::string_view t, std::string_view s) {
@@ -520,8 +524,19 @@ bool Matcher::TestFolderLine(std::string_view line, std::string& path) {
 }
 
 bool Matcher::TestFileLine(std::string_view line, std::string& path) {
-    std::size_t bar = line.find('|');
-    if (bar == std::string_view::npos) return false;
+    // With fields to test, the line's first bars are found in one pass.
+    std::size_t bars[4];
+    std::size_t barCount = 0;
+    bool barsKnown = needFields_;
+    std::size_t bar;
+    if (barsKnown) {
+        barCount = scan::FindBars(line.data(), line.size(), bars, 4);
+        if (barCount == 0) return false;
+        bar = bars[0];
+    } else {
+        bar = line.find('|');
+        if (bar == std::string_view::npos) return false;
+    }
     if (!needFields_) {
         // The pure name search: the own name alone is looked at, in place, and
         // the line is decoded only for a hit whose path isn't plain ASCII.
@@ -558,6 +573,7 @@ bool Matcher::TestFileLine(std::string_view line, std::string& path) {
         decoded_ = DecodeLine(line);
         line = decoded_;
         bar = line.find('|');
+        barsKnown = false;
     }
     const std::string_view p = line.substr(0, bar);
     if (checkName_ && nameOp_ != SearchOp::None) {
@@ -566,7 +582,10 @@ bool Matcher::TestFileLine(std::string_view line, std::string& path) {
     }
     if (needFields_) {
         std::array<std::string_view, 5> f;
-        CutFields(line, f);
+        if (barsKnown)
+            CutFields(line, f, bars, barCount);
+        else
+            CutFields(line, f);
         if (checkSize_ && sizeOp_ != SearchOp::None) {
             const Fixed size = ParseLeadingDecimal(f[1]);
             // A Size beyond the fixed-point range is no size at all.
