@@ -55,6 +55,49 @@ __attribute__((target("avx2"))) std::size_t CountLineEndsAvx2(const char* p, std
     }
     return i;
 }
+
+// NextEvent's vector loop, 32 bytes a step. Returns the place of the first
+// event, or through `reached` how far it looked without finding one.
+__attribute__((target("avx2"))) std::size_t NextEventAvx2(const char* p, std::size_t n, std::size_t m,
+                                                           const unsigned char ends[4], const Needle& needle,
+                                                           bool& emptyLine, std::size_t& reached) {
+    const __m256i cr = _mm256_set1_epi8(kCr), lf = _mm256_set1_epi8(kLf);
+    const __m256i firstOr = _mm256_set1_epi8(static_cast<char>(ends[0]));
+    const __m256i first = _mm256_set1_epi8(static_cast<char>(ends[1]));
+    const __m256i lastOr = _mm256_set1_epi8(static_cast<char>(ends[2]));
+    const __m256i last = _mm256_set1_epi8(static_cast<char>(ends[3]));
+    const std::size_t reach = m > 1 ? m - 1 : 1;
+    std::size_t i = 0;
+    for (; i + reach + 32 <= n; i += 32) {
+        const __m256i v = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p + i));
+        const __m256i next = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p + i + 1));
+        const __m256i tail = m > 0 ? _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p + i + m - 1)) : v;
+        const __m256i isCr = _mm256_cmpeq_epi8(v, cr);
+        const __m256i endsHere = _mm256_or_si256(isCr, _mm256_cmpeq_epi8(v, lf));
+        const __m256i nextEnds = _mm256_or_si256(_mm256_cmpeq_epi8(next, cr), _mm256_cmpeq_epi8(next, lf));
+        const __m256i crLf = _mm256_and_si256(isCr, _mm256_cmpeq_epi8(next, lf));
+        const unsigned empty = static_cast<unsigned>(
+            _mm256_movemask_epi8(_mm256_andnot_si256(crLf, _mm256_and_si256(endsHere, nextEnds))));
+        const unsigned cand = m == 0 ? 0u : static_cast<unsigned>(_mm256_movemask_epi8(
+            _mm256_and_si256(_mm256_cmpeq_epi8(_mm256_or_si256(v, firstOr), first),
+                             _mm256_cmpeq_epi8(_mm256_or_si256(tail, lastOr), last))));
+        unsigned any = empty | cand;
+        while (any) {
+            const unsigned bit = static_cast<unsigned>(__builtin_ctz(any));
+            if (empty >> bit & 1u) {
+                emptyLine = true;
+                return i + bit + 1;
+            }
+            if (needle.At(p + i + bit)) {
+                emptyLine = false;
+                return i + bit;
+            }
+            any &= any - 1;
+        }
+    }
+    reached = i;
+    return n;
+}
 #endif
 
 }  // namespace
@@ -167,6 +210,13 @@ std::size_t NextEvent(const char* p, std::size_t n, const Needle& needle, bool& 
     std::size_t i = 0;
 #ifdef CT_SCAN_SSE2
     if (g_vectors) {
+#ifdef CT_SCAN_AVX2
+        if (kHasAvx2) {
+            const unsigned char ends[4] = {needle.firstOr_, needle.first_, needle.lastOr_, needle.last_};
+            const std::size_t at = NextEventAvx2(p, n, m, ends, needle, emptyLine, i);
+            if (at != n) return at;
+        }
+#endif
         const __m128i cr = _mm_set1_epi8(kCr), lf = _mm_set1_epi8(kLf);
         const __m128i firstOr = _mm_set1_epi8(static_cast<char>(needle.firstOr_));
         const __m128i first = _mm_set1_epi8(static_cast<char>(needle.first_));
