@@ -1,12 +1,13 @@
-// cartulon-cli add ROOT --label LABEL [--description TEXT]: reads a folder or
-// a mounted volume into a new catalogue, by the same procedure as the add
-// dialog. A refused label changes nothing.
+// cartulon-cli add ROOT --label LABEL [--description TEXT]: reads a folder, a
+// mounted volume or a disc image (ISO 9660, UDF) into a new catalogue, by the
+// same procedure as the add dialog. A refused label changes nothing.
 #include <filesystem>
 #include <ostream>
 
 #include "cli.h"
 #include "core/adddisc.h"
 #include "core/fileops.h"
+#include "platform/image.h"
 #include "platform/walk.h"
 
 namespace ct::cli {
@@ -22,8 +23,9 @@ int RunAdd(Context& ctx) {
     std::error_code ec;
     // The dialog can't be given a drive that isn't there; a mistyped path
     // here would otherwise become an empty catalogue.
-    if (!std::filesystem::is_directory(pos[0], ec)) {
-        *ctx.err << "cartulon-cli: '" << pos[0] << "' is not a folder\n";
+    const auto image = ImageDiscSource(pos[0]);
+    if (!image && !std::filesystem::is_directory(pos[0], ec)) {
+        *ctx.err << "cartulon-cli: '" << pos[0] << "' is neither a folder nor a disc image\n";
         return kError;
     }
     if (!std::filesystem::is_directory(ctx.dataFolder, ec)) {
@@ -36,7 +38,7 @@ int RunAdd(Context& ctx) {
     request.label = ctx.args.Get("--label");
     request.description = ctx.args.Get("--description");
     request.dataFolder = ctx.dataFolder;
-    const AddOutcome outcome = AddDisc(request, SystemDiscSource(), SystemFileOps());
+    const AddOutcome outcome = AddDisc(request, image ? *image : SystemDiscSource(), SystemFileOps());
     switch (outcome.result) {
     case AddResult::Added:
         *ctx.out << "label: " << outcome.label << "\n"
@@ -65,7 +67,8 @@ int RunAdd(Context& ctx) {
 
 Registration reg{{"add",
                   "add ROOT --label LABEL [--description TEXT]\n"
-                  "              read a folder or a mounted volume into a new catalogue",
+                  "              read a folder, a mounted volume or a disc image (ISO 9660, UDF)\n"
+                  "              into a new catalogue",
                   {"--label", "--description"}, &RunAdd}};
 
 }  // namespace
