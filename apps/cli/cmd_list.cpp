@@ -1,7 +1,6 @@
 // cartulon-cli list: the discs as the disc list shows them: every catalogue
 // in the data folder and its sub-folders, sorted without regard to case.
 #include <algorithm>
-#include <filesystem>
 #include <ostream>
 
 #include "cli.h"
@@ -14,15 +13,6 @@ namespace ct::cli {
 namespace {
 
 int RunList(Context& ctx) {
-    if (!ctx.args.positional.empty()) {
-        *ctx.err << "usage: cartulon-cli list [--data-folder DIR]\n";
-        return kError;
-    }
-    std::error_code ec;
-    if (!std::filesystem::is_directory(ctx.dataFolder, ec)) {
-        *ctx.err << "cartulon-cli: the data folder '" << ctx.dataFolder << "' doesn't exist\n";
-        return kError;
-    }
     WalkList folders, files;
     WalkFolder(ctx.dataFolder, folders, files);
     std::vector<std::pair<std::string, std::string>> keyed;
@@ -32,7 +22,11 @@ int RunList(Context& ctx) {
     return keyed.empty() ? kNothing : kDone;
 }
 
-Registration reg{{"list", "list                         the discs of the data folder", {}, &RunList}};
+Registration reg{{
+    .name = "list",
+    .summary = {"die Datenträger des Datenordners, einer je Zeile", "the discs of the data folder, one a line"},
+    .run = &RunList,
+}};
 
 }  // namespace
 

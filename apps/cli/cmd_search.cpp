@@ -58,18 +58,7 @@ std::string TopicText(const Context& ctx, int topic) {
     return text.empty() ? TopicFallback(topic) : text;
 }
 
-bool IsOperatorWord(const std::string& word, bool numeric) {
-    const auto at = std::find(kOperatorWords.begin(), kOperatorWords.end(), word);
-    if (at == kOperatorWords.end()) return false;
-    const auto index = at - kOperatorWords.begin();
-    return numeric ? (index <= 1 || index >= 8) : index <= 7;
-}
-
 int RunSearchCommand(Context& ctx) {
-    if (!ctx.args.positional.empty()) {
-        *ctx.err << "cartulon-cli search: unexpected argument '" << ctx.args.positional.front() << "'\n";
-        return kError;
-    }
     SearchCriteria c;
     c.operatorTexts = kOperatorWords;
     c.noAttributesText = "none";
@@ -77,24 +66,10 @@ int RunSearchCommand(Context& ctx) {
     c.nameOperator = "contains";
 
     const std::string kind = ctx.args.Get("--kind", "both");
-    if (kind == "files") c.kind = 0;
-    else if (kind == "folders") c.kind = 1;
-    else if (kind == "both") c.kind = 2;
-    else {
-        *ctx.err << "cartulon-cli search: --kind is files, folders or both\n";
-        return kError;
-    }
+    c.kind = kind == "files" ? 0 : kind == "folders" ? 1 : 2;
 
     for (const auto& [option, values] : ctx.args.pairs) {
         const auto& [op, value] = values;
-        const bool numeric = option == "--size" || option == "--date";
-        if (!IsOperatorWord(op, numeric)) {
-            *ctx.err << "cartulon-cli search: " << option << " takes "
-                     << (numeric ? "equal, not-equal, greater or less"
-                                 : "equal, not-equal, contains, not-contains, begins, not-begins, ends or not-ends")
-                     << ", not '" << op << "'\n";
-            return kError;
-        }
         if (option == "--name") {
             c.checkName = true;
             c.nameOperator = op;
@@ -126,10 +101,8 @@ int RunSearchCommand(Context& ctx) {
                      [](const std::string& a, const std::string& b) { return ListOrderLess(a, b); });
     const std::vector<std::string> wanted = ctx.args.GetAll("--disc");
     for (const std::string& label : wanted) {
-        if (std::find(labels.begin(), labels.end(), label) == labels.end()) {
-            *ctx.err << "cartulon-cli search: no disc '" << label << "' in " << ctx.dataFolder << "\n";
-            return kError;
-        }
+        if (std::find(labels.begin(), labels.end(), label) == labels.end())
+            return ctx.Refuse(kNoDisc, {label, ctx.dataFolder});
     }
     for (const std::string& label : labels) {
         const bool marked = wanted.empty() || std::find(wanted.begin(), wanted.end(), label) != wanted.end();
@@ -153,13 +126,39 @@ int RunSearchCommand(Context& ctx) {
     return sink.hits.empty() ? kNothing : kDone;
 }
 
-Registration reg{{"search",
-                  "search [--kind files|folders|both] [--name OP TERM] [--size OP N] [--attributes TEXT|none] "
-                  "[--date OP DATE] [--description OP TEXT] [--disc LABEL]...   OP: equal not-equal contains "
-                  "not-contains begins not-begins ends not-ends greater less",
-                  {"--kind", "--attributes", "--disc"},
-                  &RunSearchCommand},
-                 {"--name", "--size", "--date", "--description"}};
+const std::vector<std::string> kTextOperators = {"equal",  "not-equal",  "contains", "not-contains",
+                                                  "begins", "not-begins", "ends",     "not-ends"};
+const std::vector<std::string> kNumberOperators = {"equal", "not-equal", "greater", "less"};
+
+Registration reg{{
+    .name = "search",
+    .summary = {"durchsucht die Datenträger wie das Suchfenster; ein Treffer je Zeile",
+                "search the discs as the search window does; one hit a line"},
+    .details = {"Alle Kriterien gelten zugleich. Der Name wird ohne Rücksicht auf Groß- und Kleinschreibung "
+                "verglichen, bei Dateien mit dem Dateinamen, bei Ordnern mit dem ganzen Pfad; die "
+                "Beschreibung genau.\n\n"
+                "OP für --name und --description: equal, not-equal, contains, not-contains, begins, "
+                "not-begins, ends, not-ends. OP für --size und --date: equal, not-equal, greater, less.",
+                "All criteria apply at once. The name is compared without regard to case, for a file its "
+                "own name, for a folder its whole path; the description exactly.\n\n"
+                "OP for --name and --description: equal, not-equal, contains, not-contains, begins, "
+                "not-begins, ends, not-ends. OP for --size and --date: equal, not-equal, greater, less."},
+    .options = {
+        {"--kind", Takes::Value, "files|folders|both",
+         {"was durchsucht wird (Vorgabe: both)", "what to search (default: both)"}, "",
+         {"files", "folders", "both"}},
+        {"--name", Takes::Pair, "OP TERM", {"der Name", "the name"}, "", kTextOperators},
+        {"--size", Takes::Pair, "OP N", {"die Größe in Bytes (nur Dateien)", "the size in bytes (files only)"},
+         "", kNumberOperators},
+        {"--attributes", Takes::Value, "TEXT|none",
+         {"genau diese Attribute, z. B. \"R H\", oder none", "exactly these attributes, e.g. \"R H\", or none"}},
+        {"--date", Takes::Pair, "OP DATE", {"das Datum", "the date"}, "", kNumberOperators},
+        {"--description", Takes::Pair, "OP TEXT", {"die Beschreibung", "the description"}, "", kTextOperators},
+        {"--disc", Takes::Value, "LABEL",
+         {"nur diesen Datenträger durchsuchen (mehrfach möglich)", "search only this disc (may repeat)"}},
+    },
+    .run = &RunSearchCommand,
+}};
 
 }  // namespace
 

@@ -27,16 +27,9 @@ std::string CatalogueFolder(std::string folder) {
 
 int RunShow(Context& ctx) {
     const auto& pos = ctx.args.positional;
-    if (pos.empty() || pos.size() > 2) {
-        *ctx.err << "usage: cartulon-cli show LABEL [FOLDER] [--data-folder DIR]\n";
-        return kError;
-    }
     const std::string path = CataloguePath(ctx.dataFolder, pos[0]);
     const CatalogueCounts counts = CountCatalogue(path);
-    if (!counts.opened) {
-        *ctx.err << "cartulon-cli: no disc '" << pos[0] << "' in " << ctx.dataFolder << "\n";
-        return kError;
-    }
+    if (!counts.opened) return ctx.Refuse(kNoDisc, {pos[0], ctx.dataFolder});
     std::ostream& out = *ctx.out;
     if (pos.size() == 1) {
         const DiscHeader h = SplitHeader(counts.headerLine);
@@ -65,7 +58,7 @@ int RunShow(Context& ctx) {
         }
     }
     if (!found) {
-        *ctx.err << "cartulon-cli: no folder '" << folder << "' on disc '" << pos[0] << "'\n";
+        ctx.Refuse({"keinen Ordner „%1“ auf dem Datenträger „%2“", "no folder '%1' on disc '%2'"}, {folder, pos[0]});
         return kNothing;
     }
     struct Item {
@@ -96,8 +89,17 @@ int RunShow(Context& ctx) {
     return kDone;
 }
 
-Registration reg{{"show", "show LABEL [FOLDER]          a disc's figures, or a folder's details and files",
-                  {}, &RunShow}};
+Registration reg{{
+    .name = "show",
+    .arguments = "LABEL [FOLDER]",
+    .minArgs = 1,
+    .maxArgs = 2,
+    .summary = {"die Angaben eines Datenträgers, oder eines Ordners mit seinen Dateien",
+                "a disc's figures, or a folder's details and its files"},
+    .details = {"FOLDER wie im Katalog (\\Bilder\\Urlaub, „/“ geht auch), „.“ für die Wurzel.",
+                "FOLDER as the catalogue has it (\\Bilder\\Urlaub, '/' does too), '.' for the root."},
+    .run = &RunShow,
+}};
 
 }  // namespace
 

@@ -20,10 +20,6 @@ std::string DecimalSeparator() {
 }
 
 int RunStats(Context& ctx) {
-    if (!ctx.args.positional.empty()) {
-        *ctx.err << "usage: cartulon-cli stats\n";
-        return kError;
-    }
     WalkList folders, files;
     WalkFolder(ctx.dataFolder, folders, files);
     const StatisticsTotals totals = CollectStatistics(ctx.dataFolder, LabelsOf(files));
@@ -52,7 +48,12 @@ int RunStats(Context& ctx) {
     return kDone;
 }
 
-Registration reg{{"stats", "stats                        the collection's figures", {}, &RunStats}};
+Registration reg{{
+    .name = "stats",
+    .summary = {"die Zahlen der Sammlung: Datenträger, Größe, Ordner, Dateien und die Mittelwerte je Datenträger",
+                "the collection's figures: discs, size, folders, files and the averages per disc"},
+    .run = &RunStats,
+}};
 
 }  // namespace
 
