@@ -60,10 +60,22 @@ struct Option {
 // "no disc '%1' in %2": a label with no catalogue in the data folder.
 extern const Tr kNoDisc;
 
-// Options several commands share.
-extern const Option kFormatOption;   // --format text|tsv|json
-extern const Option kSlashesOption;  // --slashes: paths with '/' in tsv, json and -0
-extern const Option kNullOption;     // -0, --null: hit paths ended by NUL
+// Options several commands share (inline, so that they are set up before
+// any command's Registration that uses them).
+inline const Option kFormatOption{"--format", Takes::Value, "text|tsv|json",
+                                  {"Ausgabe für Menschen (text, Vorgabe) oder für Programme: tsv (ein Datensatz "
+                                   "je Zeile, Felder durch Tabulator getrennt) oder json; immer UTF-8",
+                                   "output for people (text, the default) or for programs: tsv (one record a "
+                                   "line, fields separated by tabs) or json; always UTF-8"},
+                                  "", {"text", "tsv", "json"}};
+inline const Option kSlashesOption{"--slashes", Takes::Nothing, "",
+                                   {"Pfade mit „/“ statt „\\“ (tsv, json, -0)",
+                                    "paths with '/' in place of '\\' (tsv, json, -0)"}};
+inline const Option kNullOption{"--null", Takes::Nothing, "",
+                                {"nur die Pfade der Treffer, jeder mit einem NUL-Zeichen abgeschlossen (für "
+                                 "xargs -0)",
+                                 "only the hits' paths, each ended by a NUL character (for xargs -0)"},
+                                "-0"};
 
 struct Args {
     std::vector<std::string> positional;

@@ -184,20 +184,6 @@ int Finish(const Context& ctx, int code) {
 
 const Tr kNoDisc = {"keinen Datenträger „%1“ in %2", "no disc '%1' in %2"};
 
-const Option kFormatOption{"--format", Takes::Value, "text|tsv|json",
-                           {"Ausgabe für Menschen (text, Vorgabe) oder für Programme: tsv (ein Datensatz je "
-                            "Zeile, Felder durch Tabulator getrennt) oder json; immer UTF-8",
-                            "output for people (text, the default) or for programs: tsv (one record a line, "
-                            "fields separated by tabs) or json; always UTF-8"},
-                           "", {"text", "tsv", "json"}};
-const Option kSlashesOption{"--slashes", Takes::Nothing, "",
-                            {"Pfade mit „/“ statt „\\“ (tsv, json, -0)",
-                             "paths with '/' in place of '\\' (tsv, json, -0)"}};
-const Option kNullOption{"--null", Takes::Nothing, "",
-                         {"nur die Pfade der Treffer, jeder mit einem NUL-Zeichen abgeschlossen (für xargs -0)",
-                          "only the hits' paths, each ended by a NUL character (for xargs -0)"},
-                         "-0"};
-
 Registration::Registration(Command command) { Registry().push_back(std::move(command)); }
 
 const std::vector<Command>& Commands() { return Registry(); }
