@@ -6,6 +6,7 @@
 #include "cli.h"
 #include "core/catalogue.h"
 #include "core/text.h"
+#include "output.h"
 #include "platform/walk.h"
 
 namespace ct::cli {
@@ -18,13 +19,25 @@ int RunList(Context& ctx) {
     std::vector<std::pair<std::string, std::string>> keyed;
     for (std::string& label : LabelsOf(files)) keyed.emplace_back(UpperCase(DecodeLine(label)), std::move(label));
     std::stable_sort(keyed.begin(), keyed.end());
-    for (const auto& [key, label] : keyed) *ctx.out << label << "\n";
+    if (FormatOf(ctx) == Format::Text) {
+        for (const auto& [key, label] : keyed) *ctx.out << label << "\n";
+    } else {
+        Records records(ctx, {{"label"}, {"description"}});
+        for (const auto& [key, label] : keyed) {
+            if (ctx.OutputGone()) break;
+            CatalogueReader reader(CataloguePath(ctx.dataFolder, label));
+            records.Add({Value(ctx, label), Value(ctx, SplitHeader(reader.HeaderLine()).Description)});
+        }
+    }
     return keyed.empty() ? kNothing : kDone;
 }
 
 Registration reg{{
     .name = "list",
     .summary = {"die Datenträger des Datenordners, einer je Zeile", "the discs of the data folder, one a line"},
+    .details = {"tsv und json geben Bezeichnung und Beschreibung (label, description).",
+                "tsv and json give the label and the description (label, description)."},
+    .options = {kFormatOption},
     .run = &RunList,
 }};
 
