@@ -150,10 +150,27 @@ std::vector<Command> SortedCommands() {
     return commands;
 }
 
-std::string UsageLine(const Command& c) {
+// The command and its options, wrapped at 79 columns under the first word
+// after `lead` ("usage: ").
+std::string UsageLine(const Command& c, std::string_view lead = "") {
+    std::vector<std::string> parts;
+    if (!c.arguments.empty()) parts.push_back(c.arguments);
+    for (const Option& o : c.options)
+        parts.push_back(o.required ? Synopsis(o, false) : "[" + Synopsis(o, false) + "]");
     std::string line = "cartulon-cli " + c.name;
-    if (!c.arguments.empty()) line += " " + c.arguments;
-    for (const Option& o : c.options) line += o.required ? " " + Synopsis(o, false) : " [" + Synopsis(o, false) + "]";
+    const std::size_t indent = CharCount(lead) + line.size() + 1;
+    std::size_t column = indent;
+    for (const std::string& part : parts) {
+        if (column + 1 + CharCount(part) > 79 && column > indent) {
+            line += "\n" + std::string(indent, ' ');
+            column = indent;
+        } else {
+            line += ' ';
+            ++column;
+        }
+        line += part;
+        column += CharCount(part);
+    }
     return line;
 }
 
@@ -313,7 +330,8 @@ std::vector<Option> AllOptions(const Command& command) {
 }
 
 std::string UsageText(const Command& command, int language) {
-    return std::string(Pick(kUsage, language)) + " " + UsageLine(command) + "\n" +
+    const std::string lead = std::string(Pick(kUsage, language)) + " ";
+    return lead + UsageLine(command, lead) + "\n" +
            Fill(Pick(kMore, language), {command.name}) + "\n";
 }
 
@@ -340,7 +358,8 @@ std::string GeneralHelp(int language) {
 
 std::string CommandHelp(const Command& command, int language) {
     std::ostringstream os;
-    os << Pick(kUsage, language) << " " << UsageLine(command) << "\n\n";
+    const std::string lead = std::string(Pick(kUsage, language)) + " ";
+    os << lead << UsageLine(command, lead) << "\n\n";
     Paragraph(os, Pick(command.summary, language));
     if (*Pick(command.details, language)) {
         os << "\n";

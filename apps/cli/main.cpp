@@ -66,6 +66,9 @@ StdoutBuf* g_stdout = nullptr;
 
 const Tr kDataFolderMissing = {"den Datenordner „%1“ gibt es nicht", "the data folder \"%1\" doesn't exist"};
 
+const Tr kUnknownCommand = {"unbekannter Befehl „%1“; „cartulon-cli help“ zeigt die Befehle",
+                            "unknown command '%1'; \"cartulon-cli help\" lists the commands"};
+
 // The language when CT.ini names none: the locale the user runs under.
 int LanguageOfEnvironment() {
     for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
@@ -273,18 +276,14 @@ int main(int argc, char** argv) {
         }
         const Command* asked = Find(argv[at + 1]);
         if (!asked) {
-            ctx.Refuse({"unbekannter Befehl „%1“", "unknown command '%1'"}, {argv[at + 1]});
-            std::cerr << GeneralHelp(ctx.language);
-            return kError;
+            return ctx.Refuse(kUnknownCommand, {argv[at + 1]});
         }
         out << CommandHelp(*asked, ctx.language);
         return Finish(ctx, kDone);
     }
     ctx.command = Find(name);
     if (!ctx.command) {
-        ctx.Refuse({"unbekannter Befehl „%1“", "unknown command '%1'"}, {name});
-        std::cerr << GeneralHelp(ctx.language);
-        return kError;
+        return ctx.Refuse(kUnknownCommand, {name});
     }
     if (AsksForHelp(argc, argv, at + 1)) {
         out << CommandHelp(*ctx.command, ctx.language);
