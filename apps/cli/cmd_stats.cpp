@@ -56,19 +56,19 @@ int RunStats(Context& ctx) {
 
     const StatisticsFigures f = FormatStatistics(totals, DecimalSeparator());
     // The window's captions in the language in force, from CT.rd; the same
-    // words from here if it can't be read.
+    // words from here if it can't be read (kept equal to data/texts_*.txt).
     const struct {
         int baseId;
         Tr fallback;
         const std::string& value;
     } rows[] = {
-        {10057, {"Anzahl der Datenträger:", "Number of discs:"}, f.discs},
+        {10057, {"Anzahl der CDs / DVDs:", "Number of discs:"}, f.discs},
         {10058, {"Gesamtgröße:", "Total size:"}, f.totalSize},
-        {10059, {"Gesamtzahl der Ordner:", "Total number of folders:"}, f.folders},
-        {10060, {"Gesamtzahl der Dateien:", "Total number of files:"}, f.files},
-        {10061, {"Durchschnittliche Größe:", "Average size:"}, f.averageSize},
-        {10062, {"Durchschnittliche Anzahl der Ordner:", "Average number of folders:"}, f.averageFolders},
-        {10063, {"Durchschnittliche Anzahl der Dateien:", "Average number of files:"}, f.averageFiles},
+        {10059, {"Ordner insgesamt:", "Total folders:"}, f.folders},
+        {10060, {"Dateien insgesamt:", "Total files:"}, f.files},
+        {10061, {"Mittlere Größe je CD / DVD:", "Average size per disc:"}, f.averageSize},
+        {10062, {"Mittlere Ordnerzahl je CD / DVD:", "Average folders per disc:"}, f.averageFolders},
+        {10063, {"Mittlere Dateizahl je CD / DVD:", "Average files per disc:"}, f.averageFiles},
     };
     for (const auto& row : rows) {
         std::string caption = ResourceText(ctx.programFolder, ctx.language, row.baseId);

@@ -45,15 +45,17 @@ bool ParseSize(std::string_view text, std::string& bytes) {
         if (!rest.empty() && rest != "b" && rest != "ib") return false;
         power = static_cast<int>(at) + 1;
     }
-    // Exact: whole and fraction as one integer scaled by 1024^power, then
-    // the fraction's decimals put back (at most 4, as the engine keeps).
-    if (whole.size() > 15 || fraction.size() > 4) return false;
-    unsigned long long scaled = std::stoull(std::string(whole) + std::string(fraction));
-    for (int i = 0; i < power; ++i) {
-        if (scaled > (1ULL << 53)) return false;
-        scaled *= 1024;
-    }
-    std::string digits = std::to_string(scaled);
+    // Exact: the digits as one integer times 1024^power, the point put back
+    // where the fraction says (the engine keeps four decimals of it).
+    if (whole.size() + fraction.size() > 24) return false;
+    unsigned __int128 scaled = 0;
+    for (char c : std::string(whole) + std::string(fraction)) scaled = scaled * 10 + static_cast<unsigned>(c - '0');
+    for (int i = 0; i < power; ++i) scaled *= 1024;
+    std::string digits;
+    do {
+        digits.insert(digits.begin(), static_cast<char>('0' + static_cast<int>(scaled % 10)));
+        scaled /= 10;
+    } while (scaled != 0);
     if (!fraction.empty()) {
         if (digits.size() <= fraction.size()) digits.insert(0, fraction.size() - digits.size() + 1, '0');
         digits.insert(digits.size() - fraction.size(), ".");
