@@ -15,45 +15,50 @@ namespace ct::cli {
 namespace {
 
 int RunDelete(Context& ctx) {
-    const auto& pos = ctx.args.positional;
-    if (pos.size() != 1) {
-        *ctx.err << "usage: cartulon-cli delete LABEL [--yes]\n";
-        return kError;
-    }
-    const std::string& label = pos[0];
+    const std::string& label = ctx.args.positional[0];
     const std::string catalogue = CataloguePath(ctx.dataFolder, label);
-    if (!SystemFileOps().Exists(catalogue)) {
-        *ctx.err << "cartulon-cli: no disc '" << label << "' in " << ctx.dataFolder << "\n";
-        return kError;
-    }
+    if (!SystemFileOps().Exists(catalogue)) return ctx.Refuse(kNoDisc, {label, ctx.dataFolder});
     if (!ctx.args.Has("--yes")) {
         // Nothing is deleted unasked: without a terminal to ask on, the
         // caller has to say --yes.
-        if (!isatty(STDIN_FILENO)) {
-            *ctx.err << "cartulon-cli: refused: deleting '" << label
-                     << "' needs --yes when no terminal can be asked\n";
-            return kError;
-        }
-        *ctx.err << "Delete the disc '" << label
-                 << "' with all its descriptions? This can't be undone. [y/N] " << std::flush;
+        if (!isatty(STDIN_FILENO))
+            return ctx.Refuse({"abgelehnt: „%1“ zu löschen braucht --yes, wenn kein Terminal gefragt werden kann",
+                               "refused: deleting '%1' needs --yes when no terminal can be asked"},
+                              {label});
+        *ctx.err << ctx.T({"Den Datenträger „%1“ mit allen Beschreibungen löschen? Das lässt sich nicht "
+                           "rückgängig machen. [j/N] ",
+                           "Delete the disc '%1' with all its descriptions? This can't be undone. [y/N] "},
+                          {label})
+                 << std::flush;
         std::string answer;
         std::getline(std::cin, answer);
         if (answer != "y" && answer != "Y" && answer != "yes" && answer != "j" && answer != "J" &&
             answer != "ja") {
-            *ctx.err << "Nothing deleted.\n";
+            *ctx.err << ctx.T({"Nichts gelöscht.", "Nothing deleted."}) << "\n";
             return kNothing;
         }
     }
     std::string error;
     if (!DeleteDisc(SystemFileOps(), ctx.dataFolder, label, &error)) {
-        *ctx.err << "cartulon-cli: " << error << "\n";
+        *ctx.err << "cartulon-cli delete: " << error << "\n";
         return kError;
     }
-    *ctx.out << "deleted " << label << "\n";
+    *ctx.out << ctx.T({"%1 gelöscht", "deleted %1"}, {label}) << "\n";
     return kDone;
 }
 
-Registration reg{{"delete", "delete LABEL [--yes]         delete a disc's catalogue", {}, &RunDelete}};
+Registration reg{{
+    .name = "delete",
+    .arguments = "LABEL",
+    .minArgs = 1,
+    .maxArgs = 1,
+    .summary = {"löscht den Katalog eines Datenträgers mit allen Beschreibungen darin",
+                "delete a disc's catalogue with every description in it"},
+    .details = {"Gefragt wird einmal im Terminal; ohne Terminal braucht es --yes.",
+                "It asks once on the terminal; without a terminal it needs --yes."},
+    .options = {{"--yes", Takes::Nothing, "", {"nicht fragen", "don't ask"}, "-y"}},
+    .run = &RunDelete,
+}};
 
 }  // namespace
 

@@ -24,16 +24,9 @@ std::string StoredPath(std::string path) {
 
 int RunDescribe(Context& ctx) {
     const auto& pos = ctx.args.positional;
-    if (pos.size() != 2 && pos.size() != 3) {
-        *ctx.err << "usage: cartulon-cli describe LABEL [PATH] TEXT\n";
-        return kError;
-    }
     const std::string& label = pos[0];
     const std::string catalogue = CataloguePath(ctx.dataFolder, label);
-    if (!SystemFileOps().Exists(catalogue)) {
-        *ctx.err << "cartulon-cli: no disc '" << label << "' in " << ctx.dataFolder << "\n";
-        return kError;
-    }
+    if (!SystemFileOps().Exists(catalogue)) return ctx.Refuse(kNoDisc, {label, ctx.dataFolder});
     const bool isHeader = pos.size() == 2;
     std::string target, kind = "disc";
     if (!isHeader) {
@@ -48,8 +41,10 @@ int RunDescribe(Context& ctx) {
         while (kind.empty() && reader.NextFileLine(line))
             if (IsRecordOf(line, target)) kind = "file";
         if (kind.empty()) {
-            *ctx.err << "cartulon-cli: disc '" << label << "' has no folder or file " << target
-                     << " (paths as stored, e.g. \\Bilder\\Urlaub)\n";
+            ctx.Refuse({"Der Datenträger „%1“ hat keinen Ordner und keine Datei %2 (Pfade wie gespeichert, "
+                        "z. B. \\Bilder\\Urlaub)",
+                        "disc '%1' has no folder or file %2 (paths as stored, e.g. \\Bilder\\Urlaub)"},
+                       {label, target});
             return kNothing;
         }
     }
@@ -57,15 +52,29 @@ int RunDescribe(Context& ctx) {
     std::string error;
     if (!DescriptionRewrite(SystemFileOps(), ctx.programFolder, ctx.dataFolder, label, isHeader,
                             target, text, &error)) {
-        *ctx.err << "cartulon-cli: " << error << "\n";
+        *ctx.err << "cartulon-cli describe: " << error << "\n";
         return kError;
     }
-    *ctx.out << kind << " " << (isHeader ? label : label + "\\" + target) << ": " << text << "\n";
+    *ctx.out << ctx.T(kind == "disc"     ? Tr{"Datenträger", "disc"}
+                      : kind == "folder" ? Tr{"Ordner", "folder"}
+                                         : Tr{"Datei", "file"})
+             << " " << (isHeader ? label : label + "\\" + target) << ": " << text << "\n";
     return kDone;
 }
 
-Registration reg{{"describe", "describe LABEL [PATH] TEXT   store the description of a disc, folder or file",
-                  {}, &RunDescribe}};
+Registration reg{{
+    .name = "describe",
+    .arguments = "LABEL [PATH] TEXT",
+    .minArgs = 2,
+    .maxArgs = 3,
+    .summary = {"speichert die Beschreibung eines Datenträgers, Ordners oder einer Datei",
+                "store the description of a disc, a folder or a file"},
+    .details = {"Ohne PATH die des Datenträgers. PATH wie im Katalog (\\Bilder\\Urlaub); „/“ geht statt "
+                "„\\“. Ein TEXT, der mit „-“ beginnt, steht hinter „--“.",
+                "Without PATH the disc's own. PATH as the catalogue has it (\\Bilder\\Urlaub); '/' does for "
+                "'\\'. A TEXT that begins with '-' goes behind '--'."},
+    .run = &RunDescribe,
+}};
 
 }  // namespace
 
