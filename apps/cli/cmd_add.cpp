@@ -1,6 +1,6 @@
-// cartulon-cli add ROOT --label LABEL [--description TEXT]: reads a folder or
-// a mounted volume into a new catalogue, by the same procedure as the add
-// dialog. A refused label changes nothing.
+// cartulon-cli add ROOT --label LABEL [--description TEXT]: reads a folder, a
+// mounted volume or a disc image (ISO 9660, UDF) into a new catalogue, by the
+// same procedure as the add dialog. A refused label changes nothing.
 #include <filesystem>
 #include <ostream>
 
@@ -19,8 +19,7 @@ int RunAdd(Context& ctx) {
     std::error_code ec;
     // The dialog can't be given a drive that isn't there; a mistyped path
     // here would otherwise become an empty catalogue.
-    const auto image = ImageDiscSource(pos[0]);
-    if (!image && !std::filesystem::is_directory(pos[0], ec))
+    if (!IsDiscImage(pos[0]) && !std::filesystem::is_directory(pos[0], ec))
         return ctx.Refuse({"„%1“ ist weder ein Ordner noch ein Abbild eines Datenträgers",
                            "'%1' is neither a folder nor a disc image"}, {pos[0]});
 
@@ -29,7 +28,7 @@ int RunAdd(Context& ctx) {
     request.label = ctx.args.Get("--label");
     request.description = ctx.args.Get("--description");
     request.dataFolder = ctx.dataFolder;
-    const AddOutcome outcome = AddDisc(request, image ? *image : SystemDiscSource(), SystemFileOps());
+    const AddOutcome outcome = AddDisc(request, DiscSourceWithImages(), SystemFileOps());
     switch (outcome.result) {
     case AddResult::Added:
         *ctx.out << ctx.T({"Bezeichnung: %1\nOrdner: %2\nDateien: %3\nKatalog: %4",

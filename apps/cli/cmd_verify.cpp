@@ -34,9 +34,8 @@ int RunVerify(Context& ctx) {
     const std::string& root = ctx.args.positional[1];
     const std::string catalogue = CataloguePath(ctx.dataFolder, label);
     if (!SystemFileOps().Exists(catalogue)) return ctx.Refuse(kNoDisc, {label, ctx.dataFolder});
-    const auto image = ImageDiscSource(root);
     std::error_code ec;
-    if (!image && !std::filesystem::is_directory(root, ec))
+    if (!IsDiscImage(root) && !std::filesystem::is_directory(root, ec))
         return ctx.Refuse({"„%1“ ist weder ein Ordner noch ein Abbild eines Datenträgers",
                            "'%1' is neither a folder nor a disc image"}, {root});
 
@@ -50,7 +49,7 @@ int RunVerify(Context& ctx) {
                      << std::flush;
         };
     WalkList folders, files;
-    (image ? *image : SystemDiscSource()).WalkFolder(root, folders, files, progress);
+    DiscSourceWithImages().WalkFolder(root, folders, files, progress);
     if (showProgress) *ctx.err << "\r\033[K" << std::flush;
 
     const VerifyReport report = VerifyDisc(catalogue, root, folders, files);

@@ -260,25 +260,21 @@ bool WalkUdf(const std::string& image, const std::string& prefix, WalkList& fold
     return root != nullptr;
 }
 
-class ImageSource final : public DiscSource {
+class WithImages final : public DiscSource {
 public:
-    explicit ImageSource(std::string image) : image_(std::move(image)) {}
     void WalkFolder(const std::string& path, WalkList& folders, WalkList& files,
                     const std::function<void(std::size_t)>& progress) override {
-        if (path == image_)
+        if (IsDiscImage(path))
             WalkImage(path, folders, files, progress);
         else
             SystemDiscSource().WalkFolder(path, folders, files, progress);
     }
     void ReadVolumeInfo(const std::string& root, VolumeInfo& volume) override {
-        if (root == image_)
+        if (IsDiscImage(root))
             ReadImageVolumeInfo(root, volume);
         else
             SystemDiscSource().ReadVolumeInfo(root, volume);
     }
-
-private:
-    std::string image_;
 };
 
 }  // namespace
@@ -331,9 +327,9 @@ void ReadImageVolumeInfo(const std::string& image, VolumeInfo& volume) {
     volume.Size = VolumeSize(volume.ClusterCount, 1, volume.BytesPerSector);
 }
 
-std::unique_ptr<DiscSource> ImageDiscSource(const std::string& root) {
-    if (!IsDiscImage(root)) return nullptr;
-    return std::make_unique<ImageSource>(root);
+DiscSource& DiscSourceWithImages() {
+    static WithImages source;
+    return source;
 }
 
 }  // namespace ct

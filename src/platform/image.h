@@ -11,7 +11,6 @@
 #pragma once
 
 #include <functional>
-#include <memory>
 #include <string>
 
 #include "core/adddisc.h"
@@ -33,9 +32,9 @@ bool WalkImage(const std::string& image, WalkList& folders, WalkList& files,
 // the file is no disc image.
 void ReadImageVolumeInfo(const std::string& image, VolumeInfo& volume);
 
-// A disc source that reads `root` as an image and asks the real system about
-// every other path (the data folder among them); null when `root` is no disc
-// image, so that callers fall back on SystemDiscSource().
-std::unique_ptr<DiscSource> ImageDiscSource(const std::string& root);
+// The system's disc source, except that a path that is a disc image is read
+// as the image: so the add procedure walks the image and still asks the real
+// data folder whether a label is in use.
+DiscSource& DiscSourceWithImages();
 
 }  // namespace ct
