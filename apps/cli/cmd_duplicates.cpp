@@ -16,7 +16,7 @@ namespace ct::cli {
 namespace {
 
 int RunDuplicates(Context& ctx) {
-    std::int64_t minSize = 0;
+    std::int64_t minSize = INT64_MIN;
     const std::string sizeText = ctx.args.Get("--min-size");
     if (!sizeText.empty()) {
         std::string bytes;

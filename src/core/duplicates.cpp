@@ -40,6 +40,10 @@ void MakeKey(std::string& key, std::string_view size, std::string_view rawName) 
 
 }  // namespace
 
+std::int64_t Bytes(std::int64_t storedSize) {
+    return storedSize < 0 && storedSize >= INT32_MIN ? storedSize + (std::int64_t{1} << 32) : storedSize;
+}
+
 std::vector<DuplicateGroup> FindDuplicates(
     const std::string& dataFolder, const std::vector<std::string>& labels, std::int64_t minSize,
     const std::function<bool(std::size_t, std::size_t)>& progress) {
@@ -62,7 +66,7 @@ std::vector<DuplicateGroup> FindDuplicates(
                                                                        : bar2 - bar - 1);
             std::int64_t size = 0;
             const auto [end, ec] = std::from_chars(sizeText.data(), sizeText.data() + sizeText.size(), size);
-            if (ec != std::errc() || end != sizeText.data() + sizeText.size() || size < minSize) continue;
+            if (ec != std::errc() || end != sizeText.data() + sizeText.size() || Bytes(size) < minSize) continue;
             const std::string_view path = line.substr(0, bar);
             const std::size_t slash = path.rfind('\\');
             const std::string_view rawName = slash == std::string_view::npos ? path : path.substr(slash + 1);
@@ -92,7 +96,7 @@ std::vector<DuplicateGroup> FindDuplicates(
         groups.push_back(std::move(g));
     }
     std::sort(groups.begin(), groups.end(), [](const DuplicateGroup& a, const DuplicateGroup& b) {
-        if (a.size != b.size) return a.size > b.size;
+        if (a.size != b.size) return Bytes(a.size) > Bytes(b.size);
         if (ListOrderLess(a.name, b.name)) return true;
         if (ListOrderLess(b.name, a.name)) return false;
         return a.hits < b.hits;

@@ -18,8 +18,13 @@ struct DuplicateGroup {
     std::vector<std::string> hits;  // each copy's hit text (label, '\', Path), in disc and catalogue order
 };
 
+// A file of 2 to 4 GiB stands in a catalogue with a negative size (the low 32
+// bits read as signed); its bytes are that plus 4 GiB, which is how such a
+// file is ordered and measured against a least size.
+std::int64_t Bytes(std::int64_t storedSize);
+
 // `labels` in the order the disc list shows them; only files of at least
-// `minSize` bytes count. Groups span at least two discs (copies on one disc
+// `minSize` bytes (as Bytes() counts them) count. Groups span at least two discs (copies on one disc
 // are listed with them) and come largest first, then by name as the lists
 // order them. `progress` hears each disc's number from 1 and may stop the
 // run by returning false (the groups found so far are then returned).
