@@ -38,6 +38,10 @@ int RunVerify(Context& ctx) {
     if (!IsDiscImage(root) && !std::filesystem::is_directory(root, ec))
         return ctx.Refuse({"„%1“ ist weder ein Ordner noch ein Abbild eines Datenträgers",
                            "'%1' is neither a folder nor a disc image"}, {root});
+    if (IsDiscImage(root) && !ImageReadable(root))
+        return ctx.Refuse({"das Abbild „%1“ kann nicht gelesen werden (UDF nach Revision 2.01 ohne ISO-9660-Teil)",
+                           "the image '%1' can't be read (UDF beyond revision 2.01 without an ISO 9660 side)"},
+                          {root});
 
     // The count of entries found so far, as a terminal line that rewrites
     // itself; nothing when stderr is no terminal.

@@ -284,6 +284,18 @@ bool IsDiscImage(const std::string& path) {
     return d.iso || d.udf;
 }
 
+bool ImageReadable(const std::string& image) {
+    const Descriptors d = RecogniseFile(image);
+    if (d.iso) return true;
+    if (!d.udf) return false;
+    udf_t* udf = udf_open(image.c_str());
+    if (!udf) return false;
+    udf_dirent_t* root = udf_get_root(udf, true, 0);
+    if (root) udf_dirent_free(root);
+    udf_close(udf);
+    return root != nullptr;
+}
+
 bool WalkImage(const std::string& image, WalkList& folders, WalkList& files,
                const std::function<void(std::size_t)>& progress) {
     const Descriptors d = RecogniseFile(image);

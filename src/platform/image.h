@@ -21,6 +21,10 @@ namespace ct {
 // A regular file that carries an ISO 9660 or UDF volume descriptor.
 bool IsDiscImage(const std::string& path);
 
+// Whether the libraries can read the image's files: UDF that libudf reads,
+// or an ISO 9660 side. A UDF image of a later revision without one isn't.
+bool ImageReadable(const std::string& image);
+
 // False when the image can't be opened or read as either file system; the
 // lists then hold what was read before the failure.
 bool WalkImage(const std::string& image, WalkList& folders, WalkList& files,

@@ -165,6 +165,10 @@ TEST(ReadImageVolumeInfo, HeaderFromTheDescriptors) {
     EXPECT_EQ(none.FileSystem, "");
     EXPECT_FALSE(IsDiscImage(s / "tree/a.txt"));
     EXPECT_FALSE(IsDiscImage(s / "tree"));
+    // libudf reads no extended file entries: such an image is refused, not
+    // catalogued as empty.
+    EXPECT_TRUE(ImageReadable(iso));
+    EXPECT_FALSE(ImageReadable(udf));
 }
 
 }  // namespace
