@@ -16,6 +16,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <set>
 #include <vector>
 
 #include "core/textrules.h"
@@ -90,6 +91,7 @@ void Report(const std::function<void(std::size_t)>& progress, const WalkList& fo
 struct IsoNode {
     std::string name;
     bool folder = false;
+    bool hidden = false;
     std::uint64_t size = 0;
     std::int64_t time = 0;
     std::vector<std::size_t> children;
@@ -116,6 +118,89 @@ std::u16string Utf16Of(const std::string& utf8) {
         }
     }
     return out;
+}
+
+void AppendUtf8(std::string& out, char32_t c) {
+    if (c < 0x80) {
+        out += static_cast<char>(c);
+    } else if (c < 0x800) {
+        out += static_cast<char>(0xC0 | (c >> 6));
+        out += static_cast<char>(0x80 | (c & 0x3F));
+    } else if (c < 0x10000) {
+        out += static_cast<char>(0xE0 | (c >> 12));
+        out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+        out += static_cast<char>(0x80 | (c & 0x3F));
+    } else {
+        out += static_cast<char>(0xF0 | (c >> 18));
+        out += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
+        out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+        out += static_cast<char>(0x80 | (c & 0x3F));
+    }
+}
+
+// The one thing of a directory record libarchive keeps to itself is the
+// hidden ("existence") flag, which a drive shows as H. This reads only the
+// records' flags and names, in the tree libarchive names entries from (Joliet
+// where present, else the primary one, whose names lose their ";1"), and
+// gives the paths of the hidden entries. Rock Ridge names aren't matched: a
+// tree without Joliet but with Rock Ridge shows no H.
+std::set<std::string> HiddenPaths(int fd, bool joliet) {
+    std::set<std::string> hidden;
+    unsigned char b[kBlock];
+    std::uint32_t rootExtent = 0, rootSize = 0;
+    for (std::uint64_t i = 16; i < 16 + 64 && ReadBlock(fd, i, b) && b[0] != 255; ++i) {
+        const bool isJoliet = b[0] == 2 && b[88] == '%' && b[89] == '/';
+        if ((joliet && isJoliet) || (!joliet && b[0] == 1)) {
+            rootExtent = b[158] | b[159] << 8 | b[160] << 16 | static_cast<std::uint32_t>(b[161]) << 24;
+            rootSize = b[166] | b[167] << 8 | b[168] << 16 | static_cast<std::uint32_t>(b[169]) << 24;
+            break;
+        }
+    }
+    std::set<std::uint32_t> seen;  // a damaged image may loop
+    std::function<void(std::uint32_t, std::uint32_t, const std::string&)> level =
+        [&](std::uint32_t extent, std::uint32_t size, const std::string& prefix) {
+            if (!extent || size > (64u << 20) || !seen.insert(extent).second || seen.size() > 100000) return;
+            std::vector<unsigned char> dir(size);
+            if (pread(fd, dir.data(), size, static_cast<off_t>(extent) * static_cast<off_t>(kBlock)) !=
+                static_cast<ssize_t>(size))
+                return;
+            for (std::size_t at = 0; at < size;) {
+                const std::size_t length = dir[at];
+                if (length == 0) {  // records don't cross a block: the rest of this one is empty
+                    at = (at / kBlock + 1) * kBlock;
+                    continue;
+                }
+                if (length < 34 || at + length > size || 33u + dir[at + 32] > length) break;
+                const unsigned char* r = dir.data() + at;
+                at += length;
+                const unsigned flags = r[25], nameLength = r[32];
+                if (nameLength == 1 && r[33] <= 1) continue;  // "." and ".."
+                if (flags & 0x80) continue;                   // not the last part of a file
+                std::string name;
+                if (joliet) {
+                    for (unsigned k = 0; k + 1 < nameLength; k += 2) {
+                        char32_t c = static_cast<char32_t>(r[33 + k] << 8 | r[34 + k]);
+                        if (c >= 0xD800 && c < 0xDC00 && k + 3 < nameLength) {
+                            const char32_t low = static_cast<char32_t>(r[35 + k] << 8 | r[36 + k]);
+                            c = 0x10000 + ((c - 0xD800) << 10) + (low - 0xDC00);
+                            k += 2;
+                        }
+                        AppendUtf8(name, c);
+                    }
+                } else {
+                    name.assign(reinterpret_cast<const char*>(r + 33), nameLength);
+                }
+                if (const auto semi = name.find(';'); semi != std::string::npos) name.erase(semi);
+                if (!(flags & 2) && !name.empty() && name.back() == '.') name.pop_back();
+                const std::string path = prefix + name;
+                if (flags & 1) hidden.insert(path);
+                if (flags & 2)
+                    level(r[2] | r[3] << 8 | r[4] << 16 | static_cast<std::uint32_t>(r[5]) << 24,
+                          r[10] | r[11] << 8 | r[12] << 16 | static_cast<std::uint32_t>(r[13]) << 24, path + "/");
+            }
+        };
+    level(rootExtent, rootSize, "");
+    return hidden;
 }
 
 // libarchive turns UTF-16 names into the locale's character set; the walk
@@ -194,6 +279,14 @@ bool ReadIsoTree(const std::string& image, bool joliet, std::vector<IsoNode>& no
         if (!folder) sizes[path] = node.size;
     }
     if (r != ARCHIVE_EOF) return false;
+    const int fd = open(image.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (fd >= 0) {
+        for (const std::string& path : HiddenPaths(fd, joliet)) {
+            const auto it = byPath.find(path);
+            if (it != byPath.end()) nodes[it->second].hidden = true;
+        }
+        close(fd);
+    }
     for (IsoNode& n : nodes) {
         std::sort(n.children.begin(), n.children.end(), [&](std::size_t x, std::size_t y) {
             return joliet ? Utf16Of(nodes[x].name) < Utf16Of(nodes[y].name) : nodes[x].name < nodes[y].name;
@@ -208,7 +301,7 @@ void EmitIso(const std::vector<IsoNode>& nodes, std::size_t at, const std::strin
         const IsoNode& n = nodes[child];
         WalkRecord record;
         record.Name = prefix + n.name;
-        record.Attributes = "R";
+        record.Attributes = n.hidden ? "R H" : "R";
         record.Date = TimeText(n.time);
         if (n.folder) {
             folders.push_back(record);

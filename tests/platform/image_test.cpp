@@ -8,6 +8,8 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -109,6 +111,32 @@ TEST(WalkImage, GivesTheTreeAsTheImageToolRecordedIt) {
         EXPECT_TRUE(ok);
         EXPECT_EQ(lines, ExpectedLines());
     }
+}
+
+// The image tools set no hidden flag, so the test sets it in the Joliet
+// records of `names` (their length byte says they are names, not file data).
+void HideInJoliet(const std::string& image, std::initializer_list<const char*> names) {
+    std::string bytes = ReadAll(image);
+    for (const char* name : names) {
+        std::string ucs2;
+        for (const char* c = name; *c; ++c) ucs2 += std::string(1, '\0') + *c;
+        for (std::size_t at = bytes.find(ucs2); at != std::string::npos; at = bytes.find(ucs2, at + 1))
+            if (at >= 33 && static_cast<unsigned char>(bytes[at - 1]) == ucs2.size()) bytes[at - 33 + 25] |= 1;
+    }
+    std::ofstream(image, std::ios::binary | std::ios::trunc) << bytes;
+}
+
+TEST(WalkImage, HiddenFlagBecomesH) {
+    if (!Have("xorriso")) GTEST_SKIP() << "xorriso is missing";
+    Scratch s;
+    const std::string tree = MakeTree(s), image = s / "disc.iso";
+    ASSERT_TRUE(Shell("xorriso -as mkisofs -J -R -o " + image + " " + tree));
+    HideInJoliet(image, {"Zeta", "b.txt"});
+    bool ok = false;
+    std::vector<std::string> expected = ExpectedLines();
+    for (std::string& line : expected)
+        if (line.rfind("\\Zeta|", 0) == 0 || line.rfind("\\b.txt|", 0) == 0) line.replace(line.find("|R|"), 3, "|R H|");
+    EXPECT_EQ(ImageLines(image, ok), expected);
 }
 
 TEST(ReadImageVolumeInfo, HeaderFromTheDescriptors) {
