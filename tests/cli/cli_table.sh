@@ -93,6 +93,22 @@ row 2 "--format takes text, tsv, json, not 'xml'" "$cli" list --format xml
 out=$("$cli" search --name contains a -0 --slashes | tr '\0' '\n')
 [ "$out" = $'Bilder\nBilder/Urlaub/\nBilder/Urlaub/strand.jpg' ] || { echo "FAIL: -0 gave: $out"; fail=1; }
 
+# A disc checked against its catalogue; copies across discs; an image as a disc.
+row 0 "identical: 1 folders, 2 files" "$cli" verify Bilder "$work/root"
+cp -a "$work/root" "$work/root2"; echo more >> "$work/root2/Urlaub/strand.jpg"; touch "$work/root2/neu.txt"
+row 1 "size changed: \\Urlaub\\strand.jpg (4 -> 9)" "$cli" verify Bilder "$work/root2"
+row 1 $'=new\tfile\t\\neu.txt\t\t0' "$cli" verify Bilder "$work/root2" --format tsv
+row 2 "no disc 'Nope'" "$cli" verify Nope "$work/root"
+mkdir "$work/dups"
+xorriso -as mkisofs -J -V KOPIE -o "$work/root.iso" "$work/root" >/dev/null 2>&1
+row 0 "files: 2" "$cli" add "$work/root.iso" --label Abbild --data-folder "$work/dups"
+row 0 "identical: 1 folders, 2 files" "$cli" verify Abbild "$work/root.iso" --data-folder "$work/dups"
+row 0 "files: 2" "$cli" add "$work/root" --label Ordner --data-folder "$work/dups"
+row 0 "=big.bin  204800 bytes, 2 copies" "$cli" duplicates --data-folder "$work/dups"
+row 0 $'=1\tbig.bin\t204800\tOrdner\\\\big.bin' "$cli" duplicates --data-folder "$work/dups" --format tsv
+row 1 "" "$cli" duplicates --data-folder "$work/dups" --min-size 1M
+row 1 "" "$cli" duplicates --data-folder "$work/dups" --disc Abbild
+
 # The language of CT.ini for everything, the locale only without one.
 row 2 "unbekannte Option „--foo“" "$de" list --foo
 row 2 "keinen Datenträger „Nope“" "$de" show Nope
