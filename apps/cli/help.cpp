@@ -35,10 +35,10 @@ const Tr kVersion = {"die Version (allein angegeben)", "the version (given alone
 const Tr kExit = {"Rückgabewert: 0 erledigt oder gefunden, 1 nichts gefunden, 2 Fehler oder abgelehnt.",
                   "Exit status: 0 done or found, 1 nothing found, 2 error or refused."};
 const Tr kLanguage = {
-    "Die Sprache ist die aus CT.ini; steht dort keine, entscheiden LC_ALL, LC_MESSAGES und LANG (de… Deutsch, "
-    "sonst Englisch).",
-    "The language is the one CT.ini names; where it names none, LC_ALL, LC_MESSAGES and LANG decide (de… "
-    "German, else English)."};
+    "Die Sprache ist die aus CT.ini; steht dort keine, entscheiden LC_ALL, LC_MESSAGES und LANG (de_DE und "
+    "andere mit de: Deutsch, sonst Englisch).",
+    "The language is the one CT.ini names; where it names none, LC_ALL, LC_MESSAGES and LANG decide (de_DE "
+    "and others beginning with de: German, else English)."};
 const Tr kFiles = {
     "cartulon und cartulon-cli arbeiten im Programmordner, in dem sie liegen: CT.ini dort nennt die Sprache und "
     "den Datenordner (Vorgabe: Daten/ daneben), und jeder Datenträger ist eine Datei BEZEICHNUNG.idx im "
@@ -156,13 +156,13 @@ std::string UsageLine(const Command& c, std::string_view lead = "") {
     std::vector<std::string> parts;
     if (!c.arguments.empty()) parts.push_back(c.arguments);
     for (const Option& o : c.options)
-        parts.push_back(o.required ? Synopsis(o, false) : "[" + Synopsis(o, false) + "]");
+        parts.push_back(o.required ? Synopsis(o, false) : std::string("[").append(Synopsis(o, false)).append("]"));
     std::string line = "cartulon-cli " + c.name;
     const std::size_t indent = CharCount(lead) + line.size() + 1;
     std::size_t column = indent;
     for (const std::string& part : parts) {
         if (column + 1 + CharCount(part) > 79 && column > indent) {
-            line += "\n" + std::string(indent, ' ');
+            line.append("\n").append(indent, ' ');
             column = indent;
         } else {
             line += ' ';
@@ -205,9 +205,10 @@ std::string RoffParagraphs(std::string_view text) {
 }
 
 std::string RoffOption(const Option& o, int language) {
-    std::string out = ".TP\n\\fB" + Roff(o.shortName.empty() ? o.name : o.shortName + ", " + o.name) + "\\fR";
-    if (!o.metavar.empty()) out += " \\fI" + Roff(o.metavar) + "\\fR";
-    return out + "\n" + Roff(Pick(o.help, language)) + "\n";
+    std::string out = ".TP\n\\fB";
+    out.append(Roff(o.shortName.empty() ? o.name : o.shortName + ", " + o.name)).append("\\fR");
+    if (!o.metavar.empty()) out.append(" \\fI").append(Roff(o.metavar)).append("\\fR");
+    return out.append("\n").append(Roff(Pick(o.help, language))).append("\n");
 }
 
 std::string ManPage(std::string_view program, int language) {
@@ -283,16 +284,16 @@ std::string Completion() {
         os << "\"; argument=\"" << c.arguments << "\" ;;\n";
     }
     os << "    esac\n"
-       << "    case $prev in\n";
+       << "    case \"${COMP_WORDS[1]} $prev\" in\n";
     for (const Command& c : SortedCommands()) {
         for (const Option& o : c.options) {
             if (o.choices.empty()) continue;
-            os << "        " << o.name << ") [[ \" $options \" == *\" " << o.name << " \"* ]] && { COMPREPLY=($(compgen -W \"";
+            os << "        \"" << c.name << " " << o.name << "\") COMPREPLY=($(compgen -W \"";
             for (const std::string& w : o.choices) os << w << " ";
-            os << "\" -- \"$cur\")); return; } ;;\n";
+            os << "\" -- \"$cur\")); return ;;\n";
         }
     }
-    os << "        --data-folder) COMPREPLY=($(compgen -d -- \"$cur\")); return ;;\n"
+    os << "        *\" --data-folder\") COMPREPLY=($(compgen -d -- \"$cur\")); return ;;\n"
        << "    esac\n"
        << "    if [[ $cur == -* ]]; then\n"
        << "        COMPREPLY=($(compgen -W \"$options\" -- \"$cur\"))\n"
