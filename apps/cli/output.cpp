@@ -7,9 +7,6 @@
 
 namespace ct::cli {
 
-namespace {
-
-// What JSON takes as a number: -?digits(.digits)?, no leading zeros but one.
 bool IsJsonNumber(std::string_view s) {
     std::size_t i = 0;
     if (i < s.size() && s[i] == '-') ++i;
@@ -23,8 +20,6 @@ bool IsJsonNumber(std::string_view s) {
     }
     return i == s.size();
 }
-
-}  // namespace
 
 Format FormatOf(const Context& ctx) {
     const std::string f = ctx.args.Get("--format", "text");

@@ -11,6 +11,7 @@
 #include "core/rddll.h"
 #include "core/rdpack.h"
 #include "core/text.h"
+#include "support/scratch.h"
 
 namespace fs = std::filesystem;
 
@@ -42,14 +43,8 @@ std::string Record(int id, const std::string& start, const std::string& end) {
 
 class RDFileTest : public ::testing::Test {
 protected:
-    void SetUp() override {
-        dir_ = fs::temp_directory_path() /
-               ("ct_rddll_" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()) +
-                "_" + ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        fs::remove_all(dir_);
-        fs::create_directories(dir_);
-    }
-    void TearDown() override { fs::remove_all(dir_); }
+    ct::test::Scratch scratch_;
+    fs::path dir_ = scratch_.Path();
 
     std::string Put(const std::string& bytes, const std::string& name = "CT.rd") {
         WriteBytes(dir_ / name, bytes);
@@ -59,8 +54,6 @@ protected:
         ct::RDDLL rd(dir_.string());
         return rd.RDString(Put(bytes), id);
     }
-
-    fs::path dir_;
 };
 
 TEST(RDPackLayout, WorkedExampleIsWrittenByteForByte) {
@@ -68,12 +61,6 @@ TEST(RDPackLayout, WorkedExampleIsWrittenByteForByte) {
     ASSERT_TRUE(ct::RDPack({{10001, "Hallo"}, {20001, "Hello!"}}, out, &error)) << error;
     EXPECT_EQ(out.size(), 81u);
     EXPECT_EQ(out, kWorkedExample);
-}
-
-TEST(RDPackLayout, NoEntriesIsJustTheCount) {
-    std::string out;
-    ASSERT_TRUE(ct::RDPack({}, out, nullptr));
-    EXPECT_EQ(out, "0000000000");
 }
 
 TEST(RDPackLayout, RefusesAnIdBeyondNineDigits) {
@@ -90,24 +77,6 @@ TEST_F(RDFileTest, WorkedExampleReadsBothResources) {
 
 // Bodies that could trip a reader: bytes above 127, a '#', line breaks, a
 // NUL, and a body that spells out a record key of its own.
-TEST_F(RDFileTest, BodiesComeBackUntouched) {
-    const std::map<std::int32_t, std::string> bodies = {
-        {1, "Gr\xF6\xDF" "e \x80 \xFF"},
-        {2, "# hash # and\r\nCR LF\nLF"},
-        {3, std::string("nul\0inside", 10)},
-        {4, "#000000005" "0000000001" "0000000002"},
-        {5, "five"},
-        {6, " padded  "},
-    };
-    std::vector<ct::RDEntry> entries;
-    for (const auto& [id, body] : bodies) entries.push_back({id, body});
-    std::string file;
-    ASSERT_TRUE(ct::RDPack(entries, file, nullptr));
-    const std::string path = Put(file);
-    ct::RDDLL rd(dir_.string());
-    for (const auto& [id, body] : bodies) EXPECT_EQ(rd.RDString(path, id), body) << "id " << id;
-}
-
 TEST_F(RDFileTest, ShortIdNeverMatchesALongerOne) {
     // Only 100010 present: 10001 must not find it.
     const std::string onlyLong = "X" + Record(100010, "0000000001", "0000000002") + "0000000001";
@@ -119,25 +88,6 @@ TEST_F(RDFileTest, ShortIdNeverMatchesALongerOne) {
     EXPECT_EQ(Get(both, 10001), "S");
     EXPECT_EQ(Get(both, 100010), "L");
     EXPECT_EQ(Get(both, 1000), "");
-}
-
-TEST_F(RDFileTest, StartEqualToEndIsAnEmptyResource) {
-    EXPECT_EQ(Get("ab" + Record(7, "0000000002", "0000000002") + "0000000001", 7), "");
-}
-
-TEST_F(RDFileTest, FirstOfTwoEqualIdsWins) {
-    const std::string file = "firstsecond" + Record(9, "0000000001", "0000000006") +
-                             Record(9, "0000000006", "0000000012") + "0000000002";
-    EXPECT_EQ(Get(file, 9), "first");
-}
-
-TEST_F(RDFileTest, BlankPaddedNumbersReadLikeZeroPadded) {
-    const std::string file = "Hallo" "Hello!"
-                             "#000010001" "         1" "         6"
-                             "#000020001" "     6    " "0000000012"
-                             "         2";
-    EXPECT_EQ(Get(file, 10001), "Hallo");
-    EXPECT_EQ(Get(file, 20001), "Hello!");
 }
 
 struct DamagedCase {
@@ -175,41 +125,6 @@ TEST_F(RDFileTest, MissingFileGivesTheEmptyString) {
     ct::RDDLL rd(dir_.string());
     EXPECT_EQ(rd.RDString((dir_ / "absent.rd").string(), 10001), "");
     EXPECT_EQ(rd.RDString(dir_.string(), 10001), "");  // a folder, not a file
-}
-
-TEST_F(RDFileTest, AReplacedFileTakesEffectAtTheNextCall) {
-    ct::RDDLL rd(dir_.string());
-    const std::string path = Put(kWorkedExample);
-    EXPECT_EQ(rd.RDString(path, 10001), "Hallo");
-    std::string other;
-    ASSERT_TRUE(ct::RDPack({{10001, "Servus"}}, other, nullptr));
-    Put(other);
-    EXPECT_EQ(rd.RDString(path, 10001), "Servus");
-}
-
-TEST_F(RDFileTest, RDFileWithEmptyDestinationWritesTempInTheProgramFolder) {
-    const std::string rdPath = Put(kWorkedExample);
-    ct::RDDLL rd(dir_.string());
-    std::string destination;
-    rd.RDFile(rdPath, 20001, destination);
-    EXPECT_EQ(destination, (dir_ / "temp").string());
-    EXPECT_EQ(ReadBytes(dir_ / "temp"), "Hello!");
-}
-
-TEST_F(RDFileTest, RDFileOverwritesOnlyTheBeginningOfAnExistingFile) {
-    const std::string rdPath = Put(kWorkedExample);
-    const std::string target = Put("XXXXXXXXXX", "out.bin");
-    ct::RDDLL rd(dir_.string());
-    std::string destination = target;
-    rd.RDFile(rdPath, 10001, destination);
-    EXPECT_EQ(destination, target);
-    EXPECT_EQ(ReadBytes(target), "HalloXXXXX");
-}
-
-TEST(RDVersion, IsMajorDotMinor) {
-    const std::string v = ct::RDDLL::Version();
-    ASSERT_EQ(std::count(v.begin(), v.end(), '.'), 1) << v;
-    EXPECT_EQ(v, std::to_string(CARTULON_VERSION_MAJOR) + "." + std::to_string(CARTULON_VERSION_MINOR));
 }
 
 TEST_F(RDFileTest, ResourceTextAddsTheLanguageAndDecodesWindows1252) {
@@ -359,48 +274,5 @@ TEST(ShippedTexts, CaptionsAndTopicsAreUniqueAndCarryNoAccessKey) {
 
 // '&' shows as an underline only on menu entries, buttons and check boxes;
 // anywhere else it would show as itself.
-TEST(ShippedTexts, AccessKeysOnlyWhereTheyWork) {
-    const std::set<int> keyed = {10003, 10007, 10008, 10009, 10011, 10012, 10013, 10014, 10016,
-                                 10019, 10020, 10021, 10046, 10055, 10056, 10080, 10081, 10082,
-                                 10083, 10085, 10086};
-    for (const Language& lang : kLanguages) {
-        for (const auto& [id, text] : SourceTexts(lang.file)) {
-            const auto marks = std::count(text.begin(), text.end(), '&');
-            if (keyed.count(id)) {
-                EXPECT_EQ(marks, 1) << lang.file << " id " << id;
-                EXPECT_NE(text.back(), '&') << lang.file << " id " << id;
-            } else {
-                EXPECT_EQ(marks, 0) << lang.file << " id " << id;
-            }
-        }
-    }
-}
-
 // Within one window (or one menu) no two controls may share an access key.
-TEST(ShippedTexts, AccessKeysDontClashWithinAWindow) {
-    const std::vector<std::pair<const char*, std::vector<int>>> groups = {
-        {"menu bar and main window buttons", {10007, 10009, 10014, 10016, 10019, 10003}},
-        {"edit menu", {10010, 10011, 10012, 10013}},
-        {"help menu", {10020, 10021, 10022, 10023}},
-        {"search window", {10003, 10004, 10014, 10080, 10081, 10082, 10083, 10085, 10086}},
-    };
-    for (const Language& lang : kLanguages) {
-        const auto t = SourceTexts(lang.file);
-        for (const auto& [name, ids] : groups) {
-            std::map<std::string, int> keys;
-            for (int id : ids) {
-                const std::string& text = t.at(id);
-                const auto amp = text.find('&');
-                if (amp == std::string::npos) continue;
-                // The key is the character behind '&', upper-cased ("Ä" is two bytes).
-                std::string key = text.substr(amp + 1, (static_cast<unsigned char>(text[amp + 1]) & 0x80) ? 2 : 1);
-                key = ct::UpperCase(key);
-                auto [it, fresh] = keys.emplace(key, id);
-                EXPECT_TRUE(fresh) << lang.file << " " << name << ": ids " << it->second << " and "
-                                   << id << " share the key " << key;
-            }
-        }
-    }
-}
-
 }  // namespace

@@ -4,11 +4,11 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
-#include <random>
 #include <string>
 #include <vector>
 
 #include "core/search.h"
+#include "support/scratch.h"
 
 namespace fs = std::filesystem;
 
@@ -28,30 +28,15 @@ public:
     std::vector<std::string> hits;
 };
 
-class TempDir {
-public:
-    TempDir() {
-        std::random_device rd;
-        path_ = fs::temp_directory_path() / ("ct_search_" + std::to_string(rd()));
-        fs::create_directories(path_);
-    }
-    ~TempDir() {
-        std::error_code ec;
-        fs::remove_all(path_, ec);
-    }
-    std::string str() const { return path_.string(); }
-    // Lines joined by CR LF, each line ended, as the program writes them.
+// The data folder: a scratch folder that takes catalogues by label.
+struct TempDir : ct::test::Scratch {
+    std::string str() const { return Path(); }
     void Write(const std::string& label, const std::vector<std::string>& lines) {
         std::string text;
         for (const auto& l : lines) text += l + "\r\n";
         WriteRaw(label, text);
     }
-    void WriteRaw(const std::string& label, const std::string& bytes) {
-        std::ofstream(path_ / (label + ".idx"), std::ios::binary) << bytes;
-    }
-
-private:
-    fs::path path_;
+    void WriteRaw(const std::string& label, const std::string& bytes) { Scratch::Write(label + ".idx", bytes); }
 };
 
 // Two discs in the form the program writes. "Archiv" holds a Windows-1252
@@ -163,29 +148,16 @@ const Row kRows[] = {
     // Names: discs by label or description, folders by whole path, files by own name.
     {"ContainsFindsDiscFolderButNoFileOfThatFolder", [] { return Criteria(2, CONT, "URLAUB"); },
      {"Urlaub", "Urlaub\\\\Bilder\\Urlaub\\", "Archiv", "Archiv\\\\Urlaub2004\\"}},
-    {"CaseIgnoredInNames", [] { return Criteria(2, CONT, "urlaub"); },
-     {"Urlaub", "Urlaub\\\\Bilder\\Urlaub\\", "Archiv", "Archiv\\\\Urlaub2004\\"}},
-    {"FilesOnlyStillTestsDiscs", [] { return Criteria(0, CONT, "urlaub"); }, {"Urlaub", "Archiv"}},
     {"FilesOnlyByExtension", [] { return Criteria(0, CONT, "jpg"); },
      {"Urlaub\\\\Bilder\\Urlaub\\p1.jpg", "Urlaub\\\\FOTOS\\2001\\bild.jpg", "Archiv\\\\Urlaub2004\\strand.JPG"}},
     {"EqualFolderNeedsWholePath", [] { return Criteria(1, EQ, "\\fotos\\2001"); },
      {"Urlaub\\\\FOTOS\\2001\\"}},
-    {"EqualFolderOwnNameAloneFindsNothing", [] { return Criteria(1, EQ, "2001"); }, {}},
-    {"EndsWithFindsFolderByOwnName", [] { return Criteria(1, ENDS, "2001"); }, {"Urlaub\\\\FOTOS\\2001\\"}},
+    {"EqualIsNoPrefix", [] { return Criteria(0, EQ, "P1"); }, {}},
     {"EqualFileByOwnName", [] { return Criteria(0, EQ, "BILD.JPG"); }, {"Urlaub\\\\FOTOS\\2001\\bild.jpg"}},
-    {"FileNeverEqualsAPath", [] { return Criteria(0, EQ, "\\FOTOS\\2001\\bild.jpg"); }, {}},
     {"AsteriskIsNoWildcard", [] { return Criteria(2, CONT, "*"); }, {"Urlaub\\\\a*b.txt"}},
-    {"BeginsWith", [] { return Criteria(0, BEG, "P1"); }, {"Urlaub\\\\Bilder\\Urlaub\\p1.jpg"}},
     {"NotContainsDiscIsHitUnlessBothMatch", [] { return Criteria(1, NCONT, "urlaub"); },
      {"Urlaub", "Urlaub\\\\Bilder\\", "Urlaub\\\\FOTOS\\", "Urlaub\\\\FOTOS\\2001\\", "Archiv"}},
-    {"NotEndsWithFolders", [] { return Criteria(1, NENDS, "s"); },
-     {"Urlaub", "Urlaub\\\\Bilder\\", "Urlaub\\\\Bilder\\Urlaub\\", "Urlaub\\\\FOTOS\\2001\\", "Archiv",
-      "Archiv\\\\Urlaub2004\\"}},
-    {"NotBeginsWithFiles", [] { return Criteria(0, NBEG, "s"); },
-     {"Urlaub", "Urlaub\\\\Bilder\\index.htm", "Urlaub\\\\Bilder\\Urlaub\\p1.jpg", "Urlaub\\\\liesmich.txt",
-      "Urlaub\\\\FOTOS\\2001\\bild.jpg", "Urlaub\\\\a*b.txt", "Archiv", "Archiv\\\\Urlaub2004\\MÄRCHEN.TXT"}},
     {"DiscByDescriptionBehindLastBar", [] { return Criteria(0, BEG, "b urlaubs"); }, {"Archiv"}},
-    {"DiscTextBeforeLastBarIsNotSearched", [] { return Criteria(0, CONT, "alte"); }, {}},
     {"UmlautUpperCasedInNames", [] { return Criteria(0, CONT, "märchen"); },
      {"Archiv\\\\Urlaub2004\\MÄRCHEN.TXT"}},
     {"Windows1252LineDecoded", [] { return Criteria(0, BEG, "straße"); },
@@ -198,45 +170,18 @@ const Row kRows[] = {
      },
      {"Urlaub", "Urlaub\\\\Bilder\\", "Urlaub\\\\Bilder\\Urlaub\\", "Urlaub\\\\FOTOS\\", "Urlaub\\\\FOTOS\\2001\\",
       "Archiv", "Archiv\\\\Urlaub2004\\"}},
-    {"UncheckedNameStillTestsDiscsWithTerm",
-     [] {
-         auto c = Criteria(1, EQ, "archiv");
-         c.checkName = false;
-         return c;
-     },
-     {"Urlaub\\\\Bilder\\", "Urlaub\\\\Bilder\\Urlaub\\", "Urlaub\\\\FOTOS\\", "Urlaub\\\\FOTOS\\2001\\", "Archiv",
-      "Archiv\\\\Urlaub2004\\"}},
     // The closing backslash: folder lines with "ends with" take one off for good.
     {"ClosingBackslashCarriedToFileLines", [] { return Criteria(2, ENDS, "jpg\\"); },
      {"Urlaub\\\\Bilder\\Urlaub\\p1.jpg", "Urlaub\\\\FOTOS\\2001\\bild.jpg", "Archiv\\\\Urlaub2004\\strand.JPG"}},
-    {"ClosingBackslashKeptWithoutFolderLines", [] { return Criteria(0, ENDS, "jpg\\"); }, {}},
-    {"OneBackslashOffPerFolderLine", [] { return Criteria(1, ENDS, "2001\\\\"); }, {"Urlaub\\\\FOTOS\\2001\\"}},
-    {"ClosingBackslashNotTakenWithContains", [] { return Criteria(1, CONT, "2001\\"); }, {}},
     // Sizes: files only, folders never size-tested.
     {"SizeLettersCountAsZero", [] { return WithSize(GT, "abc"); },
      {"Urlaub\\\\Bilder\\index.htm", "Urlaub\\\\Bilder\\Urlaub\\p1.jpg", "Urlaub\\\\liesmich.txt",
       "Archiv\\\\Urlaub2004\\strand.JPG", "Archiv\\\\Urlaub2004\\Straße.txt", "Archiv\\\\Urlaub2004\\MÄRCHEN.TXT"}},
     {"NegativeSizeIsLessThanZero", [] { return WithSize(LT, "0"); }, {"Urlaub\\\\FOTOS\\2001\\bild.jpg"}},
     {"CommaEndsTheNumber", [] { return WithSize(EQ, "1024,5"); }, {"Urlaub\\\\liesmich.txt"}},
-    {"PointIsTheDecimalSign", [] { return WithSize(EQ, "1024.5"); }, {}},
-    {"OneCommaFiveIsOne", [] { return WithSize(EQ, "1,5"); }, {"Archiv\\\\Urlaub2004\\MÄRCHEN.TXT"}},
-    {"NotEqualSize", [] { return WithSize(NE, "2147483647"); },
-     {"Urlaub\\\\Bilder\\index.htm", "Urlaub\\\\Bilder\\Urlaub\\p1.jpg", "Urlaub\\\\liesmich.txt",
-      "Urlaub\\\\FOTOS\\2001\\bild.jpg", "Urlaub\\\\a*b.txt", "Archiv\\\\Urlaub2004\\Straße.txt",
-      "Archiv\\\\Urlaub2004\\MÄRCHEN.TXT"}},
     {"FractionalLimit", [] { return WithSize(GT, "2147483646.9999"); }, {"Archiv\\\\Urlaub2004\\strand.JPG"}},
-    {"FoldersPassTheSizeTest",
-     [] {
-         auto c = WithSize(LT, "0");
-         c.kind = 2;
-         c.nameTerm = "u";
-         return c;
-     },
-     {"Urlaub", "Urlaub\\\\Bilder\\Urlaub\\", "Archiv", "Archiv\\\\Urlaub2004\\"}},
     // Attributes: the whole field.
     {"NoAttributesLiteral", [] { return WithAttributes("(ohne Attribute)"); },
-     {"Urlaub", "Urlaub\\\\FOTOS\\2001\\", "Urlaub\\\\a*b.txt", "Archiv"}},
-    {"NoAttributesInTheLanguageInForce", [] { return WithAttributes("(no attributes)", "(no attributes)"); },
      {"Urlaub", "Urlaub\\\\FOTOS\\2001\\", "Urlaub\\\\a*b.txt", "Archiv"}},
     {"AttributesWholeFieldOnly", [] { return WithAttributes("R H"); }, {"Urlaub", "Urlaub\\\\liesmich.txt", "Archiv"}},
     {"SingleMark", [] { return WithAttributes("A"); },
@@ -249,24 +194,12 @@ const Row kRows[] = {
      {"Urlaub", "Urlaub\\\\Bilder\\", "Urlaub\\\\Bilder\\Urlaub\\", "Urlaub\\\\Bilder\\index.htm",
       "Urlaub\\\\Bilder\\Urlaub\\p1.jpg", "Archiv", "Archiv\\\\Urlaub2004\\", "Archiv\\\\Urlaub2004\\strand.JPG",
       "Archiv\\\\Urlaub2004\\Straße.txt", "Archiv\\\\Urlaub2004\\MÄRCHEN.TXT"}},
-    {"DateWithShortTime", [] { return WithDate(EQ, "5.6.2004 12:00"); },
-     {"Urlaub", "Archiv", "Archiv\\\\Urlaub2004\\", "Archiv\\\\Urlaub2004\\Straße.txt"}},
     {"UnreadableTimeFailsOnlyItsLine", [] { return WithDate(LT, "01.01.2002"); },
      {"Urlaub", "Urlaub\\\\FOTOS\\", "Urlaub\\\\FOTOS\\2001\\", "Urlaub\\\\FOTOS\\2001\\bild.jpg", "Archiv"}},
-    {"UnreadableTimeIsNotUnequal", [] { return WithDate(NE, "01.01.2001 00:00:00"); },
-     {"Urlaub", "Urlaub\\\\Bilder\\", "Urlaub\\\\Bilder\\Urlaub\\", "Urlaub\\\\FOTOS\\2001\\", "Urlaub\\\\Bilder\\index.htm",
-      "Urlaub\\\\Bilder\\Urlaub\\p1.jpg", "Urlaub\\\\liesmich.txt", "Urlaub\\\\FOTOS\\2001\\bild.jpg", "Archiv",
-      "Archiv\\\\Urlaub2004\\", "Archiv\\\\Urlaub2004\\strand.JPG", "Archiv\\\\Urlaub2004\\Straße.txt",
-      "Archiv\\\\Urlaub2004\\MÄRCHEN.TXT"}},
     // Descriptions: case counts, the whole rest of the line.
     {"DescriptionRespectsCase", [] { return WithDescription(CONT, "Urlaub"); },
      {"Urlaub", "Urlaub\\\\FOTOS\\2001\\", "Archiv"}},
-    {"DescriptionLowerCase", [] { return WithDescription(CONT, "urlaub"); },
-     {"Urlaub", "Urlaub\\\\FOTOS\\2001\\bild.jpg", "Archiv"}},
     {"DescriptionHoldsBars", [] { return WithDescription(EQ, "x|y"); }, {"Urlaub", "Urlaub\\\\a*b.txt", "Archiv"}},
-    {"DescriptionEndsWith", [] { return WithDescription(ENDS, "day"); },
-     {"Urlaub", "Urlaub\\\\Bilder\\Urlaub\\p1.jpg", "Archiv"}},
-    {"DescriptionNoBackslashStep", [] { return WithDescription(ENDS, "coast\\"); }, {"Urlaub", "Archiv"}},
     {"DescriptionWindows1252", [] { return WithDescription(BEG, "Mär"); },
      {"Urlaub", "Archiv", "Archiv\\\\Urlaub2004\\Straße.txt"}},
     // All criteria joined by "and".
@@ -327,36 +260,17 @@ void BreakFrom(ct::SearchCriteria& c, int from) {
 const CheckRow kCheckRows[] = {
     {"NoKind", [](auto& c) { BreakFrom(c, 1); }, 10101},
     {"NoTerm", [](auto& c) { BreakFrom(c, 2); }, 10102},
-    {"NoSizeOperator", [](auto& c) { BreakFrom(c, 3); }, 10103},
-    {"NoAttributes", [](auto& c) { BreakFrom(c, 4); }, 10104},
     {"NoDateOperator", [](auto& c) { BreakFrom(c, 5); }, 10105},
-    {"NoDescriptionOperator", [](auto& c) { BreakFrom(c, 6); }, 10106},
-    {"NoSize", [](auto& c) { BreakFrom(c, 7); }, 10107},
     {"NoDate", [](auto& c) { BreakFrom(c, 8); }, 10108},
-    {"NoDescription", [](auto& c) { BreakFrom(c, 9); }, 10109},
     {"NoDiscMarked", [](auto& c) { BreakFrom(c, 10); }, 10110},
     {"BadDate", [](auto& c) { BreakFrom(c, 11); }, 10112},
-    {"NoDiscsAtAll", [](auto& c) { c.discs.clear(); }, 10110},
-    {"BlanksAreATerm", [](auto& c) { c.nameTerm = "  "; }, 0},
     {"EmptyTermWithNameUnchecked", [](auto& c) { c.nameTerm.clear(); c.checkName = false; }, 0},
     {"OperatorBoxIsNotChecked", [](auto& c) { c.nameOperator.clear(); }, 0},
-    {"UncheckedCriteriaAreNotChecked", [](auto& c) { c.dateText = "no date"; c.sizeText.clear(); }, 0},
     {"SizeNumberIsNotChecked", [](auto& c) { c.checkSize = c.sizeOperatorChosen = true; c.sizeText = "abc"; }, 0},
 };
 
 INSTANTIATE_TEST_SUITE_P(Search, EntryChecks, ::testing::ValuesIn(kCheckRows),
                          [](const auto& info) { return std::string(info.param.name); });
-
-TEST(SearchOperators, LowerIdWinsOnEqualTexts) {
-    auto texts = kOps;
-    texts[2] = texts[0];  // "contains" reads like "equal"
-    texts[9] = texts[1];
-    EXPECT_EQ(ct::TextOperator(texts, "gleich"), ct::SearchOp::Equal);
-    EXPECT_EQ(ct::NumberOperator(texts, "ungleich"), ct::SearchOp::NotEqual);
-    // The size and date boxes don't offer "contains": no test.
-    EXPECT_EQ(ct::NumberOperator(kOps, "enthält"), ct::SearchOp::None);
-    EXPECT_EQ(ct::TextOperator(kOps, "größer"), ct::SearchOp::None);
-}
 
 TEST(SearchOperators, EmptyTermRules) {
     EXPECT_TRUE(ct::CompareText(ct::SearchOp::Contains, "A", ""));
@@ -387,22 +301,12 @@ TEST_P(Dates, ReadAndWrittenInFull) {
 const DateRow kDateRows[] = {
     {"Full", "14.03.2003 09:12:40", "14.03.2003 09:12:40"},
     {"DateOnly", "14.03.2003", "14.03.2003 00:00:00"},
-    {"OneDigitDayMonth", "1.2.2003", "01.02.2003 00:00:00"},
     {"ShortTime", "01.02.2003 4:5", "01.02.2003 04:05:00"},
-    {"Blanks", "  5.6.2004   12:00:01 ", "05.06.2004 12:00:01"},
     {"TwoDigitYear", "1.1.99", "01.01.1999 00:00:00"},
-    {"TwoDigitYearThisCentury", "1.1.05", "01.01.2005 00:00:00"},
     {"LeapDay", "29.02.2004", "29.02.2004 00:00:00"},
-    {"LastSecond", "31.12.9999 23:59:59", "31.12.9999 23:59:59"},
     {"NoLeapDay", "29.02.2003", nullptr},
-    {"April31", "31.04.2003", nullptr},
     {"FailedTimeText", "00.00.0 00:00:00", nullptr},
-    {"Hour25", "14.03.2003 25:00:00", nullptr},
-    {"Letters", "abc", nullptr},
-    {"Empty", "", nullptr},
     {"TrailingJunk", "14.03.2003 x", nullptr},
-    {"FiveDigitYear", "1.1.30827", nullptr},
-    {"LongNumber", "99999999999999999999.1.2000", nullptr},
 };
 INSTANTIATE_TEST_SUITE_P(Search, Dates, ::testing::ValuesIn(kDateRows),
                          [](const auto& info) { return std::string(info.param.name); });
@@ -413,16 +317,6 @@ void WriteManyFiles(TempDir& dir, const std::string& label, int files) {
     std::string text = "0|0||0|0|0|\r\n\r\n\r\n";
     for (int i = 0; i < files; ++i) text += "\\f" + std::to_string(i) + ".txt|1|A|01.01.2001 00:00:00|\r\n";
     dir.WriteRaw(label, text);
-}
-
-TEST(SearchRun, Exactly32000HitsEndNormally) {
-    TempDir dir;
-    WriteManyFiles(dir, "Viele", 32000);
-    auto c = Criteria(0, BEG, "f");
-    c.discs = {{"Viele", true}};
-    ct::SearchEnd end;
-    EXPECT_EQ(Hits(dir, c, &end).size(), 32000u);
-    EXPECT_EQ(end, ct::SearchEnd::Normal);
 }
 
 TEST(SearchRun, The32001stHitEndsTheRunAtOnce) {
@@ -484,20 +378,6 @@ TEST(SearchRun, StopEndsAfterTheDiscInHand) {
     EXPECT_EQ(seen, (std::vector<std::pair<int, std::size_t>>{{1, 2}}));
 }
 
-TEST(SearchRun, UnmarkedDiscsAreNotCounted) {
-    TempDir dir;
-    WriteCollection(dir);
-    auto c = Criteria(2, CONT, "urlaub");
-    c.discs = {{"Urlaub", false}, {"Archiv", true}};
-    std::vector<int> counters;
-    ct::SearchHooks hooks;
-    hooks.afterDisc = [&](int n, std::size_t) { counters.push_back(n); };
-    VectorSink sink;
-    ct::RunSearch(dir.str(), c, sink, hooks);
-    EXPECT_EQ(sink.hits, (std::vector<std::string>{"Archiv", "Archiv\\\\Urlaub2004\\"}));
-    EXPECT_EQ(counters, (std::vector<int>{1}));
-}
-
 // The name test upper-cases the name before comparing: the dotless i and the
 // long s become I and S, so an ASCII term finds them, in either encoding.
 TEST(SearchRun, LettersThatUpperCaseIntoAscii) {
@@ -513,13 +393,6 @@ TEST(SearchRun, LettersThatUpperCaseIntoAscii) {
     c.nameOperator = kOps[NCONT];
     EXPECT_EQ(Hits(dir, c), (std::vector<std::string>{"Disc", "Disc\\\\f\xc4\xb1le.txt", "Disc\\\\Ma\xc3\x9f.txt",
                                                       "Disc\\\\ordner\\File", "Disc\\\\urlaub\\x.txt"}));
-}
-
-TEST(SearchOrder, CaseIgnoredTiesByBytes) {
-    std::vector<std::string> v = {"urlaub\\\\b", "Archiv", "URLAUB", "Urlaub\\\\a", "Urlaub", "äpfel", "Zebra", "Urlaubx", "Urlaub_x"};
-    std::sort(v.begin(), v.end(), [](const auto& a, const auto& b) { return ct::ListOrderLess(a, b); });
-    EXPECT_EQ(v, (std::vector<std::string>{"Archiv", "URLAUB", "Urlaub", "Urlaub\\\\a", "urlaub\\\\b", "Urlaub_x",
-                                           "Urlaubx", "Zebra", "äpfel"}));
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <fstream>
 
 #include "core/statistics.h"
+#include "support/scratch.h"
 
 namespace fs = std::filesystem;
 
@@ -13,14 +14,8 @@ namespace {
 
 class Statistics : public ::testing::Test {
 protected:
-    void SetUp() override {
-        data = fs::temp_directory_path() /
-               ("cartulon_statistics_" +
-                std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
-        fs::remove_all(data);
-        fs::create_directories(data);
-    }
-    void TearDown() override { fs::remove_all(data); }
+    ct::test::Scratch scratch;
+    fs::path data = scratch.Path();
 
     void Catalogue(const std::string& label, const std::string& size, int folders, int files,
                    const std::string& tail = {}) {
@@ -33,7 +28,6 @@ protected:
     void Write(const std::string& label, const std::string& text) {
         std::ofstream(data / (label + ".idx"), std::ios::binary) << text;
     }
-    fs::path data;
 };
 
 std::vector<std::string> All(const ct::StatisticsFigures& f) {
@@ -50,20 +44,6 @@ TEST_F(Statistics, TheWorkedExample) {
     EXPECT_EQ(All(ct::FormatStatistics(totals, ".")),
               (std::vector<std::string>{"2", "1354311424 Bytes (1.26 GB)", "7", "7",
                                         "677155712 Bytes (0.63 GB)", "3.5", "3.5"}));
-}
-
-TEST_F(Statistics, OneDiscShowsEqualTotalsAndAverages) {
-    Catalogue("A", "1354311424", 0, 0);
-    const auto f = ct::FormatStatistics(ct::CollectStatistics(data.string(), {"A"}), ",");
-    EXPECT_EQ(f.totalSize, "1354311424 Bytes (1,26 GB)");
-    EXPECT_EQ(f.averageSize, f.totalSize);
-    EXPECT_EQ(f.folders, "0");
-    EXPECT_EQ(f.files, "0");
-}
-
-TEST_F(Statistics, NoDiscsGivesZeroEverywhere) {
-    EXPECT_EQ(All(ct::FormatStatistics(ct::CollectStatistics(data.string(), {}), ",")),
-              (std::vector<std::string>{"0", "0 Bytes (0 GB)", "0", "0", "0 Bytes (0 GB)", "0", "0"}));
 }
 
 TEST_F(Statistics, MissingAndCutShortCataloguesCountWhatCanBeRead) {
@@ -86,29 +66,12 @@ TEST_F(Statistics, MissingAndCutShortCataloguesCountWhatCanBeRead) {
     EXPECT_TRUE(totals.complete);
 }
 
-TEST_F(Statistics, StoppedRunSaysSo) {
-    Catalogue("A", "1000", 2, 3);
-    Catalogue("B", "1000", 2, 3);
-    const auto totals = ct::CollectStatistics(data.string(), {"A", "B"},
-                                              [](std::size_t disc, std::size_t) { return disc < 2; });
-    EXPECT_FALSE(totals.complete);
-    EXPECT_EQ(totals.totalSize, ct::Fixed::FromInt(1000));
-}
-
 TEST_F(Statistics, OnlyTheHeaderSizeIsSummed) {
     Catalogue("A", "2048", 0, 2);  // files of size -5 change nothing
     Write("Junk", "abc|x\r\n\r\n\r\n");
     const auto totals = ct::CollectStatistics(data.string(), {"A", "Junk"});
     EXPECT_EQ(totals.totalSize, ct::Fixed::FromInt(2048));
     EXPECT_EQ(totals.files, 2);
-}
-
-TEST_F(Statistics, SecondRunGivesTheSameFigures) {
-    Catalogue("A", "654311424", 2, 3);
-    Catalogue("B", "700000000", 5, 4);
-    const auto first = ct::FormatStatistics(ct::CollectStatistics(data.string(), {"A", "B"}), ",");
-    const auto second = ct::FormatStatistics(ct::CollectStatistics(data.string(), {"A", "B"}), ",");
-    EXPECT_EQ(All(first), All(second));
 }
 
 TEST_F(Statistics, TotalsBeyondWhatADoubleHoldsExactlyAsFixed) {
@@ -150,26 +113,14 @@ INSTANTIATE_TEST_SUITE_P(
     Files, CounterTable,
     ::testing::Values(
         CountRow{"Empty", ""},
-        CountRow{"HeaderWithoutLineEnd", "123|x"},
         CountRow{"HeaderOnly", "123|x\r\n"},
-        CountRow{"HeaderAndEmptyLine", "123|x\r\n\r\n"},
-        CountRow{"NoFoldersNoFiles", "123|x\r\n\r\n\r\n"},
         CountRow{"Example", "1|a\r\n\r\n\\A|||\r\n\\A\\B|||d\r\n\r\n\\A\\f|1|||\r\n\\g|2|||"},
-        CountRow{"LineFeedsOnly", "1|a\n\n\\A|||\n\n\\f|1|||\n\\g|1|||\n"},
         CountRow{"LoneCarriageReturns", "1|a\r\r\\A|||\r\r\\f|1|||\r\\g|1|||\r"},
         CountRow{"MixedEnds", "1|a\r\r\n\\A|||\n\r\n\\f\r\r\n\n\r"},
         CountRow{"FoldersCutShort", "500|x\r\n\r\n\\f1|||\r\n\\f2|||"},
-        CountRow{"FoldersCutShortAfterLineEnd", "500|x\r\n\r\n\\f1|||\r\n"},
         CountRow{"EmptyLinesAmongFiles", "1|a\r\n\r\n\r\n\\f1\r\n\r\n\\f2\r\n\r\n"},
-        CountRow{"SecondLineNotEmpty", "1|a\r\nstray\r\n\\A|||\r\n\r\n\\f|1|||\r\n"},
-        CountRow{"Windows1252Header", "1|0|CDFS|1|1|1|B\xFC" "cher\r\n\r\n\r\n\\f|1|||\r\n"}),
+        CountRow{"SecondLineNotEmpty", "1|a\r\nstray\r\n\\A|||\r\n\r\n\\f|1|||\r\n"}),
     [](const auto& info) { return std::string(info.param.name); });
-
-TEST_F(Statistics, CounterOnAMissingFile) {
-    const ct::CatalogueCounts got = ct::CatalogueCounter().Count((data / "gone.idx").string());
-    EXPECT_FALSE(got.opened);
-    EXPECT_EQ(got.folders + got.files, 0);
-}
 
 struct RoundRow {
     const char* name;
@@ -187,14 +138,9 @@ INSTANTIATE_TEST_SUITE_P(
     Values, Round2,
     ::testing::Values(RoundRow{"TieDown", 2.125, "2,12"},
                       RoundRow{"TieUp", 2.375, "2,38"},
-                      RoundRow{"EighthDown", 0.125, "0,12"},
                       RoundRow{"OneDecimal", 2.5, "2,5"},
                       RoundRow{"Whole", 3, "3"},
-                      RoundRow{"Zero", 0, "0"},
-                      RoundRow{"LeadingZeroDecimal", 0.05, "0,05"},
-                      RoundRow{"RoundsUpToWhole", 2.999, "3"},
                       RoundRow{"NoGroupSeparator", 1234567.891, "1234567,89"},
-                      RoundRow{"Negative", -2.5, "-2,5"},
                       RoundRow{"GigabytesOfTheExample", 1354311424.0 / 1024 / 1024 / 1024, "1,26"}),
     [](const auto& info) { return std::string(info.param.name); });
 

@@ -2,11 +2,13 @@
 # `cmake --install` must lay out a complete portable program folder: copied
 # anywhere, it runs with its texts, help and data folder.
 set -euo pipefail
-build=$1 dest=$2
+build=$1 dest=$2 gui=${3:-gui}
 rm -rf "$dest"
 cmake --install "$build" --prefix "$dest" >/dev/null
 fail=0
-for f in cartulon folihelp.exe cartulon-cli CT.ini CT.rd CT0.fhp CT1.fhp Version0.txt Version1.txt; do
+# A build without the windows installs neither the program nor its help viewer.
+progs="cartulon folihelp.exe"; [ "$gui" = gui ] || progs=""
+for f in $progs cartulon-cli CT.ini CT.rd CT0.fhp CT1.fhp Version0.txt Version1.txt; do
   [ -f "$dest/$f" ] || { echo "missing in the installed folder: $f"; fail=1; }
 done
 [ -d "$dest/Daten" ] || { echo "missing in the installed folder: Daten/"; fail=1; }

@@ -82,28 +82,6 @@ TEST(DrivesOf, DiscsFirstThenRemovableThenTheRestNeverPseudo) {
     EXPECT_EQ(drives[3].volumeName, "");
 }
 
-TEST(DrivesOf, OpticalByDeviceEvenWithAnotherType) {
-    const auto drives = DrivesOf({Mount("/", "ext4", "/dev/sda1", 8, 1),
-                                  Mount("/media/audio", "fuse.cddfs", "/dev/sr0", 0, 40)},
-                                 {});
-    ASSERT_EQ(drives.size(), 2u);
-    EXPECT_EQ(drives[0].mountPoint, "/media/audio");
-    EXPECT_TRUE(drives[0].optical);
-}
-
-TEST(DrivesOf, AMountPointMountedTwiceShowsOnceWithTheTopMount) {
-    const auto drives = DrivesOf({Mount("/media/cd", "iso9660", "/dev/sr0", 11, 0),
-                                  Mount("/media/cd", "udf", "/dev/sr0", 11, 0)},
-                                 [](const std::string&) { return std::string("X"); });
-    ASSERT_EQ(drives.size(), 1u);
-    EXPECT_EQ(drives[0].display, "/media/cd [X]");
-}
-
-TEST(DrivesOf, NothingMountedGivesNothing) {
-    EXPECT_TRUE(DrivesOf({}, {}).empty());
-    EXPECT_TRUE(DrivesOf({Mount("/proc", "proc", "proc", 0, 1)}, {}).empty());
-}
-
 TEST(ListDrives, ThisMachineListsNoPseudoFileSystem) {
     for (const auto& d : ListDrives()) {
         EXPECT_NE(d.mountPoint.rfind("/proc", 0), 0u) << d.mountPoint;

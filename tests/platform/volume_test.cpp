@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "scratch.h"
+#include "support/scratch.h"
 
 namespace ct {
 namespace {
@@ -34,28 +34,6 @@ TEST(ParseMountInfo, FieldsEscapesAndOptionalTags) {
     EXPECT_EQ(m[2].minor, 17u);
     EXPECT_EQ(m[3].root, "/home/anna/share");
     EXPECT_EQ(m[4].source, "server:/export all");
-}
-
-TEST(ParseMountInfo, DamagedLinesAreSkippedTheRestKept) {
-    const std::string text =
-        "\n"
-        "garbage\n"
-        "30 1 8:1 / /no-separator rw ext4 /dev/sda1 rw\n"
-        "31 1 x:1 / /bad-device rw - ext4 /dev/sda1 rw\n"
-        "32 1 8:1 / /nothing-behind-dash rw -\n"
-        "33 1 8:2 / /good rw - xfs /dev/sda2 rw\n"
-        "34 1 8:3 / /cut rw shared:1 -";
-    const auto m = ParseMountInfo(text);
-    ASSERT_EQ(m.size(), 1u);
-    EXPECT_EQ(m[0].mountPoint, "/good");
-    EXPECT_TRUE(ParseMountInfo("").empty());
-}
-
-TEST(ParseMountInfo, ReadsThisMachinesTable) {
-    const auto m = ReadMountInfo();
-    ASSERT_FALSE(m.empty());
-    MountEntry root;
-    EXPECT_TRUE(MountOf(m, "/", root));
 }
 
 std::vector<MountEntry> SampleMounts() {
@@ -151,25 +129,6 @@ TEST(ReadVolumeInfo, FolderOnThisMachineGivesItsVolumesFigures) {
         EXPECT_EQ(static_cast<std::uint64_t>(v.ClusterCount) * v.SectorsPerCluster * v.BytesPerSector,
                   static_cast<std::uint64_t>(vfs.f_blocks) * vfs.f_frsize);
     }
-}
-
-TEST(ReadVolumeInfo, MissingRootLeavesTheCallersValues) {
-    VolumeInfo v;
-    v.VolumeName = "kept";
-    v.SerialNumber = -5;
-    v.FileSystem = "kept";
-    v.ClusterCount = 7;
-    v.SectorsPerCluster = 8;
-    v.BytesPerSector = 9;
-    v.Size = Fixed::FromInt(10);
-    ReadVolumeInfo("/no/such/drive", v);
-    EXPECT_EQ(v.VolumeName, "kept");
-    EXPECT_EQ(v.SerialNumber, -5);
-    EXPECT_EQ(v.FileSystem, "kept");
-    EXPECT_EQ(v.ClusterCount, 7);
-    EXPECT_EQ(v.SectorsPerCluster, 8);
-    EXPECT_EQ(v.BytesPerSector, 9);
-    EXPECT_EQ(v.Size, Fixed::FromInt(10));
 }
 
 }  // namespace

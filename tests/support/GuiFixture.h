@@ -4,11 +4,14 @@
 // screen it runs on.
 #pragma once
 
+#include <QApplication>
 #include <QMessageBox>
+#include <QTimer>
 #include <QSize>
 #include <QString>
 #include <QTemporaryDir>
 #include <deque>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -68,6 +71,29 @@ std::vector<std::string> ExampleCatalogue();
 
 // Items of a list box, in order.
 QStringList Items(const ListBox* list);
+
+// Runs `act` on the next modal dialog of type D once it is up (a modal dialog
+// runs its own event loop, so the test can't act after the call that opens
+// it). Whatever the act leaves open is closed after a while, so a wrong turn
+// fails the test instead of hanging it.
+template <class D>
+void WhenUp(std::function<void(D&)> act, bool* opened = nullptr) {
+    QTimer::singleShot(0, [act, opened] {
+        auto* dialog = dynamic_cast<D*>(QApplication::activeModalWidget());
+        if (!dialog) return;
+        if (opened) *opened = true;
+        act(*dialog);
+    });
+    QTimer::singleShot(3000, [] {
+        if (QWidget* w = QApplication::activeModalWidget()) w->close();
+    });
+}
+
+// Whether the last help call opened the topic of text `baseId`.
+bool HelpShows(const GuiFixture& f, int baseId);
+
+// The file names in the data folder, sorted.
+QStringList DataFiles(const GuiFixture& f);
 
 // Chooses the item `text` as a user would (the click handler runs); returns
 // its index, or -1 when the list doesn't hold it.

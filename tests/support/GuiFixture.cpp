@@ -17,6 +17,9 @@ GuiFixture::GuiFixture(const std::string& stageDir) {
     if (!dir_.isValid()) return;
     QDir(dir_.path()).mkdir(QStringLiteral("Daten"));
     hasResources_ = QFile::copy(QString::fromStdString(stageDir + "/CT.rd"), dir_.filePath(QStringLiteral("CT.rd")));
+    // Without the texts every window shows empty strings, and comparisons of
+    // empty against empty would pass: no test runs without them.
+    if (!hasResources_) qFatal("no CT.rd in %s: build the target cartulon_data first", stageDir.c_str());
     SetProgramFolderForTesting(Folder());
     WriteIni("0", "C", DataFolder());
 
@@ -107,6 +110,17 @@ QStringList Items(const ListBox* list) {
     QStringList items;
     for (int i = 0; i < list->ListCount(); ++i) items.append(list->List(i));
     return items;
+}
+
+bool HelpShows(const GuiFixture& f, int baseId) {
+    return !f.helpCalls.empty() &&
+           QString::fromStdString(f.helpCalls.back()).endsWith(", " + ResourceText(baseId));
+}
+
+QStringList DataFiles(const GuiFixture& f) {
+    QStringList names = QDir(QString::fromStdString(f.DataFolder())).entryList(QDir::Files | QDir::Hidden);
+    names.sort();
+    return names;
 }
 
 int Select(ListBox* list, const QString& text) {
