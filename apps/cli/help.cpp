@@ -287,10 +287,19 @@ std::string Completion() {
        << "    case \"${COMP_WORDS[1]} $prev\" in\n";
     for (const Command& c : SortedCommands()) {
         for (const Option& o : c.options) {
-            if (o.choices.empty()) continue;
-            os << "        \"" << c.name << " " << o.name << "\") COMPREPLY=($(compgen -W \"";
-            for (const std::string& w : o.choices) os << w << " ";
-            os << "\" -- \"$cur\")); return ;;\n";
+            if (o.takes == Takes::Nothing) continue;
+            os << "        \"" << c.name << " " << o.name << "\") ";
+            if (!o.choices.empty()) {
+                os << "COMPREPLY=($(compgen -W \"";
+                for (const std::string& w : o.choices) os << w << " ";
+                os << "\" -- \"$cur\")); return ;;\n";
+            } else if (o.metavar == "LABEL") {
+                os << "_cartulon_cli_labels \"$cur\"; return ;;\n";
+            } else if (o.metavar == "DIR") {
+                os << "COMPREPLY=($(compgen -d -- \"$cur\")); return ;;\n";
+            } else {  // free text: nothing to offer
+                os << "COMPREPLY=(); return ;;\n";
+            }
         }
     }
     os << "        *\" --data-folder\") COMPREPLY=($(compgen -d -- \"$cur\")); return ;;\n"
@@ -300,7 +309,7 @@ std::string Completion() {
        << "    elif [[ $argument == LABEL* || $argument == OLD* ]] && [ \"$COMP_CWORD\" -eq 2 ]; then\n"
        << "        _cartulon_cli_labels \"$cur\"\n"
        << "    else\n"
-       << "        COMPREPLY=($(compgen -d -- \"$cur\"))\n"
+       << "        COMPREPLY=($(compgen -f -- \"$cur\"))\n"
        << "    fi\n"
        << "}\n"
        << "complete -o filenames -F _cartulon_cli cartulon-cli\n";
