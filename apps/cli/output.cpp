@@ -62,8 +62,10 @@ Records::Records(const Context& ctx, std::vector<Field> fields, bool single)
 
 Records::~Records() {
     if (FormatOf(ctx_) != Format::Json) return;
-    if (!single_) *ctx_.out << (count_ ? "\n]\n" : "[]\n");
-    else if (!count_) *ctx_.out << "{}\n";
+    if (!single_)
+        *ctx_.out << (count_ ? "\n]\n" : "[]\n");
+    else if (!count_)
+        *ctx_.out << "{}\n";
 }
 
 void Records::Add(const std::vector<std::string>& values) {
