@@ -24,10 +24,7 @@ struct Figure {
 };
 
 std::string JsonValue(const Context& ctx, const Figure& f) {
-    const bool plain = f.number && !f.value.empty() &&
-                       f.value.find_first_not_of("0123456789") == std::string::npos &&
-                       (f.value.size() == 1 || f.value[0] != '0');
-    return plain ? f.value : JsonString(Value(ctx, f.value, f.key == std::string_view("folder")));
+    return f.number && IsJsonNumber(f.value) ? f.value : JsonString(Value(ctx, f.value, f.key == std::string_view("folder")));
 }
 
 // Text: "caption: value" lines as the panes show them; tsv: the values on

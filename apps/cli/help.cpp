@@ -13,7 +13,9 @@ const char* Pick(Tr text, int language) { return language == 0 ? text.de : text.
 
 const std::vector<Option>& CommonOptions() {
     static const std::vector<Option> options = {
-        {"--data-folder", Takes::Value, "DIR",
+        {"--data-folder",
+         Takes::Value,
+         "DIR",
          {"der Ordner der Kataloge (Vorgabe: der aus CT.ini, sonst Daten/ neben dem Programm)",
           "the folder of the catalogues (default: the one CT.ini names, else Daten/ beside the program)"}},
         {"--help", Takes::Nothing, "", {"diese Hilfe", "this help"}, "-h"},
@@ -35,14 +37,16 @@ const Tr kVersion = {"die Version (allein angegeben)", "the version (given alone
 const Tr kExit = {"Rückgabewert: 0 erledigt oder gefunden, 1 nichts gefunden, 2 Fehler oder abgelehnt.",
                   "Exit status: 0 done or found, 1 nothing found, 2 error or refused."};
 const Tr kLanguage = {
-    "Die Sprache ist die aus CT.ini; steht dort keine, entscheiden LC_ALL, LC_MESSAGES und LANG (de… Deutsch, "
-    "sonst Englisch).",
-    "The language is the one CT.ini names; where it names none, LC_ALL, LC_MESSAGES and LANG decide (de… "
-    "German, else English)."};
+    "Die Sprache ist die aus CT.ini; steht dort keine, entscheiden LC_ALL, LC_MESSAGES und LANG (de_DE und "
+    "andere mit de: Deutsch, sonst Englisch).",
+    "The language is the one CT.ini names; where it names none, LC_ALL, LC_MESSAGES and LANG decide (de_DE "
+    "and others beginning with de: German, else English)."};
 const Tr kFiles = {
-    "cartulon und cartulon-cli arbeiten im Programmordner, in dem sie liegen: CT.ini dort nennt die Sprache und "
+    "cartulon und cartulon-cli arbeiten im Programmordner, in dem sie liegen: CT.ini dort nennt die Sprache "
+    "und "
     "den Datenordner (Vorgabe: Daten/ daneben), und jeder Datenträger ist eine Datei BEZEICHNUNG.idx im "
-    "Datenordner. Aus dem Paket installiert, geben /usr/bin/cartulon und /usr/bin/cartulon-cli jedem Benutzer "
+    "Datenordner. Aus dem Paket installiert, geben /usr/bin/cartulon und /usr/bin/cartulon-cli jedem "
+    "Benutzer "
     "einen eigenen Programmordner, ~/.local/share/cartulon (oder $XDG_DATA_HOME/cartulon), angelegt beim "
     "ersten Start und nach einem Update erneuert; CT.ini und Daten/ darin werden nie ersetzt. Das Entfernen "
     "des Pakets lässt diesen Ordner stehen; „rm -r ~/.local/share/cartulon“ löscht ihn samt den Katalogen "
@@ -54,18 +58,23 @@ const Tr kFiles = {
     "after an update; CT.ini and Daten/ in it are never replaced. Removing the package keeps this folder; "
     "\"rm -r ~/.local/share/cartulon\" removes it with the user's catalogues."};
 const Tr kGuiName = {"Katalog der Sicherungs-Datenträger", "catalogue of backup discs"};
-const Tr kCliName = {"Cartulons Katalog der Datenträger im Terminal", "Cartulon's disc catalogue in a terminal"};
+const Tr kCliName = {"Cartulons Katalog der Datenträger im Terminal",
+                     "Cartulon's disc catalogue in a terminal"};
 const Tr kGuiText = {
     "Cartulon liest eine CD, DVD oder jeden eingehängten Datenträger einmal ein und legt für ihn eine "
     "Katalogdatei an. Danach lassen sich Datenträger, Ordner und Dateien mit ihren Angaben durchsehen, mit "
     "Beschreibungen versehen und nach Name, Größe, Attributen, Datum und Beschreibung durchsuchen, ohne dass "
-    "der Datenträger zur Hand sein muss. Das Programm nimmt keine Argumente; die Sprache, das Laufwerk und der "
-    "Datenordner stehen in CT.ini und werden unter Extras, Optionen eingestellt. Die Hilfe (F1) erklärt jedes "
+    "der Datenträger zur Hand sein muss. Das Programm nimmt keine Argumente; die Sprache, das Laufwerk und "
+    "der "
+    "Datenordner stehen in CT.ini und werden unter Extras, Optionen eingestellt. Die Hilfe (F1) erklärt "
+    "jedes "
     "Fenster.",
-    "Cartulon reads a CD, a DVD or any mounted volume once and keeps a catalogue file of it. From then on the "
+    "Cartulon reads a CD, a DVD or any mounted volume once and keeps a catalogue file of it. From then on "
+    "the "
     "discs, their folders and files with their details can be browsed, described and searched by name, size, "
     "attributes, date and description, without the disc at hand. The program takes no arguments; the "
-    "language, the drive and the data folder stand in CT.ini and are set in the options window. The help (F1) "
+    "language, the drive and the data folder stand in CT.ini and are set in the options window. The help "
+    "(F1) "
     "explains every window."};
 
 std::string Synopsis(const Option& o, bool shortFirst) {
@@ -156,13 +165,14 @@ std::string UsageLine(const Command& c, std::string_view lead = "") {
     std::vector<std::string> parts;
     if (!c.arguments.empty()) parts.push_back(c.arguments);
     for (const Option& o : c.options)
-        parts.push_back(o.required ? Synopsis(o, false) : "[" + Synopsis(o, false) + "]");
+        parts.push_back(o.required ? Synopsis(o, false)
+                                   : std::string("[").append(Synopsis(o, false)).append("]"));
     std::string line = "cartulon-cli " + c.name;
     const std::size_t indent = CharCount(lead) + line.size() + 1;
     std::size_t column = indent;
     for (const std::string& part : parts) {
         if (column + 1 + CharCount(part) > 79 && column > indent) {
-            line += "\n" + std::string(indent, ' ');
+            line.append("\n").append(indent, ' ');
             column = indent;
         } else {
             line += ' ';
@@ -181,9 +191,12 @@ std::string Roff(std::string_view text) {
     bool lineStart = true;
     for (char ch : text) {
         if (lineStart && (ch == '.' || ch == '\'')) out += "\\&";
-        if (ch == '\\') out += "\\e";
-        else if (ch == '-') out += "\\-";
-        else out += ch;
+        if (ch == '\\')
+            out += "\\e";
+        else if (ch == '-')
+            out += "\\-";
+        else
+            out += ch;
         lineStart = ch == '\n';
     }
     return out;
@@ -205,16 +218,18 @@ std::string RoffParagraphs(std::string_view text) {
 }
 
 std::string RoffOption(const Option& o, int language) {
-    std::string out = ".TP\n\\fB" + Roff(o.shortName.empty() ? o.name : o.shortName + ", " + o.name) + "\\fR";
-    if (!o.metavar.empty()) out += " \\fI" + Roff(o.metavar) + "\\fR";
-    return out + "\n" + Roff(Pick(o.help, language)) + "\n";
+    std::string out = ".TP\n\\fB";
+    out.append(Roff(o.shortName.empty() ? o.name : o.shortName + ", " + o.name)).append("\\fR");
+    if (!o.metavar.empty()) out.append(" \\fI").append(Roff(o.metavar)).append("\\fR");
+    return out.append("\n").append(Roff(Pick(o.help, language))).append("\n");
 }
 
 std::string ManPage(std::string_view program, int language) {
     std::ostringstream os;
     const bool cli = program == "cartulon-cli";
     std::string upper(program);
-    std::transform(upper.begin(), upper.end(), upper.begin(), [](unsigned char c) { return std::toupper(c); });
+    std::transform(upper.begin(), upper.end(), upper.begin(),
+                   [](unsigned char c) { return std::toupper(c); });
     os << ".\\\" Generated by cartulon-cli --man-page; edit the tables in apps/cli instead.\n"
        << ".TH " << Roff(upper) << " 1 \"\" \"Cartulon " << CARTULON_VERSION << "\" \""
        << (language == 0 ? "Benutzerbefehle" : "User Commands") << "\"\n"
@@ -234,8 +249,8 @@ std::string ManPage(std::string_view program, int language) {
         os << ".B cartulon\\-cli \\-\\-version\n"
            << ".SH " << (language == 0 ? "BESCHREIBUNG" : "DESCRIPTION") << "\n"
            << RoffParagraphs(Pick(kIntro, language)) << ".PP\n"
-           << RoffParagraphs(Pick(kLanguage, language))
-           << ".SH " << (language == 0 ? "BEFEHLE" : "COMMANDS") << "\n";
+           << RoffParagraphs(Pick(kLanguage, language)) << ".SH " << (language == 0 ? "BEFEHLE" : "COMMANDS")
+           << "\n";
         for (const Command& c : SortedCommands()) {
             os << ".SS " << Roff(c.name + (c.arguments.empty() ? "" : " " + c.arguments)) << "\n"
                << RoffParagraphs(Pick(c.summary, language));
@@ -244,13 +259,13 @@ std::string ManPage(std::string_view program, int language) {
         }
         os << ".SH " << (language == 0 ? "OPTIONEN JEDES BEFEHLS" : "OPTIONS OF EVERY COMMAND") << "\n";
         for (const Option& o : CommonOptions()) os << RoffOption(o, language);
-        os << RoffOption({"--version", Takes::Nothing, "", kVersion, "-V"}, language)
-           << ".SH " << (language == 0 ? "RÜCKGABEWERT" : "EXIT STATUS") << "\n"
+        os << RoffOption({"--version", Takes::Nothing, "", kVersion, "-V"}, language) << ".SH "
+           << (language == 0 ? "RÜCKGABEWERT" : "EXIT STATUS") << "\n"
            << RoffParagraphs(Pick(kExit, language));
     }
     os << ".SH " << (language == 0 ? "DATEIEN" : "FILES") << "\n"
-       << RoffParagraphs(Pick(kFiles, language))
-       << ".SH " << (language == 0 ? "SIEHE AUCH" : "SEE ALSO") << "\n"
+       << RoffParagraphs(Pick(kFiles, language)) << ".SH " << (language == 0 ? "SIEHE AUCH" : "SEE ALSO")
+       << "\n"
        << (cli ? ".BR cartulon (1)\n" : ".BR cartulon\\-cli (1)\n");
     return os.str();
 }
@@ -279,27 +294,37 @@ std::string Completion() {
     os << "\" -- \"$cur\")); return ;;\n";
     for (const Command& c : SortedCommands()) {
         os << "        " << c.name << ") options=\"";
-        for (const Option& o : AllOptions(c)) os << o.name << " " << (o.shortName.empty() ? "" : o.shortName + " ");
+        for (const Option& o : AllOptions(c))
+            os << o.name << " " << (o.shortName.empty() ? "" : o.shortName + " ");
         os << "\"; argument=\"" << c.arguments << "\" ;;\n";
     }
     os << "    esac\n"
-       << "    case $prev in\n";
+       << "    case \"${COMP_WORDS[1]} $prev\" in\n";
     for (const Command& c : SortedCommands()) {
         for (const Option& o : c.options) {
-            if (o.choices.empty()) continue;
-            os << "        " << o.name << ") [[ \" $options \" == *\" " << o.name << " \"* ]] && { COMPREPLY=($(compgen -W \"";
-            for (const std::string& w : o.choices) os << w << " ";
-            os << "\" -- \"$cur\")); return; } ;;\n";
+            if (o.takes == Takes::Nothing) continue;
+            os << "        \"" << c.name << " " << o.name << "\") ";
+            if (!o.choices.empty()) {
+                os << "COMPREPLY=($(compgen -W \"";
+                for (const std::string& w : o.choices) os << w << " ";
+                os << "\" -- \"$cur\")); return ;;\n";
+            } else if (o.metavar == "LABEL") {
+                os << "_cartulon_cli_labels \"$cur\"; return ;;\n";
+            } else if (o.metavar == "DIR") {
+                os << "COMPREPLY=($(compgen -d -- \"$cur\")); return ;;\n";
+            } else {  // free text: nothing to offer
+                os << "COMPREPLY=(); return ;;\n";
+            }
         }
     }
-    os << "        --data-folder) COMPREPLY=($(compgen -d -- \"$cur\")); return ;;\n"
+    os << "        *\" --data-folder\") COMPREPLY=($(compgen -d -- \"$cur\")); return ;;\n"
        << "    esac\n"
        << "    if [[ $cur == -* ]]; then\n"
        << "        COMPREPLY=($(compgen -W \"$options\" -- \"$cur\"))\n"
        << "    elif [[ $argument == LABEL* || $argument == OLD* ]] && [ \"$COMP_CWORD\" -eq 2 ]; then\n"
        << "        _cartulon_cli_labels \"$cur\"\n"
        << "    else\n"
-       << "        COMPREPLY=($(compgen -d -- \"$cur\"))\n"
+       << "        COMPREPLY=($(compgen -f -- \"$cur\"))\n"
        << "    fi\n"
        << "}\n"
        << "complete -o filenames -F _cartulon_cli cartulon-cli\n";
@@ -331,15 +356,13 @@ std::vector<Option> AllOptions(const Command& command) {
 
 std::string UsageText(const Command& command, int language) {
     const std::string lead = std::string(Pick(kUsage, language)) + " ";
-    return lead + UsageLine(command, lead) + "\n" +
-           Fill(Pick(kMore, language), {command.name}) + "\n";
+    return lead + UsageLine(command, lead) + "\n" + Fill(Pick(kMore, language), {command.name}) + "\n";
 }
 
 std::string GeneralHelp(int language) {
     std::ostringstream os;
-    os << Pick(kUsage, language) << " cartulon-cli " << (language == 0 ? "BEFEHL [ARGUMENTE] [OPTIONEN]"
-                                                                       : "COMMAND [ARGUMENTS] [OPTIONS]")
-       << "\n\n";
+    os << Pick(kUsage, language) << " cartulon-cli "
+       << (language == 0 ? "BEFEHL [ARGUMENTE] [OPTIONEN]" : "COMMAND [ARGUMENTS] [OPTIONS]") << "\n\n";
     Paragraph(os, Pick(kIntro, language));
     os << "\n" << Pick(kCommands, language) << "\n";
     std::vector<std::pair<std::string, std::string>> rows;

@@ -7,9 +7,6 @@
 
 namespace ct::cli {
 
-namespace {
-
-// What JSON takes as a number: -?digits(.digits)?, no leading zeros but one.
 bool IsJsonNumber(std::string_view s) {
     std::size_t i = 0;
     if (i < s.size() && s[i] == '-') ++i;
@@ -23,8 +20,6 @@ bool IsJsonNumber(std::string_view s) {
     }
     return i == s.size();
 }
-
-}  // namespace
 
 Format FormatOf(const Context& ctx) {
     const std::string f = ctx.args.Get("--format", "text");
@@ -67,8 +62,10 @@ Records::Records(const Context& ctx, std::vector<Field> fields, bool single)
 
 Records::~Records() {
     if (FormatOf(ctx_) != Format::Json) return;
-    if (!single_) *ctx_.out << (count_ ? "\n]\n" : "[]\n");
-    else if (!count_) *ctx_.out << "{}\n";
+    if (!single_)
+        *ctx_.out << (count_ ? "\n]\n" : "[]\n");
+    else if (!count_)
+        *ctx_.out << "{}\n";
 }
 
 void Records::Add(const std::vector<std::string>& values) {

@@ -18,6 +18,9 @@ Format FormatOf(const Context& ctx);
 // with '\' turned into '/' when --slashes was given and `isPath`.
 std::string Value(const Context& ctx, std::string_view text, bool isPath = false);
 
+// What JSON takes as a number: -?digits(.digits)?, no leading zeros.
+bool IsJsonNumber(std::string_view s);
+
 // A JSON string literal of UTF-8 text.
 std::string JsonString(std::string_view utf8);
 

@@ -28,7 +28,8 @@ bool ParseSize(std::string_view text, std::string& bytes) {
     const bool negative = !text.empty() && text[0] == '-';
     if (negative) end = 1;
     const std::size_t start = end;
-    while (end < text.size() && (std::isdigit(static_cast<unsigned char>(text[end])) || text[end] == '.')) ++end;
+    while (end < text.size() && (std::isdigit(static_cast<unsigned char>(text[end])) || text[end] == '.'))
+        ++end;
     const std::string_view number = text.substr(start, end - start);
     const std::size_t point = number.find('.');
     const std::string_view whole = number.substr(0, point);
@@ -49,18 +50,19 @@ bool ParseSize(std::string_view text, std::string& bytes) {
     // where the fraction says (the engine keeps four decimals of it).
     if (whole.size() + fraction.size() > 24) return false;
     unsigned __int128 scaled = 0;
-    for (char c : std::string(whole) + std::string(fraction)) scaled = scaled * 10 + static_cast<unsigned>(c - '0');
+    for (char c : std::string(whole) + std::string(fraction))
+        scaled = scaled * 10 + static_cast<unsigned>(c - '0');
     for (int i = 0; i < power; ++i) scaled *= 1024;
-    std::string digits;
-    do {
-        digits.insert(digits.begin(), static_cast<char>('0' + static_cast<int>(scaled % 10)));
+    // Built from the back: the digits, the point after the fraction's
+    // places, a leading 0 where the number is below 1, the sign.
+    std::string reversed;
+    for (std::size_t place = 0; scaled != 0 || place <= fraction.size(); ++place) {
+        if (place == fraction.size() && place != 0) reversed.push_back('.');
+        reversed.push_back(static_cast<char>('0' + static_cast<int>(scaled % 10)));
         scaled /= 10;
-    } while (scaled != 0);
-    if (!fraction.empty()) {
-        if (digits.size() <= fraction.size()) digits.insert(0, fraction.size() - digits.size() + 1, '0');
-        digits.insert(digits.size() - fraction.size(), ".");
     }
-    bytes = (negative ? "-" : "") + digits;
+    if (negative) reversed.push_back('-');
+    bytes.assign(reversed.rbegin(), reversed.rend());
     return true;
 }
 
