@@ -16,8 +16,8 @@ namespace {
 
 int RunDelete(Context& ctx) {
     const std::string& label = ctx.args.positional[0];
-    const std::string catalogue = CataloguePath(ctx.dataFolder, label);
-    if (!SystemFileOps().Exists(catalogue)) return ctx.Refuse(kNoDisc, {label, ctx.dataFolder});
+    std::string catalogue;
+    if (!CatalogueOfLabel(ctx, label, catalogue)) return kError;
     if (!ctx.args.Has("--yes")) {
         // Nothing is deleted unasked: without a terminal to ask on, the
         // caller has to say --yes.
@@ -38,9 +38,8 @@ int RunDelete(Context& ctx) {
             return kNothing;
         }
     }
-    std::string error;
-    if (!DeleteDisc(SystemFileOps(), ctx.dataFolder, label, &error)) {
-        *ctx.err << "cartulon-cli delete: " << error << "\n";
+    if (const Failure failure = DeleteDisc(SystemFileOps(), ctx.dataFolder, label)) {
+        *ctx.err << "cartulon-cli: " << FailureText(failure, ctx.language) << "\n";
         return kError;
     }
     *ctx.out << ctx.T({"%1 gelöscht", "deleted %1"}, {label}) << "\n";

@@ -32,8 +32,8 @@ Tr WordOf(Difference kind) {
 int RunVerify(Context& ctx) {
     const std::string& label = ctx.args.positional[0];
     const std::string& root = ctx.args.positional[1];
-    const std::string catalogue = CataloguePath(ctx.dataFolder, label);
-    if (!SystemFileOps().Exists(catalogue)) return ctx.Refuse(kNoDisc, {label, ctx.dataFolder});
+    std::string catalogue;
+    if (!CatalogueOfLabel(ctx, label, catalogue)) return kError;
     std::error_code ec;
     if (!IsDiscImage(root) && !std::filesystem::is_directory(root, ec))
         return ctx.Refuse({"„%1“ ist weder ein Ordner noch ein Abbild eines Datenträgers",

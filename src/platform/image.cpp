@@ -362,6 +362,12 @@ public:
         else
             SystemDiscSource().WalkFolder(path, folders, files, progress);
     }
+    // A folder streams as the machine's walker does; an image is read into
+    // lists first (its reader holds the tree anyway) and then handed on.
+    WalkSummary Walk(const std::string& path, WalkSink& sink) override {
+        if (IsDiscImage(path)) return DiscSource::Walk(path, sink);
+        return SystemDiscSource().Walk(path, sink);
+    }
     void ReadVolumeInfo(const std::string& root, VolumeInfo& volume) override {
         if (IsDiscImage(root))
             ReadImageVolumeInfo(root, volume);
