@@ -257,7 +257,8 @@ int main(int argc, char** argv) {
             return Finish(ctx, kDone);
         }
         if (const int code = HiddenOutput(ctx, argc - at, argv + at); code >= 0) return Finish(ctx, code);
-        if (a == "--data-folder" && at + 1 < argc) {
+        if (a == "--data-folder") {
+            if (at + 1 >= argc) return ctx.Refuse({"%1 braucht %2", "%1 needs %2"}, {a, "DIR"});
             dataFolderOption = argv[at + 1];
             at += 2;
             continue;
