@@ -141,4 +141,10 @@ bool ParseSize(std::string_view text, std::string& bytes);
 // (also with 'T') as "dd.mm.yyyy hh:mm:ss"; false when no such date exists.
 bool ParseDate(std::string_view text, std::string& date);
 
+// The catalogue of a LABEL argument, through the core's one way in
+// (ResolveLabel): a label that could leave the data folder, names no disc or
+// names no readable catalogue is refused with a message on stderr, and the
+// command ends with kError.
+bool CatalogueOfLabel(Context& ctx, const std::string& label, std::string& cataloguePath);
+
 }  // namespace ct::cli

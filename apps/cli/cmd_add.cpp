@@ -6,6 +6,7 @@
 
 #include "cli.h"
 #include "core/adddisc.h"
+#include "core/failure.h"
 #include "core/fileops.h"
 #include "platform/walk.h"
 
@@ -34,6 +35,10 @@ int RunAdd(Context& ctx) {
                           {outcome.label, std::to_string(outcome.folders), std::to_string(outcome.files),
                            outcome.cataloguePath})
                  << "\n";
+        if (outcome.unreadable > 0)
+            ctx.Refuse({"Hinweis: %1 Ordner oder Einträge waren nicht lesbar und fehlen im Katalog",
+                        "note: %1 folders or entries couldn't be read and are missing from the catalogue"},
+                       {std::to_string(outcome.unreadable)});
         if (outcome.folders > 32767 || outcome.files > 32767)
             ctx.Refuse({"Hinweis: mehr als 32.767 Ordner oder Dateien; alle stehen im Katalog, aber Zähler "
                         "mit 16 Bit können falsch anzeigen",
@@ -50,12 +55,13 @@ int RunAdd(Context& ctx) {
                            "was read or written"},
                           {outcome.label, ctx.dataFolder});
     case AddResult::WriteFailed:
+    case AddResult::Cancelled:
         break;
     }
     return ctx.Refuse({"der Katalog konnte nicht geschrieben werden, unter der Bezeichnung blieb nichts "
                        "zurück: %1",
                        "the catalogue could not be written, nothing was left under the label: %1"},
-                      {outcome.error});
+                      {FailureText(outcome.failure, ctx.language)});
 }
 
 Registration reg{{

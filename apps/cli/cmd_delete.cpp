@@ -8,6 +8,7 @@
 #include "cli.h"
 #include "core/catalogue.h"
 #include "core/editing.h"
+#include "core/failure.h"
 #include "core/fileops.h"
 
 namespace ct::cli {
@@ -16,8 +17,8 @@ namespace {
 
 int RunDelete(Context& ctx) {
     const std::string& label = ctx.args.positional[0];
-    const std::string catalogue = CataloguePath(ctx.dataFolder, label);
-    if (!SystemFileOps().Exists(catalogue)) return ctx.Refuse(kNoDisc, {label, ctx.dataFolder});
+    std::string catalogue;
+    if (!CatalogueOfLabel(ctx, label, catalogue)) return kError;
     if (!ctx.args.Has("--yes")) {
         // Nothing is deleted unasked: without a terminal to ask on, the
         // caller has to say --yes.
@@ -38,11 +39,7 @@ int RunDelete(Context& ctx) {
             return kNothing;
         }
     }
-    std::string error;
-    if (!DeleteDisc(SystemFileOps(), ctx.dataFolder, label, &error)) {
-        *ctx.err << "cartulon-cli delete: " << error << "\n";
-        return kError;
-    }
+    if (const Failure failure = DeleteDisc(SystemFileOps(), ctx.dataFolder, label)) return ctx.Fail(failure);
     *ctx.out << ctx.T({"%1 gelöscht", "deleted %1"}, {label}) << "\n";
     return kDone;
 }

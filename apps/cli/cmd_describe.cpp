@@ -5,6 +5,7 @@
 #include "cli.h"
 #include "core/catalogue.h"
 #include "core/editing.h"
+#include "core/failure.h"
 #include "core/fileops.h"
 #include "core/textrules.h"
 
@@ -25,8 +26,8 @@ std::string StoredPath(std::string path) {
 int RunDescribe(Context& ctx) {
     const auto& pos = ctx.args.positional;
     const std::string& label = pos[0];
-    const std::string catalogue = CataloguePath(ctx.dataFolder, label);
-    if (!SystemFileOps().Exists(catalogue)) return ctx.Refuse(kNoDisc, {label, ctx.dataFolder});
+    std::string catalogue;
+    if (!CatalogueOfLabel(ctx, label, catalogue)) return kError;
     const bool isHeader = pos.size() == 2;
     std::string target, kind = "disc";
     if (!isHeader) {
@@ -34,6 +35,7 @@ int RunDescribe(Context& ctx) {
         // Which section holds the path says what it is; a path in neither
         // would change nothing, so it is refused rather than "stored".
         CatalogueReader reader(catalogue);
+        if (!reader.IsOpen()) return ctx.Fail(reader.OpenFailure());
         std::string line;
         kind.clear();
         while (kind.empty() && reader.NextFolderLine(line))
@@ -49,12 +51,9 @@ int RunDescribe(Context& ctx) {
         }
     }
     const std::string text = NormaliseDescription(pos.back());
-    std::string error;
-    if (!DescriptionRewrite(SystemFileOps(), ctx.programFolder, ctx.dataFolder, label, isHeader,
-                            target, text, &error)) {
-        *ctx.err << "cartulon-cli describe: " << error << "\n";
-        return kError;
-    }
+    if (const Failure failure =
+            DescriptionRewrite(SystemFileOps(), ctx.dataFolder, label, isHeader, target, text))
+        return ctx.Fail(failure);
     *ctx.out << ctx.T(kind == "disc"     ? Tr{"Datenträger", "disc"}
                       : kind == "folder" ? Tr{"Ordner", "folder"}
                                          : Tr{"Datei", "file"})

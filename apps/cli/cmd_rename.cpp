@@ -5,6 +5,7 @@
 #include "cli.h"
 #include "core/catalogue.h"
 #include "core/editing.h"
+#include "core/failure.h"
 #include "core/fileops.h"
 #include "platform/walk.h"
 
@@ -18,9 +19,8 @@ int RunRename(Context& ctx) {
     WalkList folders, files;
     WalkFolder(ctx.dataFolder, folders, files);
     const std::vector<std::string> labels = LabelsOf(files);
-    if (!SystemFileOps().Exists(CataloguePath(ctx.dataFolder, oldLabel))) {
-        return ctx.Refuse(kNoDisc, {oldLabel, ctx.dataFolder});
-    }
+    std::string catalogue;
+    if (!CatalogueOfLabel(ctx, oldLabel, catalogue)) return kError;
     const RenameOutcome outcome = RenameDisc(SystemFileOps(), ctx.dataFolder, oldLabel, pos[1], labels);
     switch (outcome.result) {
     case RenameResult::Renamed:
@@ -43,8 +43,7 @@ int RunRename(Context& ctx) {
     case RenameResult::Failed:
         break;
     }
-    *ctx.err << "cartulon-cli: " << outcome.error << "\n";
-    return kError;
+    return ctx.Fail(outcome.failure);
 }
 
 Registration reg{{

@@ -69,9 +69,9 @@ std::string CatalogueFolder(std::string folder) {
 
 int RunShow(Context& ctx) {
     const auto& pos = ctx.args.positional;
-    const std::string path = CataloguePath(ctx.dataFolder, pos[0]);
+    std::string path;
+    if (!CatalogueOfLabel(ctx, pos[0], path)) return kError;
     const CatalogueCounts counts = CountCatalogue(path);
-    if (!counts.opened) return ctx.Refuse(kNoDisc, {pos[0], ctx.dataFolder});
     std::ostream& out = *ctx.out;
     const Format format = FormatOf(ctx);
     if (pos.size() == 1) {

@@ -13,6 +13,7 @@
 
 #include "cli.h"
 #include "core/failure.h"
+#include "core/fileops.h"
 #include "core/settings.h"
 #include "help.h"
 #include "platform/system.h"
@@ -297,6 +298,10 @@ int main(int argc, char** argv) {
     while (ctx.dataFolder.size() > 1 && ctx.dataFolder.back() == '/') ctx.dataFolder.pop_back();
     std::error_code ec;
     if (!std::filesystem::is_directory(ctx.dataFolder, ec)) return ctx.Refuse(kDataFolderMissing, {ctx.dataFolder});
+    // What a crashed writer left behind; a scratch file another program is
+    // writing right now stays.
+    ct::CleanScratchFiles(ct::SystemFileOps(),
+                          {ctx.programFolder, ct::DefaultDataFolder(ctx.programFolder), ctx.dataFolder});
 
     return Finish(ctx, ctx.command->run(ctx));
 }
