@@ -140,6 +140,7 @@ bool ParseSize(std::string_view text, std::string& bytes);
 // "14.03.2003", "14.03.2003 10:20[:30]", "2003-03-14", "2003-03-14 10:20[:30]"
 // (also with 'T') as "dd.mm.yyyy hh:mm:ss"; false when no such date exists.
 bool ParseDate(std::string_view text, std::string& date);
+
 // The catalogue of a LABEL argument, through the core's one way in
 // (ResolveLabel): a label that could leave the data folder, names no disc or
 // names no readable catalogue is refused with a message on stderr, and the

@@ -42,7 +42,7 @@ int RunAdd(Context& ctx) {
                            outcome.cataloguePath})
                  << "\n";
         if (outcome.unreadable > 0)
-            ctx.Refuse({"Hinweis: %1 Ordner oder Einträge konnten nicht gelesen werden und fehlen im Katalog",
+            ctx.Refuse({"Hinweis: %1 Ordner oder Einträge waren nicht lesbar und fehlen im Katalog",
                         "note: %1 folders or entries couldn't be read and are missing from the catalogue"},
                        {std::to_string(outcome.unreadable)});
         if (outcome.folders > 32767 || outcome.files > 32767)

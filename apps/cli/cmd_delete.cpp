@@ -8,6 +8,7 @@
 #include "cli.h"
 #include "core/catalogue.h"
 #include "core/editing.h"
+#include "core/failure.h"
 #include "core/fileops.h"
 
 namespace ct::cli {
@@ -38,10 +39,7 @@ int RunDelete(Context& ctx) {
             return kNothing;
         }
     }
-    if (const Failure failure = DeleteDisc(SystemFileOps(), ctx.dataFolder, label)) {
-        *ctx.err << "cartulon-cli: " << FailureText(failure, ctx.language) << "\n";
-        return kError;
-    }
+    if (const Failure failure = DeleteDisc(SystemFileOps(), ctx.dataFolder, label)) return ctx.Fail(failure);
     *ctx.out << ctx.T({"%1 gelöscht", "deleted %1"}, {label}) << "\n";
     return kDone;
 }

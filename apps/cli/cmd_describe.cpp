@@ -5,6 +5,7 @@
 #include "cli.h"
 #include "core/catalogue.h"
 #include "core/editing.h"
+#include "core/failure.h"
 #include "core/fileops.h"
 #include "core/textrules.h"
 
@@ -34,10 +35,7 @@ int RunDescribe(Context& ctx) {
         // Which section holds the path says what it is; a path in neither
         // would change nothing, so it is refused rather than "stored".
         CatalogueReader reader(catalogue);
-        if (!reader.IsOpen()) {
-            *ctx.err << "cartulon-cli: " << FailureText(reader.OpenFailure(), ctx.language) << "\n";
-            return kError;
-        }
+        if (!reader.IsOpen()) return ctx.Fail(reader.OpenFailure());
         std::string line;
         kind.clear();
         while (kind.empty() && reader.NextFolderLine(line))
@@ -54,10 +52,8 @@ int RunDescribe(Context& ctx) {
     }
     const std::string text = NormaliseDescription(pos.back());
     if (const Failure failure =
-            DescriptionRewrite(SystemFileOps(), ctx.dataFolder, label, isHeader, target, text)) {
-        *ctx.err << "cartulon-cli: " << FailureText(failure, ctx.language) << "\n";
-        return kError;
-    }
+            DescriptionRewrite(SystemFileOps(), ctx.dataFolder, label, isHeader, target, text))
+        return ctx.Fail(failure);
     *ctx.out << ctx.T(kind == "disc"     ? Tr{"Datenträger", "disc"}
                       : kind == "folder" ? Tr{"Ordner", "folder"}
                                          : Tr{"Datei", "file"})

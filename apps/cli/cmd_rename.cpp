@@ -5,6 +5,7 @@
 #include "cli.h"
 #include "core/catalogue.h"
 #include "core/editing.h"
+#include "core/failure.h"
 #include "core/fileops.h"
 #include "platform/walk.h"
 
@@ -42,8 +43,7 @@ int RunRename(Context& ctx) {
     case RenameResult::Failed:
         break;
     }
-    *ctx.err << "cartulon-cli: " << FailureText(outcome.failure, ctx.language) << "\n";
-    return kError;
+    return ctx.Fail(outcome.failure);
 }
 
 Registration reg{{

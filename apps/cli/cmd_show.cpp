@@ -6,7 +6,6 @@
 
 #include "cli.h"
 #include "core/catalogue.h"
-#include "core/failure.h"
 #include "core/fixed.h"
 #include "core/text.h"
 #include "output.h"

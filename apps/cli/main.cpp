@@ -258,7 +258,8 @@ int main(int argc, char** argv) {
             return Finish(ctx, kDone);
         }
         if (const int code = HiddenOutput(ctx, argc - at, argv + at); code >= 0) return Finish(ctx, code);
-        if (a == "--data-folder" && at + 1 < argc) {
+        if (a == "--data-folder") {
+            if (at + 1 >= argc) return ctx.Refuse({"%1 braucht %2", "%1 needs %2"}, {a, "DIR"});
             dataFolderOption = argv[at + 1];
             at += 2;
             continue;
@@ -299,7 +300,8 @@ int main(int argc, char** argv) {
     if (!std::filesystem::is_directory(ctx.dataFolder, ec)) return ctx.Refuse(kDataFolderMissing, {ctx.dataFolder});
     // What a crashed writer left behind; a scratch file another program is
     // writing right now stays.
-    ct::CleanScratchFiles(ct::SystemFileOps(), {ctx.programFolder, ct::DefaultDataFolder(ctx.programFolder),
-                                                ctx.dataFolder});
+    ct::CleanScratchFiles(ct::SystemFileOps(),
+                          {ctx.programFolder, ct::DefaultDataFolder(ctx.programFolder), ctx.dataFolder});
+
     return Finish(ctx, ctx.command->run(ctx));
 }
