@@ -81,9 +81,13 @@ public:
 
 QString ChooseFolder(QWidget* parent, const QString& start) {
     if (folderChooserFn()) return folderChooserFn()(parent, start);
-    FolderOrFileDialog dialog(parent, QString(), start);
+    // Opens on the folder around the current entry with that entry chosen, so
+    // that the button takes it at once and a folder beside it is one click away.
+    const QFileInfo current(start);
+    FolderOrFileDialog dialog(parent, QString(), current.exists() ? current.absolutePath() : start);
     dialog.setOption(QFileDialog::DontUseNativeDialog);
     dialog.setFileMode(QFileDialog::ExistingFile);
+    if (current.exists()) dialog.selectFile(current.fileName());
     return dialog.exec() == QDialog::Accepted ? dialog.chosen : QString();
 }
 
