@@ -5,6 +5,9 @@
 #include <QFont>
 #include <QFontDatabase>
 #include <QKeyEvent>
+#include <QLabel>
+#include <QLibraryInfo>
+#include <QTranslator>
 #include <QPointer>
 #include <QWidget>
 
@@ -60,7 +63,69 @@ void UseProgramFont() {
     font.setPixelSize(11);
     font.setStyleHint(QFont::SansSerif);
     QApplication::setFont(font);
+    // A desktop theme (qt6ct, a desktop's own) sets its font once the event
+    // loop runs, and again whenever the user changes it; the fixed geometry
+    // holds only in ours, so ours is put back each time.
+    class KeepProgramFont : public QObject {
+    public:
+        explicit KeepProgramFont(const QFont& font) : QObject(qApp), font_(font) {}
+        bool eventFilter(QObject* watched, QEvent* event) override {
+            if (watched == qApp && event->type() == QEvent::ApplicationFontChange &&
+                QApplication::font() != font_)
+                QApplication::setFont(font_);
+            return false;
+        }
+    private:
+        QFont font_;
+    };
+    static QPointer<KeepProgramFont> keeper;
+    delete keeper;
+    keeper = new KeepProgramFont(font);
+    qApp->installEventFilter(keeper);
 }
+
+void UseQtLanguage() {
+    // One translator for the whole run, swapped in and out: Qt's dialogs and
+    // standard buttons take it at their next showing.
+    static QTranslator* qtbase = nullptr;
+    if (!qApp) return;
+    if (qtbase) {
+        QCoreApplication::removeTranslator(qtbase);
+        delete qtbase;
+        qtbase = nullptr;
+    }
+    if (Start::Language != 0) return;  // Qt speaks English by itself
+    auto* translator = new QTranslator;
+    // The copy in the program folder first, so a portable folder speaks German
+    // on a machine without Qt's translations; then the system's.
+    const QString name = QStringLiteral("qtbase_de");
+    if (translator->load(name, QString::fromStdString(ct::ProgramFolder())) ||
+        translator->load(name, QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
+        QCoreApplication::installTranslator(translator);
+        qtbase = translator;
+    } else {
+        delete translator;
+    }
+}
+
+namespace {
+QString WithoutAccessKeys(QString text) {
+    // "&&" is a literal ampersand, any other '&' marks the key that follows.
+    text.replace(QStringLiteral("&&"), QStringLiteral("\x01"));
+    text.remove(QLatin1Char('&'));
+    text.replace(QLatin1Char('\x01'), QLatin1Char('&'));
+    return text;
+}
+}  // namespace
+
+void Caption(QLabel* caption, QWidget* control) {
+    caption->setBuddy(control);
+    QString name = WithoutAccessKeys(caption->text()).trimmed();
+    if (name.endsWith(QLatin1Char(':'))) name.chop(1);
+    control->setAccessibleName(name);
+}
+
+QString TitleText(int baseId) { return WithoutAccessKeys(ResourceText(baseId)); }
 
 QString ResourceText(int baseId) {
     return QString::fromStdString(ct::ResourceText(ct::ProgramFolder(), Start::Language, baseId));

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string>
 
+class QLabel;
 class QWidget;
 
 namespace ct {
@@ -56,6 +57,19 @@ void Normal();
 // The application font the fixed geometry was laid out for; Main sets it, and
 // test programs that draw the windows do too. Needs a QApplication.
 void UseProgramFont();
+
+// Qt's own texts (Yes/No, the folder chooser) in the language in force:
+// loads or drops Qt's German translation. Sprache_Setzen calls it.
+void UseQtLanguage();
+
+// A caption and the control it heads: the caption becomes the control's
+// buddy (its access key moves the focus there) and its text, without the
+// access-key mark, the control's accessible name, so that a screen reader
+// announces "Discs", "Description". Called after each change of texts.
+void Caption(QLabel* caption, QWidget* control);
+// The text of base id `baseId` without access-key marks: a window title or a
+// message box's title taken from a menu entry.
+QString TitleText(int baseId);
 
 // twips -> pixels (96 DPI: 15 twips a pixel).
 constexpr int Tw(int twips) { return (twips + 7) / 15; }

@@ -13,6 +13,7 @@
 #include "gui/frmHaupt.h"
 #include "gui/seams.h"
 #include "platform/system.h"
+#include "gui/windows.h"
 
 namespace ct {
 
@@ -136,6 +137,7 @@ void frmBeschreibungÄndern::Form_Load() {
     setWindowIcon(AppIcon());
     setWindowTitle(ResourceText(10001));
     lblNeueBeschreibung->setText(ResourceText(10002));
+    Caption(lblNeueBeschreibung, txtNeueBeschreibung);
     cmdÄndern->setText(ResourceText(10003));
     cmdAbbrechen->setText(ResourceText(10004));
     txtNeueBeschreibung->setPlainText(CallerDescription());
@@ -166,5 +168,19 @@ void frmBeschreibungÄndern::cmdÄndern_Click() {
 }
 
 void frmBeschreibungÄndern::cmdAbbrechen_Click() { reject(); }
+
+void ShowBeschreibungAendern() {
+    // A disc hit of the search (or no hit at all) names no record that the
+    // search window could change: the help says why and where a disc's
+    // description is changed instead. Nothing changes.
+    if (!CurrentDescriptionTarget().ok) {
+        if (Start::EditTarget == "Suchen")
+            HilfeZeigen(Start::Language == 0 ? QStringLiteral("Kein Ordner und keine Datei gewählt")
+                                             : QStringLiteral("No folder or file chosen"));
+        return;
+    }
+    frmBeschreibungÄndern dialog(CallerWindow());
+    dialog.exec();
+}
 
 }  // namespace ct

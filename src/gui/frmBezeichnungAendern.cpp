@@ -11,6 +11,7 @@
 #include "gui/appicon.h"
 #include "gui/frmHaupt.h"
 #include "gui/seams.h"
+#include "gui/windows.h"
 
 namespace ct {
 
@@ -52,6 +53,7 @@ void frmBezeichnungÄndern::Form_Load() {
     setWindowIcon(AppIcon());
     setWindowTitle(ResourceText(10005));
     lblNeueBezeichnung->setText(ResourceText(10006));
+    Caption(lblNeueBezeichnung, txtBezeichnung);
     cmdÄndern->setText(ResourceText(10003));
     cmdAbbrechen->setText(ResourceText(10004));
     if (frmHaupt* main = MainWindow()) txtBezeichnung->setText(main->lstDaten->Text());
@@ -95,5 +97,17 @@ void frmBezeichnungÄndern::cmdÄndern_Click() {
 }
 
 void frmBezeichnungÄndern::cmdAbbrechen_Click() { reject(); }
+
+void ShowBezeichnungAendern() {
+    frmHaupt* main = MainWindow();
+    if (!main) return;
+    if (main->lstDaten->ListIndex() == -1) {
+        HilfeZeigen(ResourceText(10098));
+        Normal();
+        return;
+    }
+    frmBezeichnungÄndern dialog(main);
+    dialog.exec();
+}
 
 }  // namespace ct

@@ -164,6 +164,16 @@ void frmHaupt::buildControls() {
     Place(cmdÄndernD, 7320, 1980, 975, 315);
     txtBeschreibungD = DescriptionBox(fraDateien, 5280, 2280, 3015, 600);
 
+    // A value column is 105 px wide and its longest value, a date with the
+    // time to the second, needs a little more in any sans face: the values
+    // take the semi-condensed cut, which also keeps a 12-digit size whole.
+    for (QLabel* value : {lblGC, lblDA, lblOA, lblSerC, lblDC, lblCC, lblSekC, lblBC, lblGO, lblDAO, lblAO, lblDO,
+                          lblGD, lblAD, lblDD}) {
+        QFont f = value->font();
+        f.setStretch(QFont::SemiCondensed);
+        value->setFont(f);
+    }
+
     // A focused button takes Enter; elsewhere Enter reaches keyPressEvent,
     // which presses cmdSuchen.
     for (QPushButton* b : {cmdSuchen, cmdHinzufügen, cmdÄndernC, cmdÄndernO, cmdÄndernD}) b->setAutoDefault(true);
@@ -286,6 +296,7 @@ void frmHaupt::Form_Load() {
 }
 
 void frmHaupt::Sprache_Setzen() {
+    UseQtLanguage();
     mnuDatei->setTitle(ResourceText(10007));
     mnuBeenden->setText(ResourceText(10008));
     mnuBearbeiten->setTitle(ResourceText(10009));
@@ -336,6 +347,14 @@ void frmHaupt::Sprache_Setzen() {
     lblDatumD->setText(ResourceText(10038));
     lblBeschreibungD->setText(ResourceText(10042));
     cmdÄndernD->setText(ResourceText(10003));
+    const std::pair<QLabel*, QWidget*> captions[] = {
+        {lblDaten, lstDaten}, {lblBeschreibungC, txtBeschreibungC}, {lblGrößeC, lblGC}, {lblDateianzahlC, lblDA},
+        {lblOrdneranzahlC, lblOA}, {lblSeriennummerC, lblSerC}, {lblDateisystemC, lblDC}, {lblClusterC, lblCC},
+        {lblSektorenC, lblSekC}, {lblBytesC, lblBC}, {lblOrdner, lstOrdner}, {lblBeschreibungO, txtBeschreibungO},
+        {lblGrößeO, lblGO}, {lblDateianzahlO, lblDAO}, {lblAttributO, lblAO}, {lblDatumO, lblDO},
+        {lblDateien, lstDateien}, {lblBeschreibungD, txtBeschreibungD}, {lblGrößeD, lblGD}, {lblAttributD, lblAD},
+        {lblDatumD, lblDD}};
+    for (const auto& [caption, control] : captions) Caption(caption, control);
     fitToClient();
 }
 

@@ -17,6 +17,7 @@
 #include "gui/frmHaupt.h"
 #include "gui/seams.h"
 #include "platform/walk.h"
+#include "gui/windows.h"
 
 namespace ct {
 
@@ -132,6 +133,9 @@ void frmHinzufügen::Form_Load() {
     lblBeschreibung->setText(ResourceText(10045));
     cmdHinzufügen->setText(ResourceText(10046));
     cmdAbbrechen->setText(ResourceText(10004));
+    Caption(lblLaufwerk, DriveLaufwerk);
+    Caption(lblBezeichnung, txtBezeichnung);
+    Caption(lblBeschreibung, txtBeschreibung);
 
     FillDrives();
     // The last drive used, if the list still holds it; a value it doesn't
@@ -290,6 +294,11 @@ void frmHinzufügen::done(int result) {
         haupt->DateiInfoLöschen();
         haupt->Aktualisieren();
     }
+}
+
+void ShowHinzufuegen() {
+    frmHinzufügen dialog(MainWindow());
+    dialog.exec();
 }
 
 }  // namespace ct

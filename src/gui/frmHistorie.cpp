@@ -7,6 +7,8 @@
 #include "gui/Start.h"
 #include "gui/appicon.h"
 #include "platform/system.h"
+#include "gui/frmHaupt.h"
+#include "gui/windows.h"
 
 namespace ct {
 
@@ -57,6 +59,11 @@ void frmHistorie::Form_Load() {
     while (reader.Next(line)) text += QString::fromStdString(line) + QLatin1Char('\n');
     txtHistorie->setPlainText(text);
     cmdOK->setFocus();
+}
+
+void ShowHistorie() {
+    frmHistorie dialog(MainWindow());
+    dialog.exec();
 }
 
 }  // namespace ct

@@ -12,6 +12,8 @@
 #include "gui/appicon.h"
 #include "gui/seams.h"
 #include "platform/system.h"
+#include "gui/frmHaupt.h"
+#include "gui/windows.h"
 
 namespace ct {
 
@@ -157,6 +159,17 @@ bool frmInfo::eventFilter(QObject* watched, QEvent* event) {
         break;
     }
     return QDialog::eventFilter(watched, event);
+}
+
+// Not modal, and there is only ever one: a second use brings it to the front.
+void ShowInfo() {
+    frmInfo* info = InfoWindow();
+    // No parent: it may outlive the main window, and the process then lives on
+    // until it is closed too.
+    if (!info) info = new frmInfo(nullptr);
+    info->show();
+    info->raise();
+    info->activateWindow();
 }
 
 }  // namespace ct

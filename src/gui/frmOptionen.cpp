@@ -10,6 +10,7 @@
 #include "gui/appicon.h"
 #include "gui/frmHaupt.h"
 #include "gui/seams.h"
+#include "gui/windows.h"
 
 namespace ct {
 
@@ -59,6 +60,9 @@ frmOptionen::frmOptionen(QWidget* parent) : QDialog(parent) {
 
     connect(cmdSpeichern, &QPushButton::clicked, this, [this] { cmdSpeichern_Click(); });
     connect(cmdAbbrechen, &QPushButton::clicked, this, &QDialog::reject);
+    // The editable language box keeps Enter for itself; Enter saves here as
+    // it does in every other box of the window.
+    connect(cboSprache->lineEdit(), &QLineEdit::returnPressed, cmdSpeichern, &QPushButton::click);
 
     setTabOrder(cboSprache, txtLaufwerksbuchstabe);
     setTabOrder(txtLaufwerksbuchstabe, txtDatenpfad);
@@ -75,6 +79,9 @@ void frmOptionen::Form_Load() {
     lblDatenpfad->setText(ResourceText(10054));
     cmdSpeichern->setText(ResourceText(10055));
     cmdAbbrechen->setText(ResourceText(10004));
+    Caption(lblSprache, cboSprache);
+    Caption(lblLaufwerksbuchstabe, txtLaufwerksbuchstabe);
+    Caption(lblDatenpfad, txtDatenpfad);
     setWindowIcon(AppIcon());
     cboSprache->setCurrentIndex(Start::Language / 10000 == 1 ? 1 : 0);
     txtLaufwerksbuchstabe->setText(QString::fromStdString(Start::DriveLetter));
@@ -139,6 +146,11 @@ void frmOptionen::cmdSpeichern_Click() {
     if (haupt) haupt->INI_Speichern();
     accept();
     Normal();
+}
+
+void ShowOptionen() {
+    frmOptionen dialog(MainWindow());
+    dialog.exec();
 }
 
 }  // namespace ct

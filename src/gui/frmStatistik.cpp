@@ -12,6 +12,7 @@
 #include "gui/Start.h"
 #include "gui/appicon.h"
 #include "gui/frmHaupt.h"
+#include "gui/windows.h"
 
 namespace ct {
 
@@ -135,6 +136,11 @@ void frmStatistik::done(int result) {
         return;
     }
     QDialog::done(result);
+}
+
+void ShowStatistik() {
+    frmStatistik dialog(MainWindow());
+    dialog.exec();
 }
 
 }  // namespace ct

@@ -197,6 +197,13 @@ frmSuchen::frmSuchen(QWidget* parent)
         f.setStretch(qobject_cast<QLabel*>(w) ? QFont::Condensed : QFont::SemiCondensed);
         w->setFont(f);
     }
+    // The two comparison boxes are 113 px wide, and "does not begin with"
+    // is the longest entry of either language: they take the condensed cut.
+    for (QComboBox* box : {cboOperator, cboBeschreibung}) {
+        QFont f = box->font();
+        f.setStretch(QFont::Condensed);
+        box->setFont(f);
+    }
     // A chosen item is shown from its start, not scrolled to its end.
     for (QComboBox* box : {cboSuchen, cboOperator, cboDateigröße, cboAttribut, cboDatum, cboBeschreibung})
         connect(box, &QComboBox::currentIndexChanged, box, [box] { box->lineEdit()->setCursorPosition(0); });
@@ -265,6 +272,19 @@ void frmSuchen::Form_Load() {
     lblBeschreibung->setText(ResourceText(10042));
     cmdÄndern->setText(ResourceText(10003));
     lblTreffer->setText(ResourceText(10089));
+    Caption(lblSuchen, txtSuchen);
+    Caption(lblDaten, lstDaten);
+    Caption(lblDateien, lstDateien);
+    Caption(lblBeschreibung, txtBeschreibungText);
+    Caption(lblGröße, lblG);
+    Caption(lblAttribut, lblA);
+    Caption(lblDatum, lblD);
+    cboSuchen->setAccessibleName(TitleText(10064));
+    for (const auto& [box, check] : {std::pair<QWidget*, QAbstractButton*>{cboDateigröße, CheckDateigröße},
+                                     {cboAttribut, CheckAttribut}, {cboDatum, CheckDatum},
+                                     {cboBeschreibung, CheckBeschreibung}, {txtDateigröße, CheckDateigröße},
+                                     {txtDatum, CheckDatum}, {txtBeschreibung, CheckBeschreibung}})
+        box->setAccessibleName(check->text().remove(QLatin1Char('&')));
     for (QLabel* colon : {lblDP1, lblDP2, lblDP3, lblDP4}) colon->setText(QStringLiteral(":"));
     lblT->setText(QStringLiteral("-"));
 
@@ -522,6 +542,11 @@ void frmSuchen::lstDateien_Click() {
 void frmSuchen::cmdÄndern_Click() {
     Start::EditTarget = "Suchen";
     ShowBeschreibungAendern();
+}
+
+void ShowSuchen() {
+    frmSuchen dialog(MainWindow());
+    dialog.exec();
 }
 
 }  // namespace ct
