@@ -24,6 +24,14 @@ QPointer<frmInfo> g_frmInfo;
 const QColor kLinkBlue(0, 0, 255);
 const QColor kLinkPressed(128, 0, 0);
 
+// Pure blue and dark red read on a light window only; on a dark one (a dark
+// desktop palette) the palette's own link colours take their place.
+QColor LinkColour(const QWidget* window, bool pressed) {
+    const QPalette& pal = window->palette();
+    if (pal.color(QPalette::Window).lightness() >= 128) return pressed ? kLinkPressed : kLinkBlue;
+    return pal.color(pressed ? QPalette::LinkVisited : QPalette::Link);
+}
+
 QLabel* CentredLabel(QWidget* parent, int top, int height) {
     auto* l = new QLabel(parent);
     l->setGeometry(Tw(240), Tw(top), Tw(4935), Tw(height));
@@ -93,7 +101,7 @@ frmInfo::frmInfo(QWidget* parent) : QDialog(parent) {
         f.setUnderline(true);
         lbl[i]->setFont(f);
         lbl[i]->setCursor(Qt::PointingHandCursor);
-        SetLinkColour(i, kLinkBlue);
+        SetLinkColour(i, LinkColour(this, false));
     }
     // lbl(2) takes its pointer from lbl(1), as it was designed.
     lbl[2]->setCursor(lbl[1]->cursor());
@@ -139,11 +147,11 @@ void frmInfo::lbl_Click(int Index) {
 }
 
 void frmInfo::lbl_MouseDown(int Index) {
-    if (Index == 1 || Index == 2) SetLinkColour(Index, kLinkPressed);
+    if (Index == 1 || Index == 2) SetLinkColour(Index, LinkColour(this, true));
 }
 
 void frmInfo::lbl_MouseUp(int Index) {
-    if (Index == 1 || Index == 2) SetLinkColour(Index, kLinkBlue);
+    if (Index == 1 || Index == 2) SetLinkColour(Index, LinkColour(this, false));
 }
 
 bool frmInfo::eventFilter(QObject* watched, QEvent* event) {

@@ -164,6 +164,30 @@ private slots:
                     Plain(caption->text()).startsWith(control->accessibleName()));
     }
 
+    // The about window's links: blue on a light window, the palette's link
+    // colour on a dark one, where pure blue can't be read.
+    void linksReadOnAnyPalette_data() {
+        QTest::addColumn<QColor>("window");
+        QTest::addColumn<QColor>("expected");
+        QTest::newRow("light") << QColor(240, 240, 240) << QColor(0, 0, 255);
+        QTest::newRow("dark") << QColor(40, 40, 40) << QColor(120, 180, 255);
+    }
+    void linksReadOnAnyPalette() {
+        QFETCH(QColor, window);
+        QFETCH(QColor, expected);
+        GuiFixture fx(CARTULON_STAGE_DIR);
+        const QPalette before = QApplication::palette();
+        QPalette pal = before;
+        pal.setColor(QPalette::Window, window);
+        pal.setColor(QPalette::Link, QColor(120, 180, 255));
+        QApplication::setPalette(pal);
+        auto* info = new frmInfo(nullptr);
+        const QColor shown = info->lbl[1]->palette().color(QPalette::WindowText);
+        info->close();
+        QApplication::setPalette(before);
+        QCOMPARE(shown, expected);
+    }
+
     // Enter in the language box saves, as everywhere in the window.
     void enterInTheLanguageBoxSaves() {
         GuiFixture fx(CARTULON_STAGE_DIR);
