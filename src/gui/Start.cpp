@@ -9,6 +9,10 @@
 #include <QLibraryInfo>
 #include <QTranslator>
 #include <QPointer>
+#include <QScreen>
+#include <algorithm>
+#include <cmath>
+#include <unistd.h>
 #include <QWidget>
 
 #include "core/rddll.h"
@@ -33,8 +37,65 @@ RDDLL& RD() {
     return rd;
 }
 
+namespace {
+
+// The main window's smallest outer size in device-independent pixels: the
+// standard layout's client area, a menu bar and a window manager's title bar.
+constexpr int kNeedWidth = Tw(11880) + 8;
+constexpr int kNeedHeight = Tw(7185) + 24 + 32;
+
+// A scale (QT_SCALE_FACTOR=2 on a 1280 x 1024 screen) under which even the
+// standard layout is larger than the desktop leaves a fixed-size window that
+// can neither be seen whole nor moved into view. The layout's size is fixed,
+// so the scale gives way: the program starts once more, at the largest scale
+// under which the standard window fits, but never below one screen pixel to
+// a pixel. Returns only when no restart is needed or possible.
+void RestartToFit(char** argv) {
+    QScreen* screen = QGuiApplication::primaryScreen();
+    if (!screen || qEnvironmentVariableIsSet("CARTULON_SCALE_FITTED")) return;
+    const double ratio = screen->devicePixelRatio();
+    const QSize area = screen->availableGeometry().size();
+    if (ratio <= 1.0 || (area.width() >= kNeedWidth && area.height() >= kNeedHeight)) return;
+    const double shrink = std::min(double(area.width()) / kNeedWidth, double(area.height()) / kNeedHeight);
+    const double current = qEnvironmentVariableIsSet("QT_SCALE_FACTOR")
+                               ? qEnvironmentVariable("QT_SCALE_FACTOR").toDouble()
+                               : 1.0;
+    if (current <= 0) return;
+    double factor = std::floor(current * shrink * 20.0) / 20.0;  // steps of 0.05
+    factor = std::max(factor, current / ratio);
+    if (factor >= current) return;
+    qputenv("QT_SCALE_FACTOR", QByteArray::number(factor));
+    qputenv("CARTULON_SCALE_FITTED", "1");
+    ::execv("/proc/self/exe", argv);  // on failure: go on at the scale given
+}
+
+// Every window opens inside the desktop's free area: a dialog centred on its
+// owner near a screen edge, or the main window, would otherwise hang over it.
+class KeepOnScreen : public QObject {
+public:
+    using QObject::QObject;
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() != QEvent::Show) return false;
+        auto* w = qobject_cast<QWidget*>(watched);
+        if (!w || !w->isWindow() || w->windowType() == Qt::Popup || w->windowType() == Qt::ToolTip) return false;
+        QScreen* screen = w->screen();
+        if (!screen) return false;
+        const QRect area = screen->availableGeometry();
+        const QRect frame = w->frameGeometry();
+        QPoint to = frame.topLeft();
+        to.setX(std::max(area.left(), std::min(to.x(), area.right() + 1 - frame.width())));
+        to.setY(std::max(area.top(), std::min(to.y(), area.bottom() + 1 - frame.height())));
+        if (to != frame.topLeft()) w->move(w->pos() + (to - frame.topLeft()));
+        return false;
+    }
+};
+
+}  // namespace
+
 int Main(int argc, char** argv) {
     QApplication app(argc, argv);
+    RestartToFit(argv);
+    app.installEventFilter(new KeepOnScreen(&app));
     DataFolder = ct::DefaultDataFolder(ct::ProgramFolder());
     app.setApplicationName(QStringLiteral("Cartulon"));
     UseProgramFont();
