@@ -1,4 +1,4 @@
-// Draws the main window (and the language window) into PNG files, to look at
+// Draws the main window, the language window and the dialogs into PNG files, to look at
 // the layout with real fonts: run under Xvfb at 1280x1024 for the wide layout
 // and at 1000x740 for the standard one.
 //
@@ -12,7 +12,11 @@
 
 #include "gui/Start.h"
 #include "gui/frmHaupt.h"
+#include "gui/frmBeschreibungAendern.h"
+#include "gui/frmBezeichnungAendern.h"
+#include "gui/frmHinzufuegen.h"
 #include "gui/frmSprache.h"
+#include "gui/frmStatistik.h"
 #include "platform/system.h"
 
 namespace {
@@ -63,6 +67,20 @@ int main(int argc, char** argv) {
         sprache->show();
         QTimer::singleShot(300, [&, sprache] {
             sprache->grab().save(prefix + "-sprache.png");
+            sprache->close();
+            // The dialogs as they open on the chosen disc.
+            ct::Start::EditTarget = "CD";
+            const std::pair<const char*, QWidget*> dialogs[] = {
+                {"frmBeschreibungAendern", new ct::frmBeschreibungÄndern(haupt)},
+                {"frmBezeichnungAendern", new ct::frmBezeichnungÄndern(haupt)},
+                {"frmHinzufuegen", new ct::frmHinzufügen(haupt)},
+                {"frmStatistik", new ct::frmStatistik(haupt)}};
+            for (const auto& [name, dialog] : dialogs) {
+                dialog->show();
+                QApplication::processEvents();
+                dialog->grab().save(prefix + "-" + name + ".png");
+                dialog->close();
+            }
             app.quit();
         });
     });

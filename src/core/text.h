@@ -11,6 +11,10 @@ namespace ct {
 
 bool IsValidUtf8(std::string_view bytes);
 
+// Appends the UTF-8 form of one code point (the one encoder of the program;
+// callers map what isn't a character, such as a lone surrogate, to U+FFFD first).
+void AppendUtf8(std::string& out, char32_t cp);
+
 // Windows-1252 bytes to UTF-8. The five undefined bytes (0x81 0x8D 0x8F 0x90
 // 0x9D) map to the C1 control characters of the same number, as Windows does.
 std::string Cp1252ToUtf8(std::string_view bytes);

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "core/text.h"
 #include "platform/probe.h"
 #include "platform/volume.h"
 
@@ -38,24 +39,6 @@ std::uint32_t Le32(const Bytes& b, std::size_t at) { return Le16(b, at) | Le16(b
 bool Has(const Bytes& b, std::size_t at, const char* text) {
     const std::size_t n = std::strlen(text);
     return b.size() >= at + n && std::memcmp(b.data() + at, text, n) == 0;
-}
-
-void AppendUtf8(std::string& out, char32_t c) {
-    if (c < 0x80) {
-        out += static_cast<char>(c);
-    } else if (c < 0x800) {
-        out += static_cast<char>(0xC0 | (c >> 6));
-        out += static_cast<char>(0x80 | (c & 0x3F));
-    } else if (c < 0x10000) {
-        out += static_cast<char>(0xE0 | (c >> 12));
-        out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (c & 0x3F));
-    } else {
-        out += static_cast<char>(0xF0 | (c >> 18));
-        out += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
-        out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (c & 0x3F));
-    }
 }
 
 // UTF-16 code units to UTF-8; a lone surrogate becomes U+FFFD.

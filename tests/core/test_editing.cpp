@@ -114,12 +114,8 @@ INSTANTIATE_TEST_SUITE_P(
                    "|2048|Photos 2003\r\n", "|2048|Fotos 2004\r\n"},
         RewriteRow{"FolderNotItsPrefix", false, "\\a", "A",
                    "\\a|R|01.01.2000 00:00:00|folder a\r\n", "\\a|R|01.01.2000 00:00:00|A\r\n"},
-        RewriteRow{"FolderBeforeLongerPath", false, "\\Bilder", "pics",
-                   "\\Bilder|R|14.03.2003 09:12:40|\r\n", "\\Bilder|R|14.03.2003 09:12:40|pics\r\n"},
         RewriteRow{"RootFileNotTheOneInAFolder", false, "\\p1.jpg", "c",
                    "\\p1.jpg|5|R|14.03.2003 09:12:40|a|b\r\n", "\\p1.jpg|5|R|14.03.2003 09:12:40|a|c\r\n"},
-        RewriteRow{"BareLineFeedKept", false, "\\Musik", "Jazz",
-                   "|lf only\n", "|Jazz\n"},
         RewriteRow{"LastLineWithoutLineEnd", false, "\\liesmich.txt", "read me",
                    "\\liesmich.txt|1024|R|14.03.2003 09:12:40|",
                    "\\liesmich.txt|1024|R|14.03.2003 09:12:40|read me"},
@@ -128,55 +124,6 @@ INSTANTIATE_TEST_SUITE_P(
                    "\\B\xC3\xBC" "cher|R|01.01.2000 00:00:00|neue B\xC3\xBC" "cher\r\n"},
         RewriteRow{"NoSuchRecordLeavesFile", false, "\\Bilder\\Urlau", "x", "", ""},
         RewriteRow{"CaseCounts", false, "\\bilder", "x", "", ""}),
-    [](const auto& info) { return std::string(info.param.name); });
-
-TEST_F(Editing, TargetsFromSearchHitsChangeTheRightLines) {
-    WriteAll(data + "/CD1.idx", kCatalogue);
-    std::string label, path, error;
-    bool folder = false;
-    ASSERT_TRUE(ct::TargetFromHit("CD1\\\\a\\", label, path, &folder));
-    EXPECT_TRUE(folder);
-    ASSERT_TRUE(ct::DescriptionRewrite(ops, program, data, label, false, path, "from hit", &error));
-    ASSERT_TRUE(ct::TargetFromHit("CD1\\\\p1.jpg", label, path, &folder));
-    EXPECT_FALSE(folder);
-    ASSERT_TRUE(ct::DescriptionRewrite(ops, program, data, label, false, path, "root file", &error));
-    std::string expected = Replaced(kCatalogue, "|folder a\r\n", "|from hit\r\n");
-    expected = Replaced(expected, "|a|b\r\n", "|a|root file\r\n");
-    EXPECT_EQ(ReadAll(data + "/CD1.idx"), expected);
-}
-
-struct HitRow {
-    const char* name;
-    const char* hit;
-    bool ok;
-    const char* label;
-    const char* path;
-    bool folder;
-};
-
-class HitTable : public ::testing::TestWithParam<HitRow> {};
-
-TEST_P(HitTable, SplitsLabelAndPath) {
-    const HitRow& row = GetParam();
-    std::string label = "unchanged", path = "unchanged";
-    bool folder = !row.folder;
-    ASSERT_EQ(ct::TargetFromHit(row.hit, label, path, &folder), row.ok);
-    if (!row.ok) {
-        EXPECT_EQ(label, "unchanged");
-        return;
-    }
-    EXPECT_EQ(label, row.label);
-    EXPECT_EQ(path, row.path);
-    EXPECT_EQ(folder, row.folder);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Hits, HitTable,
-    ::testing::Values(
-        HitRow{"Folder", "Fotos 2003\\\\Bilder\\Urlaub\\", true, "Fotos 2003", "\\Bilder\\Urlaub", true},
-        HitRow{"File", "Fotos 2003\\\\Bilder\\Urlaub\\p1.jpg", true, "Fotos 2003", "\\Bilder\\Urlaub\\p1.jpg", false},
-        HitRow{"DiscHitOpensNothing", "Fotos 2003", false, "", "", false},
-        HitRow{"OnlyTheRoot", "CD\\\\", false, "", "", false}),
     [](const auto& info) { return std::string(info.param.name); });
 
 // --- Faults -------------------------------------------------------------------
@@ -207,16 +154,6 @@ INSTANTIATE_TEST_SUITE_P(
                       FaultRow{"Rename", Fault::Rename, "take the old one's place"}),
     [](const auto& info) { return std::string(info.param.name); });
 
-TEST_F(Editing, ReadOnlyCatalogueIsRefusedAndKept) {
-    WriteAll(data + "/CD1.idx", kCatalogue);
-    fs::permissions(data + "/CD1.idx", fs::perms::owner_read | fs::perms::group_read);
-    std::string error;
-    EXPECT_FALSE(ct::DescriptionRewrite(ops, program, data, "CD1", true, "", "x", &error));
-    EXPECT_NE(error.find("read-only"), std::string::npos) << error;
-    EXPECT_EQ(ReadAll(data + "/CD1.idx"), kCatalogue);
-    EXPECT_EQ(Names(data), std::vector<std::string>{"CD1.idx"});
-}
-
 // --- Where the scratch file goes ------------------------------------------------
 
 TEST_F(Editing, ScratchNeverLooksLikeACatalogue) {
@@ -226,31 +163,6 @@ TEST_F(Editing, ScratchNeverLooksLikeACatalogue) {
     EXPECT_EQ(ct::RewriteScratchPath(ops, program, data, "temp"), data + "/.temp.idx.part");
     std::string label;
     EXPECT_FALSE(ct::LabelOfCatalogueName(inProgram, label));
-}
-
-TEST_F(Editing, OtherDataFolderOnAnotherFileSystemWritesBesideTheCatalogue) {
-    const std::string other = (root / "elsewhere").string();
-    fs::create_directories(other);
-    WriteAll(other + "/CD1.idx", kCatalogue);
-    ops.sameFileSystem = false;
-    std::string error;
-    ASSERT_TRUE(ct::DescriptionRewrite(ops, program, other, "CD1", false, "\\a", "A", &error)) << error;
-    EXPECT_EQ(ReadAll(other + "/CD1.idx"), Replaced(kCatalogue, "|folder a\r\n", "|A\r\n"));
-    EXPECT_EQ(Names(other), std::vector<std::string>{"CD1.idx"});
-    EXPECT_TRUE(Names(data).empty());
-}
-
-TEST_F(Editing, CleanScratchFilesTakesOnlyLeftovers) {
-    const std::string other = (root / "elsewhere").string();
-    fs::create_directories(other);
-    WriteAll(data + "/.temp.idx.part", "x");
-    WriteAll(data + "/temp.idx", "a disc");
-    WriteAll(other + "/.CD1.idx.part", "x");
-    WriteAll(other + "/CD1.idx", "a disc");
-    WriteAll(other + "/.hidden.idx", "a disc");
-    EXPECT_EQ(ct::CleanScratchFiles(ops, program, other), 2);
-    EXPECT_EQ(Names(data), std::vector<std::string>{"temp.idx"});
-    EXPECT_EQ(Names(other), (std::vector<std::string>{".hidden.idx", "CD1.idx"}));
 }
 
 // --- Label change -----------------------------------------------------------------

@@ -39,52 +39,12 @@ TEST_P(HelpFileDamaged, SurvivesAndKeepsWhatItCan) {
 INSTANTIATE_TEST_SUITE_P(
     Cases, HelpFileDamaged,
     testing::Values(
-        DamagedCase{"Empty", "", {}, 0},
         DamagedCase{"NoTopicsJustText", "Hello\nworld\n", {}, 2},
         DamagedCase{"ByteOrderMarkAndCrLf", "\xEF\xBB\xBF@@ Inhalt\r\nText\r\n", {"Inhalt"}, 0},
-        DamagedCase{"TopicWithoutName", "@@\nbody\n@@ B\n", {"", "B"}, 1},
         DamagedCase{"DuplicateName", "@@ A\none\n@@ A\ntwo\n", {"A", "A"}, 1},
         DamagedCase{"UnterminatedLink", "@@ A\nsee [[B\n", {"A"}, 1},
-        DamagedCase{"UnterminatedBold", "@@ A\n**bold\n", {"A"}, 1},
-        DamagedCase{"EmptyLinkTarget", "@@ A\n[[|text]]\n", {"A"}, 1},
-        DamagedCase{"CutShortInHead", "@@ A\ntitle: T", {"A"}, 0},
         DamagedCase{"NameKeepsAmpersandAndBlanksInside", "@@  &Hinzufügen einer CD  \n", {"&Hinzufügen einer CD"}, 0}),
     [](const testing::TestParamInfo<DamagedCase>& info) { return std::string(info.param.name); });
-
-TEST(HelpFile, HeadLinesAndBody) {
-    const auto file = ct::ParseHelpFile(
-        "language: de\n%% comment\n@@ Suchen\ntitle: Die Suche\nindex: Kriterien; Operator ;\n\n"
-        "Erste Zeile\n%% hidden\nzweite [[Inhalt]] und [[Index|das Register]].\n\n\n");
-    ASSERT_EQ(file.topics.size(), 1u);
-    const auto& t = file.topics[0];
-    EXPECT_EQ(file.HeaderValue("Language"), "de");
-    EXPECT_EQ(t.Title(), "Die Suche");
-    EXPECT_EQ(t.keys, (std::vector<std::string>{"Kriterien", "Operator"}));
-    EXPECT_EQ(t.body, (std::vector<std::string>{"Erste Zeile", "zweite [[Inhalt]] und [[Index|das Register]]."}));
-    ASSERT_EQ(t.links.size(), 2u);
-    EXPECT_EQ(t.links[0].target, "Inhalt");
-    EXPECT_EQ(t.links[1].target, "Index");
-    EXPECT_EQ(t.links[1].text, "das Register");
-    EXPECT_EQ(t.line, 3u);
-}
-
-TEST(HelpFile, FindIsExactAndLenientFindForgivesAccessKeysAndCase) {
-    const auto file = ct::ParseHelpFile("@@ &Optionen\n@@ Inhalt\n@@ Über\n");
-    EXPECT_NE(file.Find("&Optionen"), nullptr);
-    EXPECT_EQ(file.Find("Optionen"), nullptr);
-    EXPECT_EQ(file.Find("inhalt"), nullptr);
-    ASSERT_NE(file.FindLenient("Optionen "), nullptr);
-    EXPECT_EQ(file.FindLenient("Optionen ")->name, "&Optionen");
-    EXPECT_EQ(file.FindLenient("INHALT")->name, "Inhalt");
-    EXPECT_EQ(file.FindLenient("über")->name, "Über");
-    EXPECT_EQ(file.FindLenient("Statistik"), nullptr);
-}
-
-TEST(HelpFile, MissingFileIsReported) {
-    ct::HelpFile file;
-    EXPECT_FALSE(ct::LoadHelpFile("/nonexistent/CT0.fhp", file));
-    EXPECT_TRUE(file.topics.empty());
-}
 
 // ---------------------------------------------------------------- arguments
 
@@ -121,30 +81,6 @@ INSTANTIATE_TEST_SUITE_P(
     [](const testing::TestParamInfo<ArgCase>& info) { return std::string(info.param.name); });
 
 // ---------------------------------------------------------------- markup
-
-TEST(HelpMarkup, BlocksOfParagraphsListsAndExamples) {
-    const auto blocks = ct::HelpBlocks({"## Head", "one", "two", "", "- a", "  more a", "- b", "1. x", "12. y",
-                                        "> \\FOTOS\\2001", ">  two blanks", "after"});
-    ASSERT_EQ(blocks.size(), 8u);
-    EXPECT_EQ(blocks[0].kind, HelpBlock::Kind::Heading);
-    EXPECT_EQ(blocks[1].text, "one two");
-    EXPECT_EQ(blocks[2].kind, HelpBlock::Kind::Bullet);
-    EXPECT_EQ(blocks[2].text, "a more a");
-    EXPECT_EQ(blocks[4].kind, HelpBlock::Kind::Numbered);
-    EXPECT_EQ(blocks[5].number, 12);
-    EXPECT_EQ(blocks[6].kind, HelpBlock::Kind::Example);
-    EXPECT_EQ(blocks[6].text, "\\FOTOS\\2001\n two blanks");
-    EXPECT_EQ(blocks[7].kind, HelpBlock::Kind::Paragraph);
-}
-
-TEST(HelpMarkup, HtmlEscapesTextAndHref) {
-    ct::HelpTopic t;
-    t.name = "A & <B>";
-    t.body = {"x < y & [[Q&A|\"z\"]]"};
-    const auto html = ct::HelpTopicHtml(t, [](const std::string& target) { return "topic:" + target; });
-    EXPECT_NE(html.find("<h2>A &amp; &lt;B&gt;</h2>"), std::string::npos) << html;
-    EXPECT_NE(html.find("x &lt; y &amp; <a href=\"topic:Q&amp;A\">&quot;z&quot;</a>"), std::string::npos) << html;
-}
 
 // ---------------------------------------------------------------- the real files
 

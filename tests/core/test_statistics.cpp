@@ -74,18 +74,6 @@ TEST_F(Statistics, OnlyTheHeaderSizeIsSummed) {
     EXPECT_EQ(totals.files, 2);
 }
 
-TEST_F(Statistics, TotalsBeyondWhatADoubleHoldsExactlyAsFixed) {
-    // 2,000 discs of 4.7 GB: the raw fixed value passes 2^53.
-    std::vector<std::string> labels;
-    for (int i = 0; i < 3; ++i) {
-        labels.push_back("D" + std::to_string(i));
-        Catalogue(labels.back(), "3000000000000", 0, 0);
-    }
-    const auto f = ct::FormatStatistics(ct::CollectStatistics(data.string(), labels), ",");
-    EXPECT_EQ(f.totalSize, "9000000000000 Bytes (8381,9 GB)");
-    EXPECT_EQ(f.averageSize, "3000000000000 Bytes (2793,97 GB)");
-}
-
 // The run's own counter must count exactly as the panes' counting way does,
 // whatever the line ends and wherever a block boundary falls.
 struct CountRow {

@@ -6,26 +6,6 @@
 
 namespace {
 
-std::string Utf8Of(char32_t cp) {
-    std::string out;
-    if (cp < 0x80) {
-        out += static_cast<char>(cp);
-    } else if (cp < 0x800) {
-        out += static_cast<char>(0xC0 | (cp >> 6));
-        out += static_cast<char>(0x80 | (cp & 0x3F));
-    } else if (cp < 0x10000) {
-        out += static_cast<char>(0xE0 | (cp >> 12));
-        out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (cp & 0x3F));
-    } else {
-        out += static_cast<char>(0xF0 | (cp >> 18));
-        out += static_cast<char>(0x80 | ((cp >> 12) & 0x3F));
-        out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (cp & 0x3F));
-    }
-    return out;
-}
-
 struct Utf8Row {
     const char* name;
     std::string bytes;
@@ -76,14 +56,6 @@ INSTANTIATE_TEST_SUITE_P(
                       Cp1252Row{"HoleIsC1Control", "\x81", "\xC2\x81"}),
     [](const auto& info) { return std::string(info.param.name); });
 
-TEST(Cp1252, CharactersOutsideAreRefused) {
-    std::string out;
-    EXPECT_FALSE(ct::Utf8ToCp1252("\xE2\x86\x92", out));  // an arrow
-    EXPECT_FALSE(ct::Utf8ToCp1252("\xFF", out));          // not UTF-8 at all
-    EXPECT_TRUE(ct::Utf8ToCp1252("\xC5\x93", out));       // œ
-    EXPECT_EQ(out, "\x9C");
-}
-
 TEST(DecodeLine, ValidUtf8StaysAsItIs) {
     EXPECT_EQ(ct::DecodeLine("\\M\xC3\xBCll.txt|1|A|"), "\\M\xC3\xBCll.txt|1|A|");
 }
@@ -118,36 +90,6 @@ INSTANTIATE_TEST_SUITE_P(
         UpperRow{"GreekWithFinalSigma", "\xCE\xB1\xCE\xB2\xCF\x82", "\xCE\x91\xCE\x92\xCE\xA3"},
         UpperRow{"Cyrillic", "\xD0\xBF\xD1\x80\xD1\x91", "\xD0\x9F\xD0\xA0\xD0\x81"},
         UpperRow{"InvalidBytesKept", "a\xFF" "b", "A\xFF" "B"}),
-    [](const auto& info) { return std::string(info.param.name); });
-
-TEST(UpperCaseAll, NoCharacterChangesTheCharacterCount) {
-    // The name test compares positions by character, so upper-casing must
-    // never turn one character into two (or none), anywhere in Unicode.
-    for (char32_t cp = 1; cp <= 0x10FFFF; ++cp) {
-        if (cp >= 0xD800 && cp <= 0xDFFF) continue;
-        const std::string one = Utf8Of(cp);
-        const std::string up = ct::UpperCase(one);
-        ASSERT_TRUE(ct::IsValidUtf8(up)) << std::hex << static_cast<unsigned>(cp);
-        ASSERT_EQ(ct::CharCount(up), 1u) << std::hex << static_cast<unsigned>(cp);
-    }
-}
-
-struct CountRow {
-    const char* name;
-    std::string text;
-    std::size_t count;
-};
-
-class CharCountTable : public ::testing::TestWithParam<CountRow> {};
-
-TEST_P(CharCountTable, CodePoints) { EXPECT_EQ(ct::CharCount(GetParam().text), GetParam().count); }
-
-INSTANTIATE_TEST_SUITE_P(
-    Rows, CharCountTable,
-    ::testing::Values(CountRow{"Ascii", "abc", 3},
-                      CountRow{"TwoByteEach", "\xC3\xA4\xC3\xB6", 2},
-                      CountRow{"InvalidBytesOneEach", "\xFF\xFE", 2},
-                      CountRow{"CutShortSequence", "a\xE2\x82", 3}),
     [](const auto& info) { return std::string(info.param.name); });
 
 }  // namespace

@@ -82,13 +82,5 @@ TEST(DrivesOf, DiscsFirstThenRemovableThenTheRestNeverPseudo) {
     EXPECT_EQ(drives[3].volumeName, "");
 }
 
-TEST(ListDrives, ThisMachineListsNoPseudoFileSystem) {
-    for (const auto& d : ListDrives()) {
-        EXPECT_NE(d.mountPoint.rfind("/proc", 0), 0u) << d.mountPoint;
-        EXPECT_NE(d.mountPoint.rfind("/sys", 0), 0u) << d.mountPoint;
-        EXPECT_FALSE(d.display.empty());
-    }
-}
-
 }  // namespace
 }  // namespace ct

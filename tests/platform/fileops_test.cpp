@@ -96,20 +96,5 @@ TEST(SystemFileOps, FailuresSayWhatAndWhy) {
     EXPECT_FALSE(ops.Remove(s / "nope", nullptr));
 }
 
-TEST(SystemFileOps, FullDeviceFailsTheCopyAndTheWrite) {
-    struct stat st{};
-    if (stat("/dev/full", &st) != 0 || !S_ISCHR(st.st_mode)) GTEST_SKIP() << "no /dev/full";
-    Scratch s;
-    s.File("from.idx", std::string(100000, 'x'));
-    std::string error;
-    EXPECT_FALSE(SystemFileOps().Copy(s / "from.idx", "/dev/full", &error));
-    EXPECT_NE(error.find(std::strerror(ENOSPC)), std::string::npos) << error;
-    ASSERT_EQ(stat("/dev/full", &st), 0);  // a device is never removed as a half copy
-    EXPECT_TRUE(S_ISCHR(st.st_mode));
-    auto out = SystemFileOps().Create("/dev/full", nullptr);
-    ASSERT_NE(out, nullptr);
-    EXPECT_FALSE(out->Write("x"));
-}
-
 }  // namespace
 }  // namespace ct

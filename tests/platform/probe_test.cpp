@@ -82,17 +82,6 @@ TEST(ProbeVolumeFile, JolietLabelAndSerialFromTheJolietDescriptor) {
     }
 }
 
-TEST(ProbeVolumeFile, PlainIsoReadsThePrimaryDescriptor) {
-    if (!HaveTool("xorriso")) GTEST_SKIP() << "xorriso is missing";
-    Scratch s;
-    const std::string image = MakeIso(s, "plain.iso", "PLAIN_DISC", false);
-    ASSERT_FALSE(image.empty());
-    VolumeLabel label;
-    ASSERT_TRUE(ProbeVolumeFile(image, label));
-    EXPECT_EQ(label.name, "PLAIN_DISC");
-    EXPECT_EQ(label.serial, DescriptorSums(ReadAll(image), 16));
-}
-
 // A FAT boot sector made with a fixed serial and label.
 std::string MakeFat(const Scratch& s, const std::string& name, const std::string& options, int kib) {
     const std::string image = s / name;
@@ -125,79 +114,6 @@ TEST(ProbeVolumeFile, FatSerialAndLabel) {
         EXPECT_EQ(label.name, row.name) << row.options;
         EXPECT_EQ(label.fileSystem, row.fileSystem) << row.options;
     }
-}
-
-// Windows names a FAT volume by the label entry of its root folder; the copy
-// in the boot sector only counts where the root holds none.
-TEST(ProbeVolumeFile, ExfatSerialAndLabel) {
-    if (!HaveTool("mkfs.exfat") || !HaveTool("tune.exfat")) GTEST_SKIP() << "exfatprogs is missing";
-    Scratch s;
-    const std::string image = s / "exfat.img";
-    WriteFile(image, "");
-    ASSERT_EQ(truncate(image.c_str(), 8 << 20), 0);
-    ASSERT_TRUE(RunQuiet("mkfs.exfat -L " + Quote("Urlaub \xC3\xA4") + " " + Quote(image)));
-    ASSERT_TRUE(RunQuiet("tune.exfat -I 0xCAFE1234 " + Quote(image)));
-    VolumeLabel label;
-    ASSERT_TRUE(ProbeVolumeFile(image, label));
-    EXPECT_EQ(label.fileSystem, "exFAT");
-    EXPECT_EQ(label.serial, 0xCAFE1234u);
-    EXPECT_EQ(label.name, "Urlaub \xC3\xA4");
-}
-
-// An NTFS volume as far as the probe reads it: the boot sector, and the MFT
-// record of $Volume with its name, protected by the update sequence.
-std::string NtfsImage(const std::u16string& name, bool brokenFixup) {
-    std::string image(32 * 1024, '\0');
-    auto put16 = [&](std::size_t at, unsigned v) {
-        image[at] = static_cast<char>(v & 0xFF);
-        image[at + 1] = static_cast<char>(v >> 8);
-    };
-    image.replace(0, 11, "\xEB\x52\x90NTFS    ", 11);
-    put16(0x0B, 512);
-    image[0x0D] = 8;                       // 4 KiB clusters
-    image[0x30] = 4;                       // the MFT at cluster 4
-    image[0x40] = static_cast<char>(0xF6);  // records of 2^10 bytes
-    const unsigned char serial[8] = {0x78, 0x56, 0x34, 0x12, 0xF0, 0xDE, 0xBC, 0x9A};
-    for (int i = 0; i < 8; ++i) image[0x48 + i] = static_cast<char>(serial[i]);
-    image[510] = '\x55';
-    image[511] = '\xAA';
-    const std::size_t r = 4 * 4096 + 3 * 1024;
-    image.replace(r, 4, "FILE");
-    put16(r + 4, 0x30);  // update sequence: check number and two originals
-    put16(r + 6, 3);
-    put16(r + 0x14, 0x38);
-    put16(r + 0x30, 0x0007);
-    put16(r + 0x32, 0x0000);
-    put16(r + 0x34, 0x0000);
-    const std::size_t a = r + 0x38;
-    const std::size_t valueLength = name.size() * 2;
-    const std::size_t length = (0x18 + valueLength + 7) / 8 * 8;
-    put16(a, 0x60);
-    put16(a + 4, static_cast<unsigned>(length));
-    put16(a + 0x10, static_cast<unsigned>(valueLength));
-    put16(a + 0x14, 0x18);
-    for (std::size_t i = 0; i < name.size(); ++i) put16(a + 0x18 + 2 * i, name[i]);
-    put16(a + length, 0xFFFF);
-    put16(a + length + 2, 0xFFFF);
-    put16(r + 510, 0x0007);
-    put16(r + 1022, brokenFixup ? 0x0008 : 0x0007);
-    return image;
-}
-
-TEST(ProbeVolumeFile, NtfsSerialIsTheLowHalfAndTheNameComesFromVolume) {
-    Scratch s;
-    WriteFile(s / "ntfs.img", NtfsImage(u"Daten \u00E4", false));
-    VolumeLabel label;
-    ASSERT_TRUE(ProbeVolumeFile(s / "ntfs.img", label));
-    EXPECT_EQ(label.fileSystem, "NTFS");
-    EXPECT_EQ(label.serial, 0x12345678u);
-    EXPECT_EQ(label.name, "Daten \xC3\xA4");
-
-    // A record torn in writing gives no name; the serial still stands.
-    WriteFile(s / "torn.img", NtfsImage(u"Daten", true));
-    ASSERT_TRUE(ProbeVolumeFile(s / "torn.img", label));
-    EXPECT_EQ(label.serial, 0x12345678u);
-    EXPECT_EQ(label.name, "");
 }
 
 // UDF: the logical volume's name, and the sums over the file set descriptor

@@ -90,24 +90,6 @@ TEST(WindowsFileSystemName, LinuxTypesAsWindowsNamesThem) {
     for (const auto& row : rows) EXPECT_EQ(WindowsFileSystemName(row.type, row.fat32), row.name) << row.type;
 }
 
-TEST(VolumeSize, SectorCountIs32BitThenTimesSectorSize) {
-    const struct {
-        const char* name;
-        std::int32_t clusters, perCluster, bytes;
-        std::int64_t size;
-    } rows[] = {
-        {"CD", 319488, 1, 2048, 654311424},
-        {"DVD above 4 GiB", 2295104, 1, 2048, 4700372992LL},
-        {"stick", 1953008, 8, 512, 7999520768LL},
-        {"largest sector count", 2147483647, 1, 512, 1099511627264LL},
-        {"sector count wraps negative", 0x10000000, 8, 512, -1099511627776LL},
-        {"sector count wraps to zero", 0x40000000, 4, 512, 0},
-        {"nothing", 0, 0, 0, 0},
-    };
-    for (const auto& row : rows)
-        EXPECT_EQ(VolumeSize(row.clusters, row.perCluster, row.bytes), Fixed::FromInt(row.size)) << row.name;
-}
-
 TEST(ReadVolumeInfo, FolderOnThisMachineGivesItsVolumesFigures) {
     test::Scratch s;
     const std::string sub = s.Folder("sub");

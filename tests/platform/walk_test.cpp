@@ -73,21 +73,6 @@ TEST(WalkFolder, DepthFirstInDeliveryOrderGoingDownAtOnce) {
     EXPECT_EQ(Names(gotFolders).size(), 3u);
 }
 
-TEST(WalkFolder, LinkToAFolderIsAFileAndNotWalked) {
-    Scratch s;
-    s.Folder("real");
-    s.File("real/inside");
-    ASSERT_EQ(symlink((s / "real").c_str(), (s / "link").c_str()), 0);
-    ASSERT_EQ(symlink("/", (s / "rootlink").c_str()), 0);
-    WalkList folders, files;
-    WalkFolder(s.Path(), folders, files);
-    EXPECT_EQ(Names(folders), std::vector<std::string>{s / "real"});
-    ASSERT_NE(Find(files, s / "link"), nullptr);
-    EXPECT_NE(Find(files, s / "rootlink"), nullptr);
-    EXPECT_EQ(Find(files, s / "link/inside"), nullptr);
-    EXPECT_EQ(files.size(), 3u);
-}
-
 TEST(WalkFolder, UnreadableFolderAddsItsRecordOnly) {
     Scratch s;
     s.Folder("closed");
@@ -117,41 +102,6 @@ TEST(WalkFolder, UnreadableFolderAddsItsRecordOnly) {
     ASSERT_TRUE(WIFEXITED(status));
     if (WEXITSTATUS(status) == 2) GTEST_SKIP() << "can't become an ordinary user";
     EXPECT_EQ(WEXITSTATUS(status), 0);
-}
-
-TEST(WalkFolder, AttributesAsWindowsShowsThem) {
-    Scratch s;
-    s.File("plain");
-    s.File("locked");
-    ASSERT_EQ(chmod((s / "locked").c_str(), 0444), 0);
-    s.File(".hidden");
-    s.File(".hidden-locked");
-    ASSERT_EQ(chmod((s / ".hidden-locked").c_str(), 0400), 0);
-    s.Folder("folder");
-    s.Folder(".hiddenfolder");
-    s.Folder("lockedfolder");
-    ASSERT_EQ(chmod((s / "lockedfolder").c_str(), 0555), 0);
-    WalkList folders, files;
-    WalkFolder(s.Path(), folders, files);
-
-    const struct {
-        const char* name;
-        bool folder;
-        const char* attributes;
-    } rows[] = {
-        {"plain", false, "A"},
-        {"locked", false, "R A"},
-        {".hidden", false, "H A"},
-        {".hidden-locked", false, "R H A"},
-        {"folder", true, ""},
-        {".hiddenfolder", true, "H"},
-        {"lockedfolder", true, "R"},
-    };
-    for (const auto& row : rows) {
-        const WalkRecord* r = Find(row.folder ? folders : files, s / row.name);
-        ASSERT_NE(r, nullptr) << row.name;
-        EXPECT_EQ(r->Attributes, row.attributes) << row.name;
-    }
 }
 
 // Samba keeps the hidden and system flags a Windows client set in an xattr.
@@ -187,29 +137,6 @@ TEST(WalkFolder, SambaHiddenAndSystemFlagsCount) {
     }
 }
 
-TEST(WalkFolder, SizeIsTheLow32BitsReadAsSigned) {
-    Scratch s;
-    s.File("five", "12345");
-    s.File("empty");
-    const struct {
-        const char* name;
-        off_t size;
-        std::int64_t expected;
-    } big[] = {
-        {"2GiB", off_t{1} << 31, -2147483648LL},
-        {"3GiB", off_t{3} << 30, -1073741824LL},
-        {"4GiB+7", (off_t{1} << 32) + 7, 7},
-    };
-    for (const auto& b : big) ASSERT_EQ(truncate(s.File(b.name).c_str(), b.size), 0) << b.name;
-    s.Folder("dir");
-    WalkList folders, files;
-    WalkFolder(s.Path(), folders, files);
-    EXPECT_EQ(Find(files, s / "five")->Size, Fixed::FromInt(5));
-    EXPECT_EQ(Find(files, s / "empty")->Size, Fixed::FromInt(0));
-    for (const auto& b : big) EXPECT_EQ(Find(files, s / b.name)->Size, Fixed::FromInt(b.expected)) << b.name;
-    EXPECT_EQ(Find(folders, s / "dir")->Size, Fixed::FromInt(0));
-}
-
 // The creation time where the file system keeps one, else the last write,
 // always as UTC text.
 TEST(WalkFolder, DateIsTheCreationTimeInUtc) {
@@ -233,17 +160,6 @@ TEST(WalkFolder, DateIsTheCreationTimeInUtc) {
     WalkFolder(s.Path(), folders, files);
     ASSERT_EQ(files.size(), 1u);
     EXPECT_EQ(files[0].Date, expected);
-}
-
-TEST(WalkFolder, StaysOnTheFileSystemOfTheRoot) {
-    struct stat dev{}, pts{};
-    if (stat("/dev", &dev) != 0 || stat("/dev/pts", &pts) != 0 || dev.st_dev == pts.st_dev)
-        GTEST_SKIP() << "/dev/pts is no mount of its own here";
-    WalkList folders, files;
-    WalkFolder("/dev", folders, files);
-    EXPECT_NE(Find(folders, "/dev/pts"), nullptr);
-    for (const auto& r : files) EXPECT_NE(r.Name.rfind("/dev/pts/", 0), 0u) << r.Name;
-    for (const auto& r : folders) EXPECT_NE(r.Name.rfind("/dev/pts/", 0), 0u) << r.Name;
 }
 
 }  // namespace
