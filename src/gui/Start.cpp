@@ -186,6 +186,15 @@ void Caption(QLabel* caption, QWidget* control) {
     control->setAccessibleName(name);
 }
 
+QString Say(const char* german, const char* english) {
+    return QString::fromUtf8(Start::Language == 0 ? german : english);
+}
+
+void ReportFailure(QWidget* parent, const QString& title, const QString& head, const QString& reason) {
+    seams::MessageBox(parent, title, reason.isEmpty() ? head : head + QStringLiteral("\n\n") + reason,
+                      QMessageBox::Ok, QMessageBox::Ok, QMessageBox::Warning);
+}
+
 QString TitleText(int baseId) { return WithoutAccessKeys(ResourceText(baseId)); }
 
 QString ResourceText(int baseId) {

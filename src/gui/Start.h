@@ -62,6 +62,15 @@ void UseProgramFont();
 // loads or drops Qt's German translation. Sprache_Setzen calls it.
 void UseQtLanguage();
 
+// `german` or `english` by the language in force: the few sentences the
+// windows word themselves (a failure's heading), never a fixed German text.
+QString Say(const char* german, const char* english);
+
+// The one way a window reports a failure: a warning titled `title`, with what
+// didn't happen (`head`) above why (`reason`, a FailureText in the language in
+// force), each said once.
+void ReportFailure(QWidget* parent, const QString& title, const QString& head, const QString& reason);
+
 // A caption and the control it heads: the caption becomes the control's
 // buddy (its access key moves the focus there) and its text, without the
 // access-key mark, the control's accessible name, so that a screen reader

@@ -16,21 +16,27 @@ namespace {
 
 QString Q(const std::string& text) { return QString::fromStdString(text); }
 
-void Warn(QWidget* parent, const QString& text) {
-    seams::MessageBox(parent, ResourceText(10011), text, QMessageBox::Ok, QMessageBox::Ok, QMessageBox::Warning);
+// Titled by the menu entry, without its access-key mark.
+void Warn(QWidget* parent, const QString& head, const std::string& reason) {
+    ReportFailure(parent, TitleText(10011), head, Q(reason));
 }
 
 // Tells the user what became of a set-aside catalogue that couldn't go back.
 void ReportKept(QWidget* parent, const SetAsideFile& file, RestoreResult result, const std::string& error) {
     if (result == RestoreResult::Restored) return;
     if (result == RestoreResult::LabelTaken)
-        Warn(parent, QStringLiteral("Unter der Bezeichnung \"") + Q(file.label) +
-                         QStringLiteral("\" steht inzwischen ein anderer Katalog. Der alte Katalog bleibt "
-                                        "erhalten als ") +
-                         Q(file.path));
+        Warn(parent,
+             Say("Unter der Bezeichnung „%1“ steht inzwischen ein anderer Katalog. Der alte Katalog bleibt "
+                 "erhalten als „%2“.",
+                 "Another catalogue now stands under the label \"%1\". The old catalogue is kept as \"%2\".")
+                 .arg(Q(file.label), Q(file.path)),
+             {});
     else
-        Warn(parent, QStringLiteral("Der alte Katalog konnte nicht zurückgelegt werden: ") + Q(error) +
-                         QStringLiteral("\nEr bleibt erhalten als ") + Q(file.path));
+        Warn(parent,
+             Say("Der alte Katalog konnte nicht zurückgelegt werden. Er bleibt erhalten als „%1“.",
+                 "The old catalogue could not be put back. It is kept as \"%1\".")
+                 .arg(Q(file.path)),
+             error);
 }
 
 }  // namespace
@@ -65,7 +71,7 @@ void DoNeuEinlesen() {
     std::string error;
     if (!SetAside(seams::Files(), Start::DataFolder, label.toStdString(), aside, &error)) {
         Normal();
-        Warn(haupt, QStringLiteral("Der Katalog kann nicht neu eingelesen werden: ") + Q(error));
+        Warn(haupt, Say("Die CD / DVD wird nicht neu eingelesen.", "The disc is not read anew."), error);
         return;
     }
     bool settled = false;
@@ -76,8 +82,11 @@ void DoNeuEinlesen() {
         if (closing.AddedCount() > 0) {
             // Read anew (under this label or another): the old reading goes.
             if (!Discard(seams::Files(), aside, &why))
-                Warn(&closing, QStringLiteral("Der alte Katalog konnte nicht gelöscht werden: ") + Q(why) +
-                                   QStringLiteral("\nEr liegt noch als ") + Q(aside.path));
+                Warn(&closing,
+                     Say("Der alte Katalog konnte nicht gelöscht werden. Er liegt noch als „%1“.",
+                         "The old catalogue could not be deleted. It still lies as \"%1\".")
+                         .arg(Q(aside.path)),
+                     why);
             return;
         }
         const RestoreResult result = Restore(AddDiscSource(), seams::Files(), Start::DataFolder, aside, &why);

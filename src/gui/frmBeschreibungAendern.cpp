@@ -8,6 +8,7 @@
 
 #include "core/editing.h"
 #include "core/textrules.h"
+#include "gui/layout.h"
 #include "gui/Start.h"
 #include "gui/appicon.h"
 #include "gui/frmHaupt.h"
@@ -106,24 +107,24 @@ frmBeschreibungÄndern::frmBeschreibungÄndern(QWidget* owner) : QDialog(owner) 
     setFixedSize(Tw(3510), Tw(1950));
 
     lblNeueBeschreibung = new QLabel(this);
-    lblNeueBeschreibung->setGeometry(Tw(240), Tw(240), Tw(3015), Tw(255));
+    Place(lblNeueBeschreibung, 240, 240, 3015, 255);
 
     cmdÄndern = nullptr;
     txtNeueBeschreibung = new DescriptionBox(this, cmdÄndern);
-    txtNeueBeschreibung->setGeometry(Tw(240), Tw(480), Tw(3015), Tw(600));
+    Place(txtNeueBeschreibung, 240, 480, 3015, 600);
     txtNeueBeschreibung->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     txtNeueBeschreibung->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     txtNeueBeschreibung->setTabChangesFocus(true);
 
     cmdÄndern = new QPushButton(this);
-    cmdÄndern->setGeometry(Tw(240), Tw(1320), Tw(1095), Tw(375));
+    Place(cmdÄndern, 240, 1320, 1095, 375);
     cmdÄndern->setDefault(true);
     QFont bold = cmdÄndern->font();
     bold.setBold(true);
     cmdÄndern->setFont(bold);
 
     cmdAbbrechen = new QPushButton(this);
-    cmdAbbrechen->setGeometry(Tw(2160), Tw(1320), Tw(1095), Tw(375));
+    Place(cmdAbbrechen, 2160, 1320, 1095, 375);
 
     setTabOrder(txtNeueBeschreibung, cmdÄndern);
     setTabOrder(cmdÄndern, cmdAbbrechen);
@@ -150,7 +151,10 @@ void frmBeschreibungÄndern::cmdÄndern_Click() {
     txtNeueBeschreibung->setPlainText(text);
 
     const DescriptionTarget target = CurrentDescriptionTarget();
-    std::string error = target.ok ? std::string() : "Nothing is chosen whose description could change.";
+    std::string error = target.ok ? std::string()
+                                  : Say("Es ist nichts gewählt, dessen Beschreibung sich ändern ließe.",
+                                        "Nothing is chosen whose description could change.")
+                                        .toStdString();
     const bool stored =
         target.ok && DescriptionRewrite(seams::Files(), ProgramFolder(), Start::DataFolder, target.label,
                                         target.isHeader, target.path, S(text), &error);

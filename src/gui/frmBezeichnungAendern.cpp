@@ -7,6 +7,7 @@
 #include <QScreen>
 
 #include "core/editing.h"
+#include "gui/layout.h"
 #include "gui/Start.h"
 #include "gui/appicon.h"
 #include "gui/frmHaupt.h"
@@ -22,18 +23,18 @@ frmBezeichnungÄndern::frmBezeichnungÄndern(QWidget* owner) : QDialog(owner) {
     setFixedSize(Tw(3495), Tw(1590));
 
     lblNeueBezeichnung = new QLabel(this);
-    lblNeueBezeichnung->setGeometry(Tw(240), Tw(240), Tw(3015), Tw(255));
+    Place(lblNeueBezeichnung, 240, 240, 3015, 255);
     txtBezeichnung = new QLineEdit(this);
-    txtBezeichnung->setGeometry(Tw(240), Tw(480), Tw(3015), Tw(285));
+    Place(txtBezeichnung, 240, 480, 3015, 285);
 
     cmdÄndern = new QPushButton(this);
-    cmdÄndern->setGeometry(Tw(240), Tw(960), Tw(1095), Tw(375));
+    Place(cmdÄndern, 240, 960, 1095, 375);
     cmdÄndern->setDefault(true);
     QFont bold = cmdÄndern->font();
     bold.setBold(true);
     cmdÄndern->setFont(bold);
     cmdAbbrechen = new QPushButton(this);
-    cmdAbbrechen->setGeometry(Tw(2160), Tw(960), Tw(1095), Tw(375));
+    Place(cmdAbbrechen, 2160, 960, 1095, 375);
 
     setTabOrder(txtBezeichnung, cmdÄndern);
     setTabOrder(cmdÄndern, cmdAbbrechen);

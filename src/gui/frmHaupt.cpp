@@ -18,6 +18,7 @@
 #include "gui/Start.h"
 #include "gui/appicon.h"
 #include "gui/frmSprache.h"
+#include "gui/layout.h"
 #include "gui/seams.h"
 #include "gui/windows.h"
 #include "platform/system.h"
@@ -30,19 +31,6 @@ namespace {
 frmHaupt* g_main = nullptr;
 
 QString Q(const std::string& s) { return QString::fromStdString(s); }
-
-void Place(QWidget* w, int left, int top, int width, int height) {
-    w->setGeometry(Tw(left), Tw(top), Tw(width), Tw(height));
-}
-void SetLeft(QWidget* w, int left) { w->move(Tw(left), w->y()); }
-void SetWidth(QWidget* w, int width) { w->resize(Tw(width), w->height()); }
-
-QLabel* Label(QWidget* parent, int left, int top, int width, int height = 255) {
-    auto* l = new QLabel(parent);
-    Place(l, left, top, width, height);
-    l->setAlignment(Qt::AlignLeft | Qt::AlignTop);
-    return l;
-}
 
 QTextEdit* DescriptionBox(QWidget* parent, int left, int top, int width, int height) {
     auto* t = new QTextEdit(parent);

@@ -257,10 +257,10 @@ void frmHinzufügen::cmdHinzufügen_Click() {
         return;
     case AddResult::WriteFailed:
         Normal();
-        seams::MessageBox(this, windowTitle(),
-                          QStringLiteral("Der Katalog konnte nicht geschrieben werden: ") +
-                              QString::fromStdString(outcome.error),
-                          QMessageBox::Ok, QMessageBox::Ok, QMessageBox::Warning);
+        // The reason names the file step that failed; the head only says
+        // what didn't happen, so the cause is told once.
+        ReportFailure(this, windowTitle(), Say("Die CD / DVD wurde nicht aufgenommen.", "The disc was not added."),
+                      QString::fromStdString(outcome.error));
         return;
     case AddResult::Added:
     case AddResult::EmptyLabel:

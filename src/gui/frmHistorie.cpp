@@ -4,6 +4,7 @@
 #include <QPushButton>
 
 #include "core/catalogue.h"
+#include "gui/layout.h"
 #include "gui/Start.h"
 #include "gui/appicon.h"
 #include "platform/system.h"
@@ -23,7 +24,7 @@ frmHistorie::frmHistorie(QWidget* parent) : QDialog(parent) {
     setFixedSize(Tw(7335), Tw(7485));
 
     txtHistorie = new QPlainTextEdit(this);
-    txtHistorie->setGeometry(Tw(240), Tw(240), Tw(6855), Tw(6255));
+    Place(txtHistorie, 240, 240, 6855, 6255);
     txtHistorie->setReadOnly(true);
     txtHistorie->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     txtHistorie->setLineWrapMode(QPlainTextEdit::WidgetWidth);
@@ -33,7 +34,7 @@ frmHistorie::frmHistorie(QWidget* parent) : QDialog(parent) {
     txtHistorie->setPalette(pal);
 
     cmdOK = new QPushButton(this);
-    cmdOK->setGeometry(Tw(2880), Tw(6720), Tw(1635), Tw(495));
+    Place(cmdOK, 2880, 6720, 1635, 495);
     cmdOK->setDefault(true);
     QFont bold = cmdOK->font();
     bold.setBold(true);

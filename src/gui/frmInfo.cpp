@@ -8,6 +8,7 @@
 #include <QUrl>
 
 #include "core/rddll.h"
+#include "gui/layout.h"
 #include "gui/Start.h"
 #include "gui/appicon.h"
 #include "gui/seams.h"
@@ -34,7 +35,7 @@ QColor LinkColour(const QWidget* window, bool pressed) {
 
 QLabel* CentredLabel(QWidget* parent, int top, int height) {
     auto* l = new QLabel(parent);
-    l->setGeometry(Tw(240), Tw(top), Tw(4935), Tw(height));
+    Place(l, 240, top, 4935, height);
     l->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
     l->setWordWrap(true);
     return l;
@@ -107,7 +108,7 @@ frmInfo::frmInfo(QWidget* parent) : QDialog(parent) {
     lbl[2]->setCursor(lbl[1]->cursor());
 
     cmdOK = new QPushButton(this);
-    cmdOK->setGeometry(Tw(1800), Tw(6720), Tw(1755), Tw(495));
+    Place(cmdOK, 1800, 6720, 1755, 495);
     cmdOK->setDefault(true);
     QFont bold = cmdOK->font();
     bold.setBold(true);

@@ -9,6 +9,7 @@
 #include "gui/Start.h"
 #include "gui/appicon.h"
 #include "gui/frmHaupt.h"
+#include "gui/layout.h"
 #include "gui/seams.h"
 #include "gui/windows.h"
 
@@ -16,11 +17,9 @@ namespace ct {
 
 namespace {
 
-QLabel* Label(QWidget* parent, int left, int top, int width, int height) {
-    auto* l = new QLabel(parent);
-    l->setGeometry(Tw(left), Tw(top), Tw(width), Tw(height));
+QLabel* WrappingLabel(QWidget* parent, int left, int top, int width, int height) {
+    QLabel* l = Label(parent, left, top, width, height);
     l->setWordWrap(true);
-    l->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     return l;
 }
 
@@ -32,31 +31,31 @@ frmOptionen::frmOptionen(QWidget* parent) : QDialog(parent) {
     setModal(true);
     setFixedSize(Tw(6510), Tw(2535));
 
-    lblSprache = Label(this, 240, 240, 2055, 255);
+    lblSprache = WrappingLabel(this, 240, 240, 2055, 255);
     cboSprache = new QComboBox(this);
-    cboSprache->setGeometry(Tw(2400), Tw(240), Tw(2295), Tw(315));
+    Place(cboSprache, 2400, 240, 2295, 315);
     cboSprache->setEditable(true);
     cboSprache->setInsertPolicy(QComboBox::NoInsert);
     cboSprache->addItems({QStringLiteral("Deutsch"), QStringLiteral("English")});
 
-    lblLaufwerksbuchstabe = Label(this, 240, 720, 2055, 495);
+    lblLaufwerksbuchstabe = WrappingLabel(this, 240, 720, 2055, 495);
     // On Linux the drive preset is a mount point, a path, not one letter: the
     // box is as wide as the data folder's.
     txtLaufwerksbuchstabe = new QLineEdit(this);
-    txtLaufwerksbuchstabe->setGeometry(Tw(2400), Tw(720), Tw(3840), Tw(285));
+    Place(txtLaufwerksbuchstabe, 2400, 720, 3840, 285);
 
-    lblDatenpfad = Label(this, 240, 1440, 2055, 255);
+    lblDatenpfad = WrappingLabel(this, 240, 1440, 2055, 255);
     txtDatenpfad = new QLineEdit(this);
-    txtDatenpfad->setGeometry(Tw(2400), Tw(1440), Tw(3840), Tw(285));
+    Place(txtDatenpfad, 2400, 1440, 3840, 285);
 
     cmdSpeichern = new QPushButton(this);
-    cmdSpeichern->setGeometry(Tw(240), Tw(1920), Tw(1575), Tw(375));
+    Place(cmdSpeichern, 240, 1920, 1575, 375);
     cmdSpeichern->setDefault(true);
     QFont bold = cmdSpeichern->font();
     bold.setBold(true);
     cmdSpeichern->setFont(bold);
     cmdAbbrechen = new QPushButton(this);
-    cmdAbbrechen->setGeometry(Tw(4680), Tw(1920), Tw(1575), Tw(375));
+    Place(cmdAbbrechen, 4680, 1920, 1575, 375);
 
     connect(cmdSpeichern, &QPushButton::clicked, this, [this] { cmdSpeichern_Click(); });
     connect(cmdAbbrechen, &QPushButton::clicked, this, &QDialog::reject);

@@ -1,3 +1,4 @@
+#include "gui/layout.h"
 #include "gui/frmSuchen.h"
 
 #include <QCloseEvent>
@@ -20,19 +21,6 @@ frmSuchen* g_search = nullptr;
 
 QString Q(const std::string& s) { return QString::fromStdString(s); }
 
-void Place(QWidget* w, int left, int top, int width, int height) {
-    w->setGeometry(Tw(left), Tw(top), Tw(width), Tw(height));
-}
-void SetLeft(QWidget* w, int left) { w->move(Tw(left), w->y()); }
-void SetWidth(QWidget* w, int width) { w->resize(Tw(width), w->height()); }
-
-QLabel* Label(QWidget* parent, int left, int top, int width, int height, Qt::Alignment align = Qt::AlignLeft) {
-    auto* l = new QLabel(parent);
-    Place(l, left, top, width, height);
-    l->setAlignment(align | Qt::AlignTop);
-    return l;
-}
-
 QComboBox* Combo(QWidget* parent, int left, int top, int width) {
     auto* c = new QComboBox(parent);
     Place(c, left, top, width, 315);
@@ -53,12 +41,6 @@ QCheckBox* Check(QWidget* parent, int left, int top, int width, int height) {
     auto* c = new QCheckBox(parent);
     Place(c, left, top, width, height);
     return c;
-}
-
-QPushButton* Button(QWidget* parent, int left, int top, int width, int height) {
-    auto* b = new QPushButton(parent);
-    Place(b, left, top, width, height);
-    return b;
 }
 
 // The attribute combinations offered beside "no attributes": runs of the marks
