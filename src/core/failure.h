@@ -25,6 +25,9 @@ enum class FailCode {
     BadLabel,        // `path` is a label that would leave the data folder
     NoDisc,          // no disc is labelled `path`
     Cancelled,       // the user stopped it; nothing was written
+    ReadOnly,        // `path` may not be changed (no write permission)
+    SetAside,        // `path` couldn't be set aside for a re-read; it stays as it was
+    BadText,         // the text for `path` holds a line break, which no line can keep
 };
 
 struct Failure {

@@ -1,6 +1,7 @@
 #include "core/reread.h"
 
 #include <cctype>
+#include <cerrno>
 
 namespace ct {
 
@@ -45,9 +46,11 @@ bool SetAside(FileOps& ops, const std::string& dataFolder, const std::string& la
         path = Join(dataFolder, SetAsideName(label, number));
         if (!ops.Exists(path)) break;
     }
-    std::string why;
-    if (!ops.Rename(home, path, &why)) {
-        if (error) *error = why;
+    // Not in the middle of another program's edit of it.
+    Failure failure;
+    const std::unique_ptr<WriteLock> lock = ops.Lock(home, &failure);
+    if (!lock || (failure = ops.RenameNew(home, path))) {
+        if (error) *error = FailureText(failure, 0);
         return false;
     }
     out = SetAsideFile{path, home, label};
@@ -58,9 +61,11 @@ RestoreResult Restore(DiscSource& source, FileOps& ops, const std::string& dataF
                       const SetAsideFile& file, std::string* error) {
     if (ops.Exists(file.home) || LabelInUse(source, dataFolder, file.label))
         return RestoreResult::LabelTaken;
-    std::string why;
-    if (!ops.Rename(file.path, file.home, &why)) {
-        if (error) *error = why;
+    // Never over a catalogue that appeared under the label just now.
+    const Failure failure = ops.RenameNew(file.path, file.home);
+    if (failure.sysError == EEXIST) return RestoreResult::LabelTaken;
+    if (failure) {
+        if (error) *error = FailureText(failure, 0);
         return RestoreResult::Failed;
     }
     return RestoreResult::Restored;

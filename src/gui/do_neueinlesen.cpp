@@ -3,6 +3,8 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 
+#include "core/catalogue.h"
+#include "core/failure.h"
 #include "core/reread.h"
 #include "gui/Start.h"
 #include "gui/frmHaupt.h"
@@ -17,12 +19,14 @@ namespace {
 QString Q(const std::string& text) { return QString::fromStdString(text); }
 
 // Titled by the menu entry, without its access-key mark.
-void Warn(QWidget* parent, const QString& head, const std::string& reason) {
-    ReportFailure(parent, TitleText(10011), head, Q(reason));
+// The re-read steps word their reasons in one language; the window names the
+// failed step by its code instead, in the language in force.
+void Warn(QWidget* parent, const QString& head, const Failure& reason) {
+    ReportFailure(parent, TitleText(10011), head, Q(FailureText(reason, Start::Language)));
 }
 
 // Tells the user what became of a set-aside catalogue that couldn't go back.
-void ReportKept(QWidget* parent, const SetAsideFile& file, RestoreResult result, const std::string& error) {
+void ReportKept(QWidget* parent, const SetAsideFile& file, RestoreResult result) {
     if (result == RestoreResult::Restored) return;
     if (result == RestoreResult::LabelTaken)
         Warn(parent,
@@ -30,13 +34,13 @@ void ReportKept(QWidget* parent, const SetAsideFile& file, RestoreResult result,
                  "erhalten als „%2“.",
                  "Another catalogue now stands under the label \"%1\". The old catalogue is kept as \"%2\".")
                  .arg(Q(file.label), Q(file.path)),
-             {});
+             Failure{});
     else
         Warn(parent,
              Say("Der alte Katalog konnte nicht zurückgelegt werden. Er bleibt erhalten als „%1“.",
                  "The old catalogue could not be put back. It is kept as \"%1\".")
                  .arg(Q(file.path)),
-             error);
+             Fail(FailCode::Rename, file.path, 0, file.home));
 }
 
 }  // namespace
@@ -71,7 +75,8 @@ void DoNeuEinlesen() {
     std::string error;
     if (!SetAside(seams::Files(), Start::DataFolder, label.toStdString(), aside, &error)) {
         Normal();
-        Warn(haupt, Say("Die CD / DVD wird nicht neu eingelesen.", "The disc is not read anew."), error);
+        Warn(haupt, Say("Die CD / DVD wird nicht neu eingelesen.", "The disc is not read anew."),
+             Fail(FailCode::SetAside, CataloguePath(Start::DataFolder, label.toStdString())));
         return;
     }
     bool settled = false;
@@ -86,11 +91,11 @@ void DoNeuEinlesen() {
                      Say("Der alte Katalog konnte nicht gelöscht werden. Er liegt noch als „%1“.",
                          "The old catalogue could not be deleted. It still lies as \"%1\".")
                          .arg(Q(aside.path)),
-                     why);
+                     Fail(FailCode::Remove, aside.path));
             return;
         }
         const RestoreResult result = Restore(AddDiscSource(), seams::Files(), Start::DataFolder, aside, &why);
-        ReportKept(&closing, aside, result, why);
+        ReportKept(&closing, aside, result);
     };
     // Before the dialog's own refresh of the disc list, so a disc that was
     // only put back shows there again.
@@ -112,7 +117,7 @@ void DoNeuEinlesen() {
 
 void RestoreSetAsideCatalogues() {
     for (const LeftoverOutcome& outcome : RestoreLeftovers(AddDiscSource(), seams::Files(), Start::DataFolder))
-        ReportKept(MainWindow(), outcome.file, outcome.result, outcome.error);
+        ReportKept(MainWindow(), outcome.file, outcome.result);
 }
 
 }  // namespace ct

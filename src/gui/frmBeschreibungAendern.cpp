@@ -155,16 +155,17 @@ void frmBeschreibungÄndern::cmdÄndern_Click() {
                                   : Say("Es ist nichts gewählt, dessen Beschreibung sich ändern ließe.",
                                         "Nothing is chosen whose description could change.")
                                         .toStdString();
-    const bool stored =
-        target.ok && DescriptionRewrite(seams::Files(), ProgramFolder(), Start::DataFolder, target.label,
-                                        target.isHeader, target.path, S(text), &error);
-    if (!stored) {
+    if (target.ok) {
+        const Failure failure = DescriptionRewrite(seams::Files(), Start::DataFolder, target.label,
+                                                   target.isHeader, target.path, S(text));
+        error = FailureText(failure, Start::Language);
+    }
+    if (!error.empty()) {
         // The caller's box keeps the text the catalogue holds, and the dialog
         // stays open with the new one, so nothing typed is lost.
-        const QString head = Start::Language == 0 ? QStringLiteral("Die Beschreibung wurde nicht gespeichert.")
-                                                  : QStringLiteral("The description was not stored.");
-        seams::MessageBox(this, windowTitle(), head + "\n\n" + QString::fromStdString(error), QMessageBox::Ok,
-                          QMessageBox::Ok, QMessageBox::Warning);
+        ReportFailure(this, windowTitle(),
+                      Say("Die Beschreibung wurde nicht gespeichert.", "The description was not stored."),
+                      QString::fromStdString(error));
         return;
     }
     SetCallerDescription(text);

@@ -82,10 +82,9 @@ void frmBezeichnungÄndern::cmdÄndern_Click() {
         accept();  // nothing to do: the disc stays chosen
         return;
     case RenameResult::Failed: {
-        const QString head = Start::Language == 0 ? QStringLiteral("Die Bezeichnung wurde nicht geändert.")
-                                                  : QStringLiteral("The label was not changed.");
-        seams::MessageBox(this, windowTitle(), head + "\n\n" + QString::fromStdString(outcome.error),
-                          QMessageBox::Ok, QMessageBox::Ok, QMessageBox::Warning);
+        ReportFailure(this, windowTitle(),
+                      Say("Die Bezeichnung wurde nicht geändert.", "The label was not changed."),
+                      QString::fromStdString(FailureText(outcome.failure, Start::Language)));
         return;
     }
     case RenameResult::Renamed:

@@ -4,6 +4,7 @@
 #include <QComboBox>
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QFileInfo>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
@@ -138,10 +139,20 @@ void frmHinzufügen::Form_Load() {
     Caption(lblBeschreibung, txtBeschreibung);
 
     FillDrives();
-    // The last drive used, if the list still holds it; a value it doesn't
-    // hold ("C" of a fresh installation, a disc since removed) leaves the list
-    // on its first entry, silently.
-    SetDrive(QString::fromStdString(Start::DriveLetter));
+    // The last drive used, if the list still holds it. A folder picked with
+    // "…" comes back as an entry of its own while it exists; a value that is
+    // neither ("C" of a fresh installation, a disc since removed) leaves the
+    // list on its first entry, silently.
+    const QString last = QString::fromStdString(Start::DriveLetter);
+    if (!SetDrive(last) && last.startsWith(QLatin1Char('/')) && QFileInfo(last).isDir()) {
+        const int entry = DriveLaufwerk->count() - 1;  // just above "…"
+        const QSignalBlocker quiet(DriveLaufwerk);
+        DriveLaufwerk->insertItem(entry, last, last);
+        DriveLaufwerk->setItemData(entry, last, Qt::ToolTipRole);
+        DriveLaufwerk->setCurrentIndex(0);
+        currentDrive_ = Drive();
+        SetDrive(last);
+    }
 }
 
 void frmHinzufügen::FillDrives() {
@@ -202,8 +213,9 @@ void frmHinzufügen::ShowProgress(std::size_t entries) {
     const QString count = QString::number(static_cast<qulonglong>(entries));
     lblFortschritt->setText(Start::Language == 10000 ? count + QStringLiteral(" entries found")
                                                      : count + QStringLiteral(" Einträge gefunden"));
-    // Paint the count; a click or key waits until the disc is read.
-    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+    // Paint the count and take clicks: the cancel button and the close box
+    // stop the read (the other controls are off while it runs).
+    QCoreApplication::processEvents();
 }
 
 void frmHinzufügen::cmdHinzufügen_Click() {
@@ -236,10 +248,32 @@ void frmHinzufügen::cmdHinzufügen_Click() {
         ShowProgress(entries);
     };
 
+    request.cancelled = [this, &sinceShown] {
+        // A walk without many entries still looks at clicks now and then.
+        if (!sinceShown.isValid() || sinceShown.elapsed() >= 100) {
+            sinceShown.start();
+            QCoreApplication::processEvents();
+        }
+        return cancelRequested_;
+    };
     reading_ = true;
+    cancelRequested_ = false;
+    for (QWidget* control : {static_cast<QWidget*>(DriveLaufwerk), static_cast<QWidget*>(txtBezeichnung),
+                             static_cast<QWidget*>(txtBeschreibung), static_cast<QWidget*>(cmdHinzufügen)})
+        control->setEnabled(false);
     const AddOutcome outcome = AddDisc(request, AddDiscSource(), seams::Files());
+    for (QWidget* control : {static_cast<QWidget*>(DriveLaufwerk), static_cast<QWidget*>(txtBezeichnung),
+                             static_cast<QWidget*>(txtBeschreibung), static_cast<QWidget*>(cmdHinzufügen)})
+        control->setEnabled(true);
     reading_ = false;
     lblFortschritt->clear();
+    if (outcome.result == AddResult::Cancelled) {
+        // Nothing was written; a re-read puts the old catalogue back as the
+        // dialog closes.
+        Normal();
+        reject();
+        return;
+    }
 
     if (outcome.result == AddResult::EmptyLabel) {
         HilfeZeigen(ResourceText(10099));
@@ -260,10 +294,11 @@ void frmHinzufügen::cmdHinzufügen_Click() {
         // The reason names the file step that failed; the head only says
         // what didn't happen, so the cause is told once.
         ReportFailure(this, windowTitle(), Say("Die CD / DVD wurde nicht aufgenommen.", "The disc was not added."),
-                      QString::fromStdString(outcome.error));
+                      QString::fromStdString(FailureText(outcome.failure, Start::Language)));
         return;
     case AddResult::Added:
     case AddResult::EmptyLabel:
+    case AddResult::Cancelled:
         break;
     }
 
@@ -274,11 +309,19 @@ void frmHinzufügen::cmdHinzufügen_Click() {
     Normal();
 }
 
-void frmHinzufügen::cmdAbbrechen_Click() { reject(); }
+void frmHinzufügen::cmdAbbrechen_Click() {
+    if (reading_) {
+        cancelRequested_ = true;  // the read stops at its next look, then the dialog closes
+        return;
+    }
+    reject();
+}
 
 void frmHinzufügen::closeEvent(QCloseEvent* event) {
-    // The window system's close box while a disc is read: the read finishes first.
+    // The window system's close box while a disc is read stops the read;
+    // the dialog closes once it has stopped.
     if (reading_) {
+        cancelRequested_ = true;
         event->ignore();
         return;
     }
@@ -286,7 +329,10 @@ void frmHinzufügen::closeEvent(QCloseEvent* event) {
 }
 
 void frmHinzufügen::done(int result) {
-    if (reading_) return;
+    if (reading_) {
+        cancelRequested_ = true;  // Escape during a read: stop it, close after
+        return;
+    }
     QDialog::done(result);
     if (BeforeRefresh) BeforeRefresh(*this);
     if (frmHaupt* haupt = MainWindow()) {

@@ -5,6 +5,8 @@
 #include <QLineEdit>
 #include <QPushButton>
 
+#include "core/catalogue.h"
+#include "core/failure.h"
 #include "core/options.h"
 #include "gui/Start.h"
 #include "gui/appicon.h"
@@ -113,10 +115,13 @@ void frmOptionen::cmdSpeichern_Click() {
                     labels.push_back(haupt->lstDaten->List(i).toStdString());
             const MoveOutcome moved = MoveCatalogues(seams::Files(), labels, Start::DataFolder, newFolder);
             if (!moved.copied) {
+                // The copy reports its reason as a sentence of its own; the
+                // window says which copy failed in the language in force.
+                const Failure failure = Fail(FailCode::Copy, CataloguePath(Start::DataFolder, moved.failedLabel), 0,
+                                             CataloguePath(newFolder, moved.failedLabel));
                 seams::MessageBox(this, ResourceText(10096),
                                   ResourceText(10095) + QStringLiteral("\n\n") +
-                                      QString::fromStdString(moved.failedLabel) + QStringLiteral(".idx: ") +
-                                      QString::fromStdString(moved.error),
+                                      QString::fromStdString(FailureText(failure, Start::Language)),
                                   QMessageBox::Ok, QMessageBox::Ok, QMessageBox::Critical);
                 Normal();
                 return;
