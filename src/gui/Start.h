@@ -54,6 +54,17 @@ void InstallHelpKey(QWidget* window, int topicId);
 void Busy();
 void Normal();
 
+// The hourglass for as long as a handler runs: every way out of it, early
+// returns included, shows the arrow again. A handler that asks a question on
+// the way calls Normal() first, as before.
+class BusyScope {
+public:
+    BusyScope() { Busy(); }
+    ~BusyScope() { Normal(); }
+    BusyScope(const BusyScope&) = delete;
+    BusyScope& operator=(const BusyScope&) = delete;
+};
+
 // The application font the fixed geometry was laid out for; Main sets it, and
 // test programs that draw the windows do too. Needs a QApplication.
 void UseProgramFont();

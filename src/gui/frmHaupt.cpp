@@ -49,11 +49,6 @@ void SetEnabled(std::initializer_list<QWidget*> widgets, bool on) {
     for (QWidget* w : widgets) w->setEnabled(on);
 }
 
-// The pane wait pointer: on while a handler reads a catalogue.
-struct BusyScope {
-    BusyScope() { Busy(); }
-    ~BusyScope() { Normal(); }
-};
 
 }  // namespace
 

@@ -92,7 +92,7 @@ void frmOptionen::Form_Load() {
 
 void frmOptionen::cmdSpeichern_Click() {
     frmHaupt* haupt = MainWindow();
-    Busy();
+    const BusyScope busy;
 
     // A language typed over the list names neither entry: the language stays.
     const int entry = cboSprache->findText(cboSprache->currentText(), Qt::MatchExactly);
@@ -123,7 +123,6 @@ void frmOptionen::cmdSpeichern_Click() {
                                   ResourceText(10095) + QStringLiteral("\n\n") +
                                       QString::fromStdString(FailureText(failure, Start::Language)),
                                   QMessageBox::Ok, QMessageBox::Ok, QMessageBox::Critical);
-                Normal();
                 return;
             }
             Start::DataFolder = newFolder;
@@ -149,7 +148,6 @@ void frmOptionen::cmdSpeichern_Click() {
     Start::DriveLetter = txtLaufwerksbuchstabe->text().toStdString();
     if (haupt) haupt->INI_Speichern();
     accept();
-    Normal();
 }
 
 void ShowOptionen() {

@@ -96,7 +96,7 @@ void frmStatistik::cmdStatistikErstellen_Click() {
     frmHaupt* main = MainWindow();
     if (!main) return;
     running_ = true;
-    Busy();
+    const BusyScope busy;
     lblAktion->setText(QStringLiteral("Statistik wird erstellt:"));
     std::vector<std::string> labels;
     for (int i = 0; i < main->lstDaten->ListCount(); ++i) labels.push_back(main->lstDaten->List(i).toStdString());
@@ -111,7 +111,6 @@ void frmStatistik::cmdStatistikErstellen_Click() {
         });
     running_ = false;
     if (!totals.complete) {
-        Normal();
         QDialog::done(Rejected);
         return;
     }
@@ -125,7 +124,6 @@ void frmStatistik::cmdStatistikErstellen_Click() {
     lblDAD->setText(QString::fromStdString(f.averageFiles));
     ProgressBar->setValue(0);
     lblAktion->setText(QStringLiteral("Fertig!"));
-    Normal();
 }
 
 void frmStatistik::cmdAbbrechen_Click() { reject(); }

@@ -191,6 +191,46 @@ private slots:
         QCOMPARE(shown, expected);
     }
 
+    // "Change" in the search window without a folder or file hit (a disc hit,
+    // or none) opens the help topic that says why, which the help file has.
+    void changeWithoutRecordHit_data() {
+        QTest::addColumn<QString>("language");
+        QTest::addColumn<QString>("help");
+        QTest::addColumn<QString>("topic");
+        QTest::newRow("de") << "0" << "help_de.fhp" << "Kein Ordner und keine Datei gewählt";
+        QTest::newRow("en") << "10000" << "help_en.fhp" << "No folder or file chosen";
+    }
+    void changeWithoutRecordHit() {
+        QFETCH(QString, language);
+        QFETCH(QString, help);
+        QFETCH(QString, topic);
+        GuiFixture fx(CARTULON_STAGE_DIR);
+        fx.WriteIni(language.toStdString(), "/media/cdrom", fx.DataFolder());
+        auto haupt = fx.StartMain();
+        Start::EditTarget = "Suchen";
+        ShowBeschreibungAendern();
+        QVERIFY(!fx.helpCalls.empty());
+        QVERIFY(QString::fromStdString(fx.helpCalls.back()).endsWith(QStringLiteral(", ") + topic));
+        QFile file(QStringLiteral(CARTULON_SOURCE_DIR "/data/") + help);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QVERIFY(QString::fromUtf8(file.readAll()).contains(QStringLiteral("\n@@ ") + topic + QLatin1Char('\n')));
+    }
+
+    // Qt's own buttons follow the language, also after a change in the options.
+    void qtDialogsSpeakTheLanguage() {
+        GuiFixture fx(CARTULON_STAGE_DIR);
+        fx.WriteIni("0", "/media/cdrom", fx.DataFolder());
+        auto haupt = fx.StartMain();
+        auto yes = [] {
+            QMessageBox box(QMessageBox::NoIcon, QString(), QString(), QMessageBox::Yes | QMessageBox::No);
+            return box.button(QMessageBox::Yes)->text();
+        };
+        QCOMPARE(yes(), QStringLiteral("&Ja"));
+        Start::Language = 10000;
+        haupt->Sprache_Setzen();
+        QCOMPARE(yes(), QStringLiteral("&Yes"));
+    }
+
     // A re-read that can't set the old catalogue aside says so in the
     // language in force, under the menu entry's title without its '&'.
     void reReadFailureInOneLanguage_data() {
