@@ -10,6 +10,7 @@
 #include <QTranslator>
 #include <QPointer>
 #include <QScreen>
+#include <QTimer>
 #include <algorithm>
 #include <cmath>
 #include <unistd.h>
@@ -78,15 +79,20 @@ public:
         if (event->type() != QEvent::Show) return false;
         auto* w = qobject_cast<QWidget*>(watched);
         if (!w || !w->isWindow() || w->windowType() == Qt::Popup || w->windowType() == Qt::ToolTip) return false;
+        Clamp(w);
+        // The frame's own size is known only once the window stands.
+        QTimer::singleShot(0, w, [w] { Clamp(w); });
+        return false;
+    }
+    static void Clamp(QWidget* w) {
         QScreen* screen = w->screen();
-        if (!screen) return false;
+        if (!screen) return;
         const QRect area = screen->availableGeometry();
         const QRect frame = w->frameGeometry();
         QPoint to = frame.topLeft();
         to.setX(std::max(area.left(), std::min(to.x(), area.right() + 1 - frame.width())));
         to.setY(std::max(area.top(), std::min(to.y(), area.bottom() + 1 - frame.height())));
         if (to != frame.topLeft()) w->move(w->pos() + (to - frame.topLeft()));
-        return false;
     }
 };
 
@@ -95,7 +101,7 @@ public:
 int Main(int argc, char** argv) {
     QApplication app(argc, argv);
     RestartToFit(argv);
-    app.installEventFilter(new KeepOnScreen(&app));
+    KeepWindowsOnScreen();
     DataFolder = ct::DefaultDataFolder(ct::ProgramFolder());
     app.setApplicationName(QStringLiteral("Cartulon"));
     UseProgramFont();
@@ -108,6 +114,13 @@ int Main(int argc, char** argv) {
 }
 
 }  // namespace Start
+
+void KeepWindowsOnScreen() {
+    static QPointer<QObject> keeper;
+    if (!qApp || keeper) return;
+    keeper = new Start::KeepOnScreen(qApp);
+    qApp->installEventFilter(keeper);
+}
 
 void UseProgramFont() {
     // The window geometry is fixed in twips at 15 to the pixel, so the font is

@@ -65,6 +65,10 @@ public:
     BusyScope& operator=(const BusyScope&) = delete;
 };
 
+// From now on every window that is shown lies inside its screen's free area
+// as far as its size allows. Main sets it; tests may too.
+void KeepWindowsOnScreen();
+
 // The application font the fixed geometry was laid out for; Main sets it, and
 // test programs that draw the windows do too. Needs a QApplication.
 void UseProgramFont();

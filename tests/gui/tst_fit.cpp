@@ -7,7 +7,9 @@
 #include <QAccessible>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDialog>
 #include <QDir>
+#include <QScreen>
 #include <QLabel>
 #include <QLineEdit>
 #include <QRegularExpression>
@@ -257,6 +259,17 @@ private slots:
         QVERIFY(!fx.messages.back().title.contains(QLatin1Char('&')));
         QVERIFY2(fx.messages.back().text.startsWith(head), qPrintable(fx.messages.back().text));
         QCOMPARE(Items(haupt->lstDaten), QStringList{QStringLiteral("Fotos")});
+    }
+
+    // A window placed over the desktop's edge is moved inside when shown.
+    void windowsOpenInsideTheScreen() {
+        KeepWindowsOnScreen();
+        QDialog dialog;
+        dialog.resize(300, 200);
+        const QRect area = dialog.screen()->availableGeometry();
+        dialog.move(area.right() - 50, area.bottom() - 50);
+        dialog.show();
+        QTRY_VERIFY(area.contains(dialog.frameGeometry()));
     }
 
     // Enter in the language box saves, as everywhere in the window.
