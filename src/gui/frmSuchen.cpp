@@ -1,3 +1,4 @@
+#include "gui/layout.h"
 #include "gui/frmSuchen.h"
 
 #include <QCloseEvent>
@@ -20,19 +21,6 @@ frmSuchen* g_search = nullptr;
 
 QString Q(const std::string& s) { return QString::fromStdString(s); }
 
-void Place(QWidget* w, int left, int top, int width, int height) {
-    w->setGeometry(Tw(left), Tw(top), Tw(width), Tw(height));
-}
-void SetLeft(QWidget* w, int left) { w->move(Tw(left), w->y()); }
-void SetWidth(QWidget* w, int width) { w->resize(Tw(width), w->height()); }
-
-QLabel* Label(QWidget* parent, int left, int top, int width, int height, Qt::Alignment align = Qt::AlignLeft) {
-    auto* l = new QLabel(parent);
-    Place(l, left, top, width, height);
-    l->setAlignment(align | Qt::AlignTop);
-    return l;
-}
-
 QComboBox* Combo(QWidget* parent, int left, int top, int width) {
     auto* c = new QComboBox(parent);
     Place(c, left, top, width, 315);
@@ -53,12 +41,6 @@ QCheckBox* Check(QWidget* parent, int left, int top, int width, int height) {
     auto* c = new QCheckBox(parent);
     Place(c, left, top, width, height);
     return c;
-}
-
-QPushButton* Button(QWidget* parent, int left, int top, int width, int height) {
-    auto* b = new QPushButton(parent);
-    Place(b, left, top, width, height);
-    return b;
 }
 
 // The attribute combinations offered beside "no attributes": runs of the marks
@@ -216,6 +198,13 @@ frmSuchen::frmSuchen(QWidget* parent)
         f.setStretch(qobject_cast<QLabel*>(w) ? QFont::Condensed : QFont::SemiCondensed);
         w->setFont(f);
     }
+    // The two comparison boxes are 113 px wide, and "does not begin with"
+    // is the longest entry of either language: they take the condensed cut.
+    for (QComboBox* box : {cboOperator, cboBeschreibung}) {
+        QFont f = box->font();
+        f.setStretch(QFont::Condensed);
+        box->setFont(f);
+    }
     // A chosen item is shown from its start, not scrolled to its end.
     for (QComboBox* box : {cboSuchen, cboOperator, cboDateigröße, cboAttribut, cboDatum, cboBeschreibung})
         connect(box, &QComboBox::currentIndexChanged, box, [box] { box->lineEdit()->setCursorPosition(0); });
@@ -284,6 +273,19 @@ void frmSuchen::Form_Load() {
     lblBeschreibung->setText(ResourceText(10042));
     cmdÄndern->setText(ResourceText(10003));
     lblTreffer->setText(ResourceText(10089));
+    Caption(lblSuchen, txtSuchen);
+    Caption(lblDaten, lstDaten);
+    Caption(lblDateien, lstDateien);
+    Caption(lblBeschreibung, txtBeschreibungText);
+    Caption(lblGröße, lblG);
+    Caption(lblAttribut, lblA);
+    Caption(lblDatum, lblD);
+    cboSuchen->setAccessibleName(TitleText(10064));
+    for (const auto& [box, check] : {std::pair<QWidget*, QAbstractButton*>{cboDateigröße, CheckDateigröße},
+                                     {cboAttribut, CheckAttribut}, {cboDatum, CheckDatum},
+                                     {cboBeschreibung, CheckBeschreibung}, {txtDateigröße, CheckDateigröße},
+                                     {txtDatum, CheckDatum}, {txtBeschreibung, CheckBeschreibung}})
+        box->setAccessibleName(check->text().remove(QLatin1Char('&')));
     for (QLabel* colon : {lblDP1, lblDP2, lblDP3, lblDP4}) colon->setText(QStringLiteral(":"));
     lblT->setText(QStringLiteral("-"));
 
@@ -546,6 +548,11 @@ void frmSuchen::lstDateien_Click() {
 void frmSuchen::cmdÄndern_Click() {
     Start::EditTarget = "Suchen";
     ShowBeschreibungAendern();
+}
+
+void ShowSuchen() {
+    frmSuchen dialog(MainWindow());
+    dialog.exec();
 }
 
 }  // namespace ct
