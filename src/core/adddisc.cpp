@@ -169,8 +169,8 @@ AddOutcome AddDisc(const AddRequest& request, DiscSource& source, FileOps& ops) 
     if (!sink.cancelled && request.cancelled && request.cancelled()) sink.cancelled = true;
     if (sink.cancelled) return drop(Fail(FailCode::Cancelled, outcome.cataloguePath), AddResult::Cancelled);
 
-    if (!sink.ok || !folderLines.Line("") || !folderLines.Flush() || !fileLines.Flush() ||
-        !filesOut->Sync() || !filesOut->Close())
+    // The file lines' scratch file is only read back, never kept: no sync.
+    if (!sink.ok || !folderLines.Line("") || !folderLines.Flush() || !fileLines.Flush() || !filesOut->Close())
         return drop(Fail(FailCode::WriteScratch, outcome.cataloguePath, errno), AddResult::WriteFailed);
     if (!AppendFile(ops, filesPath, *mainOut) || !mainOut->Sync() || !mainOut->Close())
         return drop(Fail(FailCode::WriteScratch, outcome.cataloguePath, errno), AddResult::WriteFailed);

@@ -8,6 +8,10 @@ namespace ct {
 namespace {
 
 constexpr std::string_view kSuffix = ".idx.reread";
+// For a label so long that the usual name won't fit where "<label>.idx" does
+// (255 bytes a name): "." + label + ".rr" is exactly as long.
+constexpr std::string_view kShortSuffix = ".rr";
+constexpr std::size_t kNameMax = 255;
 
 std::string Join(const std::string& folder, const std::string& name) {
     if (folder.empty()) return name;
@@ -18,18 +22,26 @@ std::string Join(const std::string& folder, const std::string& name) {
 }  // namespace
 
 std::string SetAsideName(const std::string& label, int number) {
-    std::string name = "." + label + std::string(kSuffix);
-    if (number > 1) name += std::to_string(number);
+    const std::string number_ = number > 1 ? std::to_string(number) : std::string();
+    std::string name = "." + label + std::string(kSuffix) + number_;
+    if (name.size() > kNameMax) name = "." + label + std::string(kShortSuffix) + number_;
     return name;
 }
 
 bool IsSetAsideName(const std::string& name, std::string* label) {
     std::string_view rest(name);
     while (!rest.empty() && std::isdigit(static_cast<unsigned char>(rest.back()))) rest.remove_suffix(1);
-    if (rest.size() < 1 + kSuffix.size() || rest.front() != '.' || !rest.ends_with(kSuffix))
-        return false;
-    if (label) *label = std::string(rest.substr(1, rest.size() - 1 - kSuffix.size()));
-    return true;
+    if (rest.size() >= 1 + kSuffix.size() && rest.front() == '.' && rest.ends_with(kSuffix)) {
+        if (label) *label = std::string(rest.substr(1, rest.size() - 1 - kSuffix.size()));
+        return true;
+    }
+    // The short form only where the long one couldn't have been used.
+    if (!rest.empty() && rest.front() == '.' && rest.ends_with(kShortSuffix) &&
+        name.size() - kShortSuffix.size() + kSuffix.size() > kNameMax) {
+        if (label) *label = std::string(rest.substr(1, rest.size() - 1 - kShortSuffix.size()));
+        return true;
+    }
+    return false;
 }
 
 bool SetAside(FileOps& ops, const std::string& dataFolder, const std::string& label,

@@ -301,7 +301,15 @@ void frmHinzufügen::cmdHinzufügen_Click() {
     ++addedCount_;
     Start::DriveLetter = Drive().toStdString();
     if (frmHaupt* haupt = MainWindow()) haupt->INI_Speichern();
-    seams::MessageBox(this, QStringLiteral("Fertig!"), ResourceText(10092), QMessageBox::Ok);
+    // What couldn't be read is missing from the catalogue: the user hears so.
+    QString report = ResourceText(10092);
+    if (outcome.unreadable > 0) {
+        const QString n = QString::number(static_cast<qulonglong>(outcome.unreadable));
+        report += Start::Language == 10000
+                      ? QStringLiteral("\n\n") + n + QStringLiteral(" folders or entries couldn't be read and are missing from the catalogue.")
+                      : QStringLiteral("\n\n") + n + QStringLiteral(" Ordner oder Einträge konnten nicht gelesen werden und fehlen im Katalog.");
+    }
+    seams::MessageBox(this, QStringLiteral("Fertig!"), report, QMessageBox::Ok);
     Normal();
 }
 
