@@ -1,6 +1,6 @@
-// cartulon-cli add ROOT --label LABEL [--description TEXT]: reads a folder or
-// a mounted volume into a new catalogue, by the same procedure as the add
-// dialog. A refused label changes nothing.
+// cartulon-cli add ROOT --label LABEL [--description TEXT]: reads a folder, a
+// mounted volume or a disc image (ISO 9660, UDF) into a new catalogue, by the
+// same procedure as the add dialog. A refused label changes nothing.
 #include <filesystem>
 #include <ostream>
 
@@ -8,6 +8,7 @@
 #include "core/adddisc.h"
 #include "core/failure.h"
 #include "core/fileops.h"
+#include "platform/image.h"
 #include "platform/walk.h"
 
 namespace ct::cli {
@@ -19,15 +20,20 @@ int RunAdd(Context& ctx) {
     std::error_code ec;
     // The dialog can't be given a drive that isn't there; a mistyped path
     // here would otherwise become an empty catalogue.
-    if (!std::filesystem::is_directory(pos[0], ec))
-        return ctx.Refuse({"„%1“ ist kein Ordner", "'%1' is not a folder"}, {pos[0]});
+    if (!IsDiscImage(pos[0]) && !std::filesystem::is_directory(pos[0], ec))
+        return ctx.Refuse({"„%1“ ist weder ein Ordner noch ein Abbild eines Datenträgers",
+                           "'%1' is neither a folder nor a disc image"}, {pos[0]});
+    if (IsDiscImage(pos[0]) && !ImageReadable(pos[0]))
+        return ctx.Refuse({"das Abbild „%1“ kann nicht gelesen werden (UDF nach Revision 2.01 ohne ISO-9660-Teil)",
+                           "the image '%1' can't be read (UDF beyond revision 2.01 without an ISO 9660 side)"},
+                          {pos[0]});
 
     AddRequest request;
     request.root = pos[0];
     request.label = ctx.args.Get("--label");
     request.description = ctx.args.Get("--description");
     request.dataFolder = ctx.dataFolder;
-    const AddOutcome outcome = AddDisc(request, SystemDiscSource(), SystemFileOps());
+    const AddOutcome outcome = AddDisc(request, DiscSourceWithImages(), SystemFileOps());
     switch (outcome.result) {
     case AddResult::Added:
         *ctx.out << ctx.T({"Bezeichnung: %1\nOrdner: %2\nDateien: %3\nKatalog: %4",
@@ -69,12 +75,15 @@ Registration reg{{
     .arguments = "ROOT",
     .minArgs = 1,
     .maxArgs = 1,
-    .summary = {"liest einen Ordner oder eingehängten Datenträger in einen neuen Katalog ein",
-                "read a folder or a mounted volume into a new catalogue"},
+    .summary = {"liest einen Ordner, einen eingehängten Datenträger oder ein Abbild (ISO 9660, UDF) in "
+                "einen neuen Katalog ein",
+                "read a folder, a mounted volume or a disc image (ISO 9660, UDF) into a new catalogue"},
     .details = {"Die Bezeichnung wird wie im Fenster bereinigt; ist sie vergeben, wird nichts gelesen oder "
-                "geschrieben.",
+                "geschrieben. Ein Abbild wird gelesen wie die gebrannte Scheibe im Laufwerk, ohne es "
+                "einzuhängen.",
                 "The label is cleaned as in the window; one in use is refused, and nothing is read or "
-                "written."},
+                "written. An image file is read as the burnt disc would read in a drive, without "
+                "mounting it."},
     .options = {{"--label", Takes::Value, "LABEL", {"die Bezeichnung (Pflicht)", "the label (required)"}, "", {}, true},
                 {"--description", Takes::Value, "TEXT",
                  {"die Beschreibung des Datenträgers", "the disc's description"}}},

@@ -105,6 +105,16 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"AddsAFolder", "add {S}/disc --label Neu --description Urlaub", 0, "Ordner: 1", "", ""},
         Row{"AddOfATakenLabel", "add {S}/disc --label Fotos", 2, "", "Fotos.idx", kFotos.c_str()},
         Row{"UnknownCommand", "bogus", 2, "cartulon-cli: unbekannter Befehl „bogus“; „cartulon-cli help“ zeigt die Befehle", "", ""},
+        // A disc checked against its catalogue; copies across discs.
+        Row{"VerifyOfAChangedDisc", "verify Fotos {S}/disc", 1, "fehlt auf dem Datenträger: \\Bilder\\p1.jpg", "", ""},
+        Row{"VerifyAsTsv", "verify Fotos {S}/disc --format tsv", 1, "new\tfile\t\\Bilder\\a.txt\t\t6", "", ""},
+        Row{"VerifyOfAnUnknownDisc", "verify Keine {S}/disc", 2, "", "", ""},
+        Row{"VerifyOfNothing", "verify Fotos {S}/nope", 2, "~weder ein Ordner noch ein Abbild", "", ""},
+        Row{"NoDuplicates", "duplicates", 1, "", "", ""},
+        Row{"DuplicatesOfAnUnknownDisc", "duplicates --disc Keine", 2, "", "", ""},
+        Row{"DuplicatesSizeRefused", "duplicates --min-size 5X", 2, "~--min-size nimmt eine Zahl von Bytes", "", ""},
+        Row{"HelpShowsVerify", "help", 0, "~verify", "", ""},
+        Row{"HelpShowsDuplicates", "help", 0, "~duplicates", "", ""},
         // Conventions: help everywhere, the version, refused command lines with the usage.
         Row{"Version", "--version", 0, "~cartulon-cli 1.", "", ""},
         Row{"VersionShort", "-V", 0, "~cartulon-cli 1.", "", ""},
