@@ -67,15 +67,34 @@ const char* const kAttributeRows[] = {"R H",   "R H S",   "R H S A", "R H S A T"
                                       "H S",   "H S A",   "H S A T", "H S A T C", "S A",
                                       "S A T", "S A T C", "A T",     "A T C",     "T C"};
 
-// The hit list as the engine's receiver: each hit goes to its sorted place.
+// The hit list as the engine's receiver; the list takes kHitLimit hits. The
+// hits of one disc wait until the disc is done (the window shows nothing in
+// between anyway) and then go in at once: a large batch sorted on keys made
+// once and merged, a small one each at its sorted place.
 class ListSink : public HitSink {
 public:
     explicit ListSink(ListBox* list) : list_(list) {}
-    void Add(const std::string& hit) override { list_->AddItem(Q(hit)); }
-    std::size_t Count() const override { return static_cast<std::size_t>(list_->count()); }
+    bool Add(const std::string& hit) override {
+        if (Count() >= kHitLimit) return false;
+        pending_.push_back(hit);
+        return true;
+    }
+    std::size_t Count() const override { return static_cast<std::size_t>(list_->count()) + pending_.size(); }
+    void Flush() {
+        if (pending_.size() * 8 >= static_cast<std::size_t>(list_->count())) {
+            QStringList texts;
+            texts.reserve(static_cast<qsizetype>(pending_.size()));
+            for (const std::string& h : pending_) texts.append(Q(h));
+            list_->AddItems(std::move(texts));
+        } else {
+            for (const std::string& h : pending_) list_->AddItem(Q(h), SortKey(h));
+        }
+        pending_.clear();
+    }
 
 private:
     ListBox* list_;
+    std::vector<std::string> pending_;
 };
 
 }  // namespace
@@ -376,24 +395,27 @@ SearchCriteria frmSuchen::CriteriaFromControls() const {
     auto text = [](const QString& s) { return s.toStdString(); };
     c.kind = cboSuchen->currentIndex();
     c.checkName = CheckDateiOrdner->isChecked();
-    c.nameOperator = text(cboOperator->currentText());
+    // The operator texts of the language in force name the operators; a
+    // text that is none of them (typed, emptied) turns its test off.
+    std::array<std::string, 10> operatorTexts;
+    for (int i = 0; i < 10; ++i) operatorTexts[static_cast<std::size_t>(i)] = text(ResourceText(kOperatorBaseId + i));
+    c.nameOperator = TextOperator(operatorTexts, text(cboOperator->currentText()));
     c.nameTerm = text(txtSuchen->text());
     c.checkSize = CheckDateigröße->isChecked();
     c.sizeOperatorChosen = cboDateigröße->currentIndex() >= 0;
-    c.sizeOperator = text(cboDateigröße->currentText());
+    c.sizeOperator = NumberOperator(operatorTexts, text(cboDateigröße->currentText()));
     c.sizeText = text(txtDateigröße->text());
     c.checkAttributes = CheckAttribut->isChecked();
     c.attributesChosen = cboAttribut->currentIndex() >= 0;
     c.attributes = text(cboAttribut->currentText());
     c.checkDate = CheckDatum->isChecked();
     c.dateOperatorChosen = cboDatum->currentIndex() >= 0;
-    c.dateOperator = text(cboDatum->currentText());
+    c.dateOperator = NumberOperator(operatorTexts, text(cboDatum->currentText()));
     c.dateText = text(txtDatum->text());
     c.checkDescription = CheckBeschreibung->isChecked();
     c.descriptionOperatorChosen = cboBeschreibung->currentIndex() >= 0;
-    c.descriptionOperator = text(cboBeschreibung->currentText());
+    c.descriptionOperator = TextOperator(operatorTexts, text(cboBeschreibung->currentText()));
     c.descriptionText = text(txtBeschreibung->text());
-    for (int i = 0; i < 10; ++i) c.operatorTexts[static_cast<std::size_t>(i)] = text(ResourceText(kOperatorBaseId + i));
     c.noAttributesText = text(ResourceText(kNoAttributesBaseId));
     for (int i = 0; i < lstDaten->count(); ++i)
         c.discs.push_back({text(lstDaten->item(i)->text()), lstDaten->item(i)->checkState() == Qt::Checked});
@@ -431,12 +453,14 @@ void frmSuchen::cmdSuchen_Click() {
     ListSink sink(lstDateien);
     SearchHooks hooks;
     hooks.stopRequested = &StopRequested;
-    hooks.afterDisc = [this](int discCounter, std::size_t hits) {
+    hooks.afterDisc = [this, &sink](int discCounter, std::size_t hits) {
+        sink.Flush();
         ProgressBar->setValue(discCounter);
         lblT->setText(QString::number(hits));
         QCoreApplication::processEvents();
     };
     const SearchEnd end = RunSearch(Start::DataFolder, criteria, sink, hooks);
+    sink.Flush();
     running_ = false;
     if (end == SearchEnd::Stopped) {
         Normal();
