@@ -3,34 +3,74 @@
 #include <algorithm>
 #include <charconv>
 #include <climits>
+#include <cstdio>
+#include <cstring>
+#include <memory>
 #include <string_view>
 
 #include "core/catalogue.h"
+#include "core/fileops.h"
 #include "core/search.h"
 #include "core/text.h"
 
 namespace ct {
 namespace {
 
-// One distinct (name, size): where its first copy stands. The raw bytes of
-// every kept path live in one arena, so a pair costs no allocation of its own.
-struct Pair {
-    std::uint64_t hash = 0;
-    std::int64_t size = 0;
-    std::uint32_t disc = 0;
-    std::uint32_t pathAt = 0, pathLen = 0;
-    std::uint32_t nameAt = 0;  // within the path
-    bool manyDiscs = false;
+// The pass keeps one of these per file line and nothing else: a hash of the
+// (name as compared, size) and where the line stands (the disc in the top 24
+// bits, the line's byte offset in its catalogue below). No string, no node:
+// the records go into one flat vector, and sorting them by hash brings every
+// possible copy together. Only hashes found on two discs are looked at again.
+struct Record {
+    std::uint64_t hash;
+    std::uint64_t where;
 };
+constexpr int kOffsetBits = 40;
+constexpr std::uint64_t kOffsetMask = (std::uint64_t{1} << kOffsetBits) - 1;
+constexpr std::size_t kMaxDiscs = std::size_t{1} << (64 - kOffsetBits);
 
-// A later copy of a pair.
-struct Copy {
-    std::uint32_t pair = 0, disc = 0, pathAt = 0, pathLen = 0;
-};
+std::uint64_t gHashMask = ~std::uint64_t{0};
+std::size_t gBlock = std::size_t{1} << 18;  // one read of the pass
 
-std::string_view NameOf(std::string_view path) {
-    const std::size_t slash = path.rfind('\\');
-    return slash == std::string_view::npos ? path : path.substr(slash + 1);
+std::uint64_t Mum(std::uint64_t a, std::uint64_t b) {
+    const unsigned __int128 r = static_cast<unsigned __int128>(a) * b;
+    return static_cast<std::uint64_t>(r) ^ static_cast<std::uint64_t>(r >> 64);
+}
+
+constexpr std::uint64_t kHigh = 0x8080808080808080ULL;
+
+// Plain ASCII a-z made A-Z, eight bytes at once; every byte is below 0x80, so
+// the additions carry into no neighbour.
+std::uint64_t FoldWord(std::uint64_t w) {
+    const std::uint64_t atLeastA = w + 0x1f1f1f1f1f1f1f1fULL;  // high bit where byte >= 'a'
+    const std::uint64_t aboveZ = w + 0x0505050505050505ULL;    // high bit where byte > 'z'
+    return w ^ (((atLeastA & ~aboveZ) & kHigh) >> 2);
+}
+
+// The hash of the bytes of a name as compared, eight at a time. With `Fold`
+// the bytes are the stored ASCII name, upper-cased on the way; false then
+// means the name holds other bytes and must go the search's way first.
+template <bool Fold>
+bool HashName(const char* p, std::size_t n, std::int64_t size, std::uint64_t& out) {
+    std::uint64_t h = 0x243f6a8885a308d3ULL ^ n;
+    std::uint64_t w;
+    for (; n >= 8; p += 8, n -= 8) {
+        std::memcpy(&w, p, 8);
+        if constexpr (Fold) {
+            if (w & kHigh) return false;
+            w = FoldWord(w);
+        }
+        h = Mum(h ^ w, 0xa0761d6478bd642fULL);
+    }
+    w = 0;
+    std::memcpy(&w, p, n);
+    if constexpr (Fold) {
+        if (w & kHigh) return false;
+        w = FoldWord(w);
+    }
+    h = Mum(h ^ w, 0xe7037ed1a0b428dbULL);
+    out = Mum(h ^ static_cast<std::uint64_t>(size), 0x8ebc6af09c88c6e3ULL) & gHashMask;
+    return true;
 }
 
 // The name as the name search compares it: plain ASCII upper-cased in
@@ -46,38 +86,254 @@ void UpperName(std::string& out, std::string_view raw) {
     }
 }
 
-std::uint64_t Mix(std::uint64_t h) {
-    h ^= h >> 33;
-    h *= 0xff51afd7ed558ccdULL;
-    h ^= h >> 33;
-    return h;
+// A file line taken apart as far as a copy needs it.
+struct FileLine {
+    std::string_view path, name;
+    std::int64_t size = 0;
+};
+
+bool ParseFileLine(const char* p, std::size_t n, FileLine& out) {
+    const char* end = p + n;
+    const char* bar = static_cast<const char*>(std::memchr(p, '|', n));
+    if (!bar) return false;
+    const auto [after, ec] = std::from_chars(bar + 1, end, out.size);
+    if (ec != std::errc() || (after != end && *after != '|')) return false;
+    out.path = std::string_view(p, static_cast<std::size_t>(bar - p));
+    const std::size_t slash = out.path.rfind('\\');
+    out.name = slash == std::string_view::npos ? out.path : out.path.substr(slash + 1);
+    return true;
 }
 
-// Open addressing over indices into the pairs; grown at half load.
-class PairTable {
-public:
-    PairTable() : slots_(1 << 16, 0) {}
-    // The slot where `hash` stands or would stand, starting at its home.
-    std::uint32_t& Slot(std::uint64_t hash, std::size_t probe) {
-        return slots_[(Mix(hash) + probe) & (slots_.size() - 1)];
+std::uint64_t HashOf(const FileLine& f, std::string& upper) {
+    std::uint64_t hash;
+    if (!HashName<true>(f.name.data(), f.name.size(), f.size, hash)) {
+        UpperName(upper, f.name);
+        HashName<false>(upper.data(), upper.size(), f.size, hash);
     }
-    std::size_t Size() const { return slots_.size(); }
-    void Grow(const std::vector<Pair>& pairs) {
-        std::vector<std::uint32_t> old(slots_.size() * 2, 0);
-        old.swap(slots_);
-        for (const std::uint32_t index : old) {
-            if (!index) continue;
-            std::size_t probe = 0;
-            while (Slot(pairs[index - 1].hash, probe)) ++probe;
-            Slot(pairs[index - 1].hash, probe) = index;
-        }
+    return hash;
+}
+
+using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
+
+File Open(const std::string& path) {
+    File file(OpenForReading(path), &std::fclose);
+    if (file) std::setvbuf(file.get(), nullptr, _IONBF, 0);  // our own blocks; a stdio buffer would only copy
+    return file;
+}
+
+// The line end at or behind `from` in [p, p+n): the first CR or LF. A CR as
+// the very last byte of a block that isn't the file's last may still have its
+// LF to come, so it counts as no end yet.
+class LineEnds {
+public:
+    void Reset() { crAt_ = lfAt_ = nullptr; }
+    const char* Find(const char* from, const char* end) {
+        if (crAt_ < from) crAt_ = Next(from, end, '\r');
+        if (lfAt_ < from) lfAt_ = Next(from, end, '\n');
+        return std::min(crAt_, lfAt_);
     }
 
 private:
-    std::vector<std::uint32_t> slots_;  // pair index + 1; 0 is free
+    static const char* Next(const char* from, const char* end, char c) {
+        const void* hit = std::memchr(from, c, static_cast<std::size_t>(end - from));
+        return hit ? static_cast<const char*>(hit) : end;
+    }
+    const char* crAt_ = nullptr;
+    const char* lfAt_ = nullptr;
 };
 
+// One catalogue's file lines into `records`: header, the line behind it, the
+// folder lines up to the first empty line, then the file lines up to the next
+// empty line or the end.
+void ScanDisc(std::FILE* file, std::uint64_t disc, std::int64_t minSize, std::vector<char>& buf,
+              std::vector<Record>& records) {
+    enum class At { Header, Line2, Folders, Files, Done } at = At::Header;
+    std::string upper;
+    std::uint64_t base = 0;  // file offset of buf[0]
+    std::size_t have = 0;    // bytes in buf
+    bool eof = false;
+    LineEnds ends;
+    while (at != At::Done) {
+        if (!eof) {
+            if (have == buf.size()) buf.resize(buf.size() * 2);  // a line longer than the block
+            const std::size_t got = std::fread(buf.data() + have, 1, buf.size() - have, file);
+            if (got == 0) eof = true;  // the end, or a read error: both end the file
+            have += got;
+        }
+        if (have == 0) return;
+        const char* p = buf.data();
+        const char* end = p + have;
+        ends.Reset();
+        for (;;) {
+            const char* eol = ends.Find(p, end);
+            if (eol == end || (eol + 1 == end && *eol == '\r' && !eof)) {
+                if (!eof) break;
+                if (p == end) return;  // nothing after the last line end
+            }
+            const std::size_t len = static_cast<std::size_t>(eol - p);
+            switch (at) {
+            case At::Header: at = At::Line2; break;
+            case At::Line2: at = At::Folders; break;
+            case At::Folders:
+                if (len == 0) at = At::Files;
+                break;
+            case At::Files: {
+                if (len == 0) {
+                    at = At::Done;
+                    break;
+                }
+                FileLine f;
+                if (!ParseFileLine(p, len, f) || Bytes(f.size) < minSize) break;
+                const std::uint64_t offset = base + static_cast<std::uint64_t>(p - buf.data());
+                if (offset > kOffsetMask) {
+                    at = At::Done;
+                    break;
+                }
+                records.push_back({HashOf(f, upper), disc << kOffsetBits | offset});
+                break;
+            }
+            case At::Done: break;
+            }
+            if (at == At::Done || eol == end) return;
+            p = eol + 1;
+            if (*eol == '\r' && p < end && *p == '\n') ++p;
+        }
+        const std::size_t used = static_cast<std::size_t>(p - buf.data());
+        std::memmove(buf.data(), p, have - used);
+        have -= used;
+        base += used;
+    }
+}
+
+// A line whose hash the pass found on two discs or more, to be read again.
+struct Candidate {
+    std::uint64_t where, hash;
+};
+
+// The hashes met on more than one disc, and every line that gave one. The
+// records are first parted by the top bits of their hash (one stable pass, so
+// each part keeps disc and line order), then each part, small enough to stay
+// in the cache, goes through a table of its own.
+std::vector<Candidate> CandidatesOf(std::vector<Record>& records) {
+    constexpr int kTopBits = 11, kParts = 1 << kTopBits;
+    const auto part = [](const Record& r) { return static_cast<std::size_t>(r.hash >> (64 - kTopBits)); };
+    std::vector<std::size_t> start(kParts + 1, 0);
+    for (const Record& r : records) ++start[part(r) + 1];
+    for (int b = 0; b < kParts; ++b) start[b + 1] += start[b];
+    {
+        std::vector<Record> parted(records.size());
+        std::vector<std::size_t> next(start.begin(), start.end() - 1);
+        for (const Record& r : records) parted[next[part(r)]++] = r;
+        records.swap(parted);
+    }
+
+    struct Seen {
+        std::uint64_t hash;
+        std::uint32_t disc;  // the first disc + 1; 0: a free slot
+        bool manyDiscs;
+    };
+    std::vector<Seen> table;
+    std::vector<Candidate> candidates;
+    for (int b = 0; b < kParts; ++b) {
+        const Record* first = records.data() + start[b];
+        const Record* last = records.data() + start[b + 1];
+        if (last - first < 2) continue;
+        std::size_t size = 16;
+        while (size < 2 * static_cast<std::size_t>(last - first)) size *= 2;
+        table.assign(size, Seen{0, 0, false});
+        const auto slot = [&](std::uint64_t hash) -> Seen& {
+            for (std::size_t i = hash & (size - 1);; i = (i + 1) & (size - 1))
+                if (!table[i].disc || table[i].hash == hash) return table[i];
+        };
+        bool any = false;
+        for (const Record* r = first; r != last; ++r) {
+            Seen& s = slot(r->hash);
+            const auto disc = static_cast<std::uint32_t>(r->where >> kOffsetBits) + 1;
+            if (!s.disc) s = {r->hash, disc, false};
+            else if (s.disc != disc) s.manyDiscs = any = true;
+        }
+        if (!any) continue;
+        for (const Record* r = first; r != last; ++r)
+            if (slot(r->hash).manyDiscs) candidates.push_back({r->where, r->hash});
+    }
+    return candidates;
+}
+
+// A candidate read again: what its group and hit need, as places in one
+// arena of bytes.
+struct Fetched {
+    std::uint64_t where, hash;
+    std::int64_t size;
+    std::uint32_t upperAt, upperLen, nameAt, nameLen, pathAt, pathLen;
+};
+
+// Reads the lines of one disc's candidates (in offset order) from its
+// catalogue: one read covers a candidate and those close behind it, so lines
+// far apart cost a small read each and a dense run a few large ones. A
+// catalogue rewritten since the pass may hold another line there now: a line
+// that no longer gives its hash is left out, never taken for a copy.
+void FetchDisc(const std::string& path, const Candidate* first, const Candidate* last,
+               std::vector<char>& buf, std::string& arena, std::vector<Fetched>& out) {
+    File file = Open(path);
+    if (!file) return;
+    const std::uint64_t kLine = std::min<std::uint64_t>(gBlock, 4096), kGap = 4 * kLine, kMost = 256 * kLine;
+    std::uint64_t winStart = 0;
+    std::size_t winLen = 0;
+    bool winEof = false;
+    std::string upper;
+    for (const Candidate* c = first; c != last; ++c) {
+        const std::uint64_t offset = c->where & kOffsetMask;
+        const char* line = nullptr;
+        const char* eol = nullptr;
+        for (std::size_t want = 0;;) {
+            if (offset >= winStart && offset < winStart + winLen) {
+                const char* p = buf.data() + (offset - winStart);
+                const char* end = buf.data() + winLen;
+                LineEnds ends;
+                const char* e = ends.Find(p, end);
+                if (e != end || winEof) {
+                    line = p, eol = e;
+                    break;
+                }
+                if (winStart == offset) want = 2 * winLen;  // a line longer than the read
+            }
+            if (!want) {
+                std::uint64_t end = offset + kLine;
+                for (const Candidate* n = c + 1; n != last; ++n) {
+                    const std::uint64_t at = n->where & kOffsetMask;
+                    if (at > end + kGap || at - offset > kMost) break;
+                    end = at + kLine;
+                }
+                want = static_cast<std::size_t>(end - offset);
+            }
+            if (buf.size() < want) buf.resize(want);
+            if (std::fseek(file.get(), static_cast<long>(offset), SEEK_SET) != 0) return;
+            winStart = offset;
+            winLen = std::fread(buf.data(), 1, want, file.get());
+            winEof = winLen < want;
+            if (winLen == 0) return;  // cut short since the pass: so is every later candidate
+        }
+        FileLine f;
+        if (!ParseFileLine(line, static_cast<std::size_t>(eol - line), f)) continue;
+        if (HashOf(f, upper) != c->hash) continue;
+        UpperName(upper, f.name);
+        const auto at = static_cast<std::uint32_t>(arena.size());
+        arena += upper;
+        arena += f.path;
+        const auto pathAt = static_cast<std::uint32_t>(at + upper.size());
+        out.push_back({c->where, c->hash, f.size, at, static_cast<std::uint32_t>(upper.size()),
+                       static_cast<std::uint32_t>(pathAt + (f.name.data() - f.path.data())),
+                       static_cast<std::uint32_t>(f.name.size()), pathAt,
+                       static_cast<std::uint32_t>(f.path.size())});
+    }
+}
+
 }  // namespace
+
+void SetDuplicateSeamsForTesting(int hashBits, std::size_t block) {
+    gHashMask = hashBits >= 64 ? ~std::uint64_t{0} : ~(~std::uint64_t{0} >> hashBits);
+    gBlock = std::max<std::size_t>(1, block);
+}
 
 std::int64_t Bytes(std::int64_t storedSize) {
     return storedSize < 0 && storedSize >= INT32_MIN ? storedSize + (std::int64_t{1} << 32) : storedSize;
@@ -86,84 +342,66 @@ std::int64_t Bytes(std::int64_t storedSize) {
 std::vector<DuplicateGroup> FindDuplicates(
     const std::string& dataFolder, const std::vector<std::string>& labels, std::int64_t minSize,
     const std::function<bool(std::size_t, std::size_t)>& progress) {
-    std::vector<Pair> pairs;
-    std::vector<Copy> copies;
-    std::string arena, upper, other;
-    PairTable table;
-    for (std::size_t disc = 0; disc < labels.size(); ++disc) {
+    std::vector<Record> records;
+    std::vector<char> buf(gBlock);
+    const std::size_t discs = std::min(labels.size(), kMaxDiscs);
+    for (std::size_t disc = 0; disc < discs; ++disc) {
         if (progress && !progress(disc + 1, labels.size())) break;
-        // A block of a typical catalogue's size: a fresh megabyte per disc
-        // would cost more in page faults than the reading itself.
-        LineReader lines(CataloguePath(dataFolder, labels[disc]), std::size_t{1} << 17);
-        if (!lines.IsOpen()) continue;
-        std::string_view line;
-        // Header, the empty line, the folders up to the next empty line.
-        if (!lines.NextRaw(line) || !lines.NextRaw(line)) continue;
-        while (lines.NextRaw(line) && !line.empty()) {}
-        while (lines.NextRaw(line) && !line.empty()) {
-            const std::size_t bar = line.find('|');
-            if (bar == std::string_view::npos) continue;
-            const char* first = line.data() + bar + 1;
-            const char* last = line.data() + line.size();
-            std::int64_t size = 0;
-            const auto [end, ec] = std::from_chars(first, last, size);
-            if (ec != std::errc() || (end != last && *end != '|') || Bytes(size) < minSize) continue;
-            const std::string_view path = line.substr(0, bar), name = NameOf(path);
-            UpperName(upper, name);
-            const std::uint64_t hash = std::hash<std::string_view>{}(upper) ^ Mix(static_cast<std::uint64_t>(size));
+        const File file = Open(CataloguePath(dataFolder, labels[disc]));
+        if (file) ScanDisc(file.get(), disc, minSize, buf, records);
+    }
+    std::vector<Candidate> candidates = CandidatesOf(records);
+    records = {};
+    std::sort(candidates.begin(), candidates.end(),
+              [](const Candidate& a, const Candidate& b) { return a.where < b.where; });
 
-            std::size_t probe = 0;
-            std::uint32_t found = 0;
-            for (;; ++probe) {
-                const std::uint32_t index = table.Slot(hash, probe);
-                if (!index) break;
-                const Pair& p = pairs[index - 1];
-                if (p.hash != hash || p.size != size) continue;
-                // Equal hashes: the names decide.
-                const std::string_view kept(arena.data() + p.pathAt + p.nameAt, p.pathLen - p.nameAt);
-                UpperName(other, kept);
-                if (other == upper) {
-                    found = index;
-                    break;
-                }
+    std::vector<Fetched> fetched;
+    std::string arena;
+    buf.clear();
+    for (std::size_t i = 0, j; i < candidates.size(); i = j) {
+        const std::uint64_t disc = candidates[i].where >> kOffsetBits;
+        for (j = i + 1; j < candidates.size() && (candidates[j].where >> kOffsetBits) == disc;) ++j;
+        FetchDisc(CataloguePath(dataFolder, labels[disc]), candidates.data() + i, candidates.data() + j,
+                  buf, arena, fetched);
+    }
+    candidates = {};
+
+    // The copies of one hash in disc and line order; a hash may stand for
+    // more than one (name, size) when hashes meet, so the names decide.
+    std::sort(fetched.begin(), fetched.end(), [](const Fetched& a, const Fetched& b) {
+        return a.hash != b.hash ? a.hash < b.hash : a.where < b.where;
+    });
+    const auto bytes = [&](std::uint32_t at, std::uint32_t len) { return std::string_view(arena.data() + at, len); };
+    std::vector<DuplicateGroup> groups;
+    std::vector<bool> taken;
+    std::vector<std::size_t> members;
+    for (std::size_t i = 0, j; i < fetched.size(); i = j) {
+        for (j = i + 1; j < fetched.size() && fetched[j].hash == fetched[i].hash;) ++j;
+        taken.assign(j - i, false);
+        for (std::size_t a = i; a < j; ++a) {
+            if (taken[a - i]) continue;
+            const Fetched& head = fetched[a];
+            const std::string_view upper = bytes(head.upperAt, head.upperLen);
+            bool manyDiscs = false;
+            members.clear();
+            for (std::size_t b = a; b < j; ++b) {
+                const Fetched& f = fetched[b];
+                if (taken[b - i] || f.size != head.size || bytes(f.upperAt, f.upperLen) != upper) continue;
+                taken[b - i] = true;
+                members.push_back(b);
+                manyDiscs = manyDiscs || (f.where >> kOffsetBits) != (head.where >> kOffsetBits);
             }
-            const auto at = static_cast<std::uint32_t>(arena.size());
-            if (found) {
-                Pair& p = pairs[found - 1];
-                p.manyDiscs = p.manyDiscs || p.disc != disc;
-                arena.append(path);
-                copies.push_back({found - 1, static_cast<std::uint32_t>(disc), at,
-                                  static_cast<std::uint32_t>(path.size())});
-                continue;
-            }
-            arena.append(path);
-            pairs.push_back({hash, size, static_cast<std::uint32_t>(disc), at,
-                             static_cast<std::uint32_t>(path.size()),
-                             static_cast<std::uint32_t>(path.size() - name.size()), false});
-            table.Slot(hash, probe) = static_cast<std::uint32_t>(pairs.size());
-            if (pairs.size() * 2 > table.Size()) table.Grow(pairs);
+            if (!manyDiscs) continue;
+            DuplicateGroup g;
+            g.name = DecodeLine(bytes(head.nameAt, head.nameLen));
+            g.size = head.size;
+            g.hits.reserve(members.size());
+            for (const std::size_t m : members)
+                g.hits.push_back(labels[fetched[m].where >> kOffsetBits] + "\\" +
+                                 DecodeLine(bytes(fetched[m].pathAt, fetched[m].pathLen)));
+            groups.push_back(std::move(g));
         }
     }
-
-    // Only the pairs on more than one disc become groups, with their copies
-    // in the order they were met.
-    std::vector<std::int32_t> groupOf(pairs.size(), -1);
-    std::vector<DuplicateGroup> groups;
-    auto hit = [&](std::uint32_t disc, std::uint32_t pathAt, std::uint32_t pathLen) {
-        return labels[disc] + "\\" + DecodeLine(std::string_view(arena.data() + pathAt, pathLen));
-    };
-    for (std::size_t i = 0; i < pairs.size(); ++i) {
-        const Pair& p = pairs[i];
-        if (!p.manyDiscs) continue;
-        groupOf[i] = static_cast<std::int32_t>(groups.size());
-        DuplicateGroup g;
-        g.name = DecodeLine(std::string_view(arena.data() + p.pathAt + p.nameAt, p.pathLen - p.nameAt));
-        g.size = p.size;
-        g.hits.push_back(hit(p.disc, p.pathAt, p.pathLen));
-        groups.push_back(std::move(g));
-    }
-    for (const Copy& c : copies)
-        if (groupOf[c.pair] >= 0) groups[static_cast<std::size_t>(groupOf[c.pair])].hits.push_back(hit(c.disc, c.pathAt, c.pathLen));
 
     std::sort(groups.begin(), groups.end(), [](const DuplicateGroup& a, const DuplicateGroup& b) {
         if (a.size != b.size) return Bytes(a.size) > Bytes(b.size);
