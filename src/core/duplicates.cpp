@@ -32,6 +32,39 @@ struct Record {
 constexpr int kOffsetBits = 40;
 constexpr std::uint64_t kOffsetMask = (std::uint64_t{1} << kOffsetBits) - 1;
 constexpr std::size_t kMaxDiscs = std::size_t{1} << (64 - kOffsetBits);
+constexpr int kPartBits = 11;
+constexpr std::size_t kParts = std::size_t{1} << kPartBits;
+
+// The records of the pass in blocks that are never moved (a growing vector
+// would copy them all again and again), counted by the top bits of their hash
+// on the way, so that one pass can later part them.
+class Records {
+public:
+    void Add(std::uint64_t hash, std::uint64_t where) {
+        if (used_ == kBlock) {
+            blocks_.emplace_back(new Record[kBlock]);
+            used_ = 0;
+        }
+        blocks_.back()[used_++] = {hash, where};
+        ++counts_[hash >> (64 - kPartBits)];
+    }
+    std::size_t Size() const { return blocks_.empty() ? 0 : (blocks_.size() - 1) * kBlock + used_; }
+    const std::vector<std::size_t>& Counts() const { return counts_; }
+    template <typename F>
+    void ForEach(F&& f) const {
+        for (std::size_t b = 0; b < blocks_.size(); ++b) {
+            const Record* r = blocks_[b].get();
+            for (const Record* end = r + (b + 1 == blocks_.size() ? used_ : kBlock); r != end; ++r) f(*r);
+        }
+    }
+    void Clear() { blocks_.clear(); }
+
+private:
+    static constexpr std::size_t kBlock = std::size_t{1} << 16;
+    std::vector<std::unique_ptr<Record[]>> blocks_;
+    std::size_t used_ = kBlock;
+    std::vector<std::size_t> counts_ = std::vector<std::size_t>(kParts, 0);
+};
 
 std::uint64_t gHashMask = ~std::uint64_t{0};
 std::size_t gBlock = std::size_t{1} << 18;  // one read of the pass
@@ -196,7 +229,7 @@ Cut CutLine(const char* p, const char* end) {
 // folder lines up to the first empty line, then the file lines up to the next
 // empty line or the end.
 void ScanDisc(std::FILE* file, std::uint64_t disc, std::int64_t minSize, std::vector<char>& buf,
-              std::vector<Record>& records) {
+              Records& records) {
     enum class At { Header, Line2, Folders, Files, Done } at = At::Header;
     std::string upper;
     std::uint64_t base = 0;  // file offset of buf[0]
@@ -244,7 +277,7 @@ void ScanDisc(std::FILE* file, std::uint64_t disc, std::int64_t minSize, std::ve
                 const char* name = cut.slash ? cut.slash + 1 : p;
                 const FileLine f{{p, static_cast<std::size_t>(cut.bar - p)},
                                  {name, static_cast<std::size_t>(cut.bar - name)}, size};
-                records.push_back({HashOf(f, upper), disc << kOffsetBits | offset});
+                records.Add(HashOf(f, upper), disc << kOffsetBits | offset);
                 break;
             }
             case At::Done: break;
@@ -267,49 +300,49 @@ struct Candidate {
 
 // The hashes met on more than one disc, and every line that gave one. The
 // records are first parted by the top bits of their hash (one stable pass, so
-// each part keeps disc and line order), then each part, small enough to stay
-// in the cache, goes through a table of its own.
-std::vector<Candidate> CandidatesOf(std::vector<Record>& records) {
-    constexpr int kTopBits = 11, kParts = 1 << kTopBits;
-    const auto part = [](const Record& r) { return static_cast<std::size_t>(r.hash >> (64 - kTopBits)); };
+// each part keeps disc and line order), then each part goes through a table
+// of its own that stays in the cache. A slot holds 32 further bits of the
+// hash, so two hashes may meet there wrongly: that only makes candidates the
+// names then tell apart.
+std::vector<Candidate> CandidatesOf(Records& records) {
     std::vector<std::size_t> start(kParts + 1, 0);
-    for (const Record& r : records) ++start[part(r) + 1];
-    for (int b = 0; b < kParts; ++b) start[b + 1] += start[b];
+    for (std::size_t b = 0; b < kParts; ++b) start[b + 1] = start[b] + records.Counts()[b];
+    std::unique_ptr<Record[]> parted(new Record[records.Size()]);
     {
-        std::vector<Record> parted(records.size());
         std::vector<std::size_t> next(start.begin(), start.end() - 1);
-        for (const Record& r : records) parted[next[part(r)]++] = r;
-        records.swap(parted);
+        records.ForEach([&](const Record& r) { parted[next[r.hash >> (64 - kPartBits)]++] = r; });
+        records.Clear();
     }
 
     struct Seen {
-        std::uint64_t hash;
-        std::uint32_t disc;  // the first disc + 1; 0: a free slot
-        bool manyDiscs;
+        std::uint32_t hash;
+        std::uint32_t disc;  // the first disc + 1, the top bit set once met on another; 0: a free slot
     };
+    constexpr std::uint32_t kMany = 0x80000000u;
+    const auto key = [](std::uint64_t hash) { return static_cast<std::uint32_t>(hash >> (32 - kPartBits)); };
     std::vector<Seen> table;
     std::vector<Candidate> candidates;
-    for (int b = 0; b < kParts; ++b) {
-        const Record* first = records.data() + start[b];
-        const Record* last = records.data() + start[b + 1];
+    for (std::size_t b = 0; b < kParts; ++b) {
+        const Record* first = parted.get() + start[b];
+        const Record* last = parted.get() + start[b + 1];
         if (last - first < 2) continue;
         std::size_t size = 16;
         while (size < 2 * static_cast<std::size_t>(last - first)) size *= 2;
-        table.assign(size, Seen{0, 0, false});
+        table.assign(size, Seen{0, 0});
         const auto slot = [&](std::uint64_t hash) -> Seen& {
             for (std::size_t i = hash & (size - 1);; i = (i + 1) & (size - 1))
-                if (!table[i].disc || table[i].hash == hash) return table[i];
+                if (!table[i].disc || table[i].hash == key(hash)) return table[i];
         };
         bool any = false;
         for (const Record* r = first; r != last; ++r) {
             Seen& s = slot(r->hash);
             const auto disc = static_cast<std::uint32_t>(r->where >> kOffsetBits) + 1;
-            if (!s.disc) s = {r->hash, disc, false};
-            else if (s.disc != disc) s.manyDiscs = any = true;
+            if (!s.disc) s = {key(r->hash), disc};
+            else if ((s.disc & ~kMany) != disc) s.disc |= kMany, any = true;
         }
         if (!any) continue;
         for (const Record* r = first; r != last; ++r)
-            if (slot(r->hash).manyDiscs) candidates.push_back({r->where, r->hash});
+            if (slot(r->hash).disc & kMany) candidates.push_back({r->where, r->hash});
     }
     return candidates;
 }
@@ -331,7 +364,9 @@ void FetchDisc(const std::string& path, const Candidate* first, const Candidate*
                std::vector<char>& buf, std::string& arena, std::vector<Fetched>& out) {
     File file = Open(path);
     if (!file) return;
-    const std::uint64_t kLine = std::min<std::uint64_t>(gBlock, 4096), kGap = 4 * kLine, kMost = 256 * kLine;
+    // A read costs about as much as copying a few kilobytes: lines closer
+    // than that share one.
+    const std::uint64_t kLine = std::min<std::uint64_t>(gBlock, 512), kGap = 4 * kLine, kMost = 512 * kLine;
     std::uint64_t winStart = 0;
     std::size_t winLen = 0;
     bool winEof = false;
@@ -397,7 +432,7 @@ std::int64_t Bytes(std::int64_t storedSize) {
 std::vector<DuplicateGroup> FindDuplicates(
     const std::string& dataFolder, const std::vector<std::string>& labels, std::int64_t minSize,
     const std::function<bool(std::size_t, std::size_t)>& progress) {
-    std::vector<Record> records;
+    Records records;
     std::vector<char> buf(gBlock);
     const std::size_t discs = std::min(labels.size(), kMaxDiscs);
     for (std::size_t disc = 0; disc < discs; ++disc) {
@@ -406,7 +441,6 @@ std::vector<DuplicateGroup> FindDuplicates(
         if (file) ScanDisc(file.get(), disc, minSize, buf, records);
     }
     std::vector<Candidate> candidates = CandidatesOf(records);
-    records = {};
     std::sort(candidates.begin(), candidates.end(),
               [](const Candidate& a, const Candidate& b) { return a.where < b.where; });
 
