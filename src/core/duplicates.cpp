@@ -457,27 +457,28 @@ std::vector<DuplicateGroup> FindDuplicates(
 
     // The copies of one hash in disc and line order; a hash may stand for
     // more than one (name, size) when hashes meet, so the names decide.
-    std::sort(fetched.begin(), fetched.end(), [](const Fetched& a, const Fetched& b) {
-        return a.hash != b.hash ? a.hash < b.hash : a.where < b.where;
-    });
+    // (They stand in line order already; an order of small keys is sorted, not them.)
+    std::vector<std::pair<std::uint64_t, std::uint32_t>> order(fetched.size());
+    for (std::size_t i = 0; i < fetched.size(); ++i) order[i] = {fetched[i].hash, static_cast<std::uint32_t>(i)};
+    std::sort(order.begin(), order.end());
     const auto bytes = [&](std::uint32_t at, std::uint32_t len) { return std::string_view(arena.data() + at, len); };
     std::vector<DuplicateGroup> groups;
     std::vector<bool> taken;
     std::vector<std::size_t> members;
-    for (std::size_t i = 0, j; i < fetched.size(); i = j) {
-        for (j = i + 1; j < fetched.size() && fetched[j].hash == fetched[i].hash;) ++j;
+    for (std::size_t i = 0, j; i < order.size(); i = j) {
+        for (j = i + 1; j < order.size() && order[j].first == order[i].first;) ++j;
         taken.assign(j - i, false);
         for (std::size_t a = i; a < j; ++a) {
             if (taken[a - i]) continue;
-            const Fetched& head = fetched[a];
+            const Fetched& head = fetched[order[a].second];
             const std::string_view upper = bytes(head.upperAt, head.upperLen);
             bool manyDiscs = false;
             members.clear();
             for (std::size_t b = a; b < j; ++b) {
-                const Fetched& f = fetched[b];
+                const Fetched& f = fetched[order[b].second];
                 if (taken[b - i] || f.size != head.size || bytes(f.upperAt, f.upperLen) != upper) continue;
                 taken[b - i] = true;
-                members.push_back(b);
+                members.push_back(order[b].second);
                 manyDiscs = manyDiscs || (f.where >> kOffsetBits) != (head.where >> kOffsetBits);
             }
             if (!manyDiscs) continue;
@@ -485,9 +486,16 @@ std::vector<DuplicateGroup> FindDuplicates(
             g.name = DecodeLine(bytes(head.nameAt, head.nameLen));
             g.size = head.size;
             g.hits.reserve(members.size());
-            for (const std::size_t m : members)
-                g.hits.push_back(labels[fetched[m].where >> kOffsetBits] + "\\" +
-                                 DecodeLine(bytes(fetched[m].pathAt, fetched[m].pathLen)));
+            for (const std::size_t m : members) {
+                const std::string& label = labels[fetched[m].where >> kOffsetBits];
+                const std::string_view path = bytes(fetched[m].pathAt, fetched[m].pathLen);
+                std::string& hit = g.hits.emplace_back();
+                hit.reserve(label.size() + 1 + path.size());
+                hit += label;
+                hit += '\\';
+                if (IsValidUtf8(path)) hit += path;  // as DecodeLine takes it, without a copy between
+                else hit += DecodeLine(path);
+            }
             groups.push_back(std::move(g));
         }
     }
