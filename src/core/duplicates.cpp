@@ -1,6 +1,7 @@
 #include "core/duplicates.h"
 
 #include <algorithm>
+#include <bit>
 #include <charconv>
 #include <climits>
 #include <cstdio>
@@ -90,22 +91,30 @@ std::uint64_t FoldWord(std::uint64_t w) {
 template <bool Fold>
 bool HashName(const char* p, std::size_t n, std::int64_t size, std::uint64_t& out) {
     std::uint64_t h = 0x243f6a8885a308d3ULL ^ n;
-    std::uint64_t w;
-    for (; n >= 8; p += 8, n -= 8) {
-        std::memcpy(&w, p, 8);
+    const auto add = [&h](std::uint64_t w) {
         if constexpr (Fold) {
             if (w & kHigh) return false;
             w = FoldWord(w);
         }
-        h = Mum(h ^ w, 0xa0761d6478bd642fULL);
+        h = std::rotl((h ^ w) * 0x9fb21c651e98df25ULL, 29);
+        return true;
+    };
+    std::uint64_t w;
+    const std::size_t whole = n & ~std::size_t{7}, rest = n & 7;
+    for (std::size_t i = 0; i < whole; i += 8) {
+        std::memcpy(&w, p + i, 8);
+        if (!add(w)) return false;
     }
     w = 0;
-    std::memcpy(&w, p, n);
-    if constexpr (Fold) {
-        if (w & kHigh) return false;
-        w = FoldWord(w);
+    if (rest && whole && std::endian::native == std::endian::little) {
+        // The last eight bytes of the name, shifted down to its last `rest`:
+        // one load instead of a copy of unknown length.
+        std::memcpy(&w, p + n - 8, 8);
+        w >>= 8 * (8 - rest);
+    } else {
+        std::memcpy(&w, p + whole, rest);
     }
-    h = Mum(h ^ w, 0xe7037ed1a0b428dbULL);
+    if (!add(w)) return false;
     out = Mum(h ^ static_cast<std::uint64_t>(size), 0x8ebc6af09c88c6e3ULL) & gHashMask;
     return true;
 }
