@@ -15,6 +15,7 @@
 
 #include "core/catalogue.h"
 #include "core/fileops.h"
+#include "core/scan.h"
 #include "core/search.h"
 #include "core/text.h"
 
@@ -167,27 +168,6 @@ File Open(const std::string& path) {
     return file;
 }
 
-// The line end at or behind `from` in [p, p+n): the first CR or LF. A CR as
-// the very last byte of a block that isn't the file's last may still have its
-// LF to come, so it counts as no end yet.
-class LineEnds {
-public:
-    void Reset() { crAt_ = lfAt_ = nullptr; }
-    const char* Find(const char* from, const char* end) {
-        if (crAt_ < from) crAt_ = Next(from, end, '\r');
-        if (lfAt_ < from) lfAt_ = Next(from, end, '\n');
-        return std::min(crAt_, lfAt_);
-    }
-
-private:
-    static const char* Next(const char* from, const char* end, char c) {
-        const void* hit = std::memchr(from, c, static_cast<std::size_t>(end - from));
-        return hit ? static_cast<const char*>(hit) : end;
-    }
-    const char* crAt_ = nullptr;
-    const char* lfAt_ = nullptr;
-};
-
 // One file line's places in one pass: its end (the first CR or LF, or `end`),
 // its first '|' and the last '\' before that '|' (or before the end when the
 // line has no '|'); nullptr where there is none. Sixteen bytes a step where
@@ -204,31 +184,35 @@ Cut CutLine(const char* p, const char* end) {
     const char* slash = nullptr;
     const char* q = p;
 #ifdef __SSE2__
-    const __m128i cr = _mm_set1_epi8('\r'), lf = _mm_set1_epi8('\n');
-    const __m128i vbar = _mm_set1_epi8('|'), vslash = _mm_set1_epi8('\\');
-    for (; end - q >= 16; q += 16) {
-        const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(q));
-        const auto e = static_cast<unsigned>(
-            _mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi8(v, cr), _mm_cmpeq_epi8(v, lf))));
-        if (!bar) {
-            const unsigned before = e ? (1u << __builtin_ctz(e)) - 1 : 0xffffu;
-            const unsigned b = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(v, vbar))) & before;
-            unsigned sl = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(v, vslash))) & before;
-            if (b) {
-                bar = q + __builtin_ctz(b);
-                sl &= (1u << __builtin_ctz(b)) - 1;
+    if (scan::VectorsOn()) {
+        const __m128i cr = _mm_set1_epi8('\r'), lf = _mm_set1_epi8('\n');
+        const __m128i vbar = _mm_set1_epi8('|'), vslash = _mm_set1_epi8('\\');
+        for (; end - q >= 16; q += 16) {
+            const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(q));
+            const auto e = static_cast<unsigned>(
+                _mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi8(v, cr), _mm_cmpeq_epi8(v, lf))));
+            if (!bar) {
+                const unsigned before = e ? (1u << __builtin_ctz(e)) - 1 : 0xffffu;
+                const unsigned b = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(v, vbar))) & before;
+                unsigned sl = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(v, vslash))) & before;
+                if (b) {
+                    bar = q + __builtin_ctz(b);
+                    sl &= (1u << __builtin_ctz(b)) - 1;
+                }
+                if (sl) slash = q + (31 - __builtin_clz(sl));
             }
-            if (sl) slash = q + (31 - __builtin_clz(sl));
+            if (e) return {q + __builtin_ctz(e), bar, slash};
         }
-        if (e) return {q + __builtin_ctz(e), bar, slash};
     }
 #endif
     for (; q < end; ++q) {
         const char c = *q;
         if (c == '\r' || c == '\n') return {q, bar, slash};
         if (!bar) {
-            if (c == '|') bar = q;
-            else if (c == '\\') slash = q;
+            if (c == '|')
+                bar = q;
+            else if (c == '\\')
+                slash = q;
         }
     }
     return {end, bar, slash};
@@ -244,7 +228,6 @@ void ScanDisc(std::FILE* file, std::uint64_t disc, std::int64_t minSize, std::ve
     std::uint64_t base = 0;  // file offset of buf[0]
     std::size_t have = 0;    // bytes in buf
     bool eof = false;
-    LineEnds ends;
     while (at != At::Done) {
         if (!eof) {
             if (have == buf.size()) buf.resize(buf.size() * 2);  // a line longer than the block
@@ -255,10 +238,11 @@ void ScanDisc(std::FILE* file, std::uint64_t disc, std::int64_t minSize, std::ve
         if (have == 0) return;
         const char* p = buf.data();
         const char* end = p + have;
-        ends.Reset();
         for (;;) {
             Cut cut{};
-            const char* eol = at == At::Files ? (cut = CutLine(p, end)).eol : ends.Find(p, end);
+            const char* eol = at == At::Files ? (cut = CutLine(p, end)).eol
+                                              : p + scan::FindLineEnd(p, static_cast<std::size_t>(end - p));
+            // A CR as the block's last byte may have its LF still to come.
             if (eol == end || (eol + 1 == end && *eol == '\r' && !eof)) {
                 if (!eof) break;
                 if (p == end) return;  // nothing after the last line end
@@ -285,7 +269,8 @@ void ScanDisc(std::FILE* file, std::uint64_t disc, std::int64_t minSize, std::ve
                 }
                 const char* name = cut.slash ? cut.slash + 1 : p;
                 const FileLine f{{p, static_cast<std::size_t>(cut.bar - p)},
-                                 {name, static_cast<std::size_t>(cut.bar - name)}, size};
+                                 {name, static_cast<std::size_t>(cut.bar - name)},
+                                 size};
                 records.Add(HashOf(f, upper), disc << kOffsetBits | offset);
                 break;
             }
@@ -346,8 +331,10 @@ std::vector<Candidate> CandidatesOf(Records& records) {
         for (const Record* r = first; r != last; ++r) {
             Seen& s = slot(r->hash);
             const auto disc = static_cast<std::uint32_t>(r->where >> kOffsetBits) + 1;
-            if (!s.disc) s = {key(r->hash), disc};
-            else if ((s.disc & ~kMany) != disc) s.disc |= kMany, any = true;
+            if (!s.disc)
+                s = {key(r->hash), disc};
+            else if ((s.disc & ~kMany) != disc)
+                s.disc |= kMany, any = true;
         }
         if (!any) continue;
         for (const Record* r = first; r != last; ++r)
@@ -369,8 +356,8 @@ struct Fetched {
 // far apart cost a small read each and a dense run a few large ones. A
 // catalogue rewritten since the pass may hold another line there now: a line
 // that no longer gives its hash is left out, never taken for a copy.
-void FetchDisc(const std::string& path, const Candidate* first, const Candidate* last,
-               std::vector<char>& buf, std::string& arena, std::vector<Fetched>& out) {
+void FetchDisc(const std::string& path, const Candidate* first, const Candidate* last, std::vector<char>& buf,
+               std::string& arena, std::vector<Fetched>& out) {
     File file = Open(path);
     if (!file) return;
     // A read costs about as much as copying a few kilobytes: lines closer
@@ -388,8 +375,7 @@ void FetchDisc(const std::string& path, const Candidate* first, const Candidate*
             if (offset >= winStart && offset < winStart + winLen) {
                 const char* p = buf.data() + (offset - winStart);
                 const char* end = buf.data() + winLen;
-                LineEnds ends;
-                const char* e = ends.Find(p, end);
+                const char* e = p + scan::FindLineEnd(p, static_cast<std::size_t>(end - p));
                 if (e != end || winEof) {
                     line = p, eol = e;
                     break;
@@ -438,9 +424,9 @@ std::int64_t Bytes(std::int64_t storedSize) {
     return storedSize < 0 && storedSize >= INT32_MIN ? storedSize + (std::int64_t{1} << 32) : storedSize;
 }
 
-std::vector<DuplicateGroup> FindDuplicates(
-    const std::string& dataFolder, const std::vector<std::string>& labels, std::int64_t minSize,
-    const std::function<bool(std::size_t, std::size_t)>& progress) {
+std::vector<DuplicateGroup> FindDuplicates(const std::string& dataFolder,
+                                           const std::vector<std::string>& labels, std::int64_t minSize,
+                                           const std::function<bool(std::size_t, std::size_t)>& progress) {
     Records records;
     std::vector<char> buf(gBlock);
     const std::size_t discs = std::min(labels.size(), kMaxDiscs);
@@ -459,8 +445,8 @@ std::vector<DuplicateGroup> FindDuplicates(
     for (std::size_t i = 0, j; i < candidates.size(); i = j) {
         const std::uint64_t disc = candidates[i].where >> kOffsetBits;
         for (j = i + 1; j < candidates.size() && (candidates[j].where >> kOffsetBits) == disc;) ++j;
-        FetchDisc(CataloguePath(dataFolder, labels[disc]), candidates.data() + i, candidates.data() + j,
-                  buf, arena, fetched);
+        FetchDisc(CataloguePath(dataFolder, labels[disc]), candidates.data() + i, candidates.data() + j, buf,
+                  arena, fetched);
     }
     candidates = {};
 
@@ -468,9 +454,12 @@ std::vector<DuplicateGroup> FindDuplicates(
     // more than one (name, size) when hashes meet, so the names decide.
     // (They stand in line order already; an order of small keys is sorted, not them.)
     std::vector<std::pair<std::uint64_t, std::uint32_t>> order(fetched.size());
-    for (std::size_t i = 0; i < fetched.size(); ++i) order[i] = {fetched[i].hash, static_cast<std::uint32_t>(i)};
+    for (std::size_t i = 0; i < fetched.size(); ++i)
+        order[i] = {fetched[i].hash, static_cast<std::uint32_t>(i)};
     std::sort(order.begin(), order.end());
-    const auto bytes = [&](std::uint32_t at, std::uint32_t len) { return std::string_view(arena.data() + at, len); };
+    const auto bytes = [&](std::uint32_t at, std::uint32_t len) {
+        return std::string_view(arena.data() + at, len);
+    };
     std::vector<DuplicateGroup> groups;
     std::vector<bool> taken;
     std::vector<std::size_t> members;
@@ -502,8 +491,10 @@ std::vector<DuplicateGroup> FindDuplicates(
                 hit.reserve(label.size() + 1 + path.size());
                 hit += label;
                 hit += '\\';
-                if (IsValidUtf8(path)) hit += path;  // as DecodeLine takes it, without a copy between
-                else hit += DecodeLine(path);
+                if (IsValidUtf8(path))
+                    hit += path;  // as DecodeLine takes it, without a copy between
+                else
+                    hit += DecodeLine(path);
             }
             groups.push_back(std::move(g));
         }
