@@ -141,18 +141,6 @@ TEST_P(RealHelpFile, HoldsEveryTopicTheProgramOpens) {
     }
 }
 
-TEST_P(RealHelpFile, EveryLinkLeadsToATopicAndTheFileIsClean) {
-    ct::HelpFile help;
-    ASSERT_TRUE(ct::LoadHelpFile(Source(GetParam().help), help));
-    EXPECT_TRUE(help.problems.empty()) << help.problems.front();
-    std::set<std::string> names;
-    for (const auto& t : help.topics) names.insert(t.name);
-    for (const auto& t : help.topics)
-        for (const auto& link : t.links)
-            EXPECT_TRUE(names.count(link.target) || link.target == ct::kHelpIndex)
-                << "topic \"" << t.name << "\" links to missing \"" << link.target << "\"";
-}
-
 INSTANTIATE_TEST_SUITE_P(Both, RealHelpFile,
                          testing::Values(Language{"German", "texts_de.txt", "help_de.fhp"},
                                          Language{"English", "texts_en.txt", "help_en.fhp"}),

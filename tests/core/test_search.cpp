@@ -282,30 +282,6 @@ INSTANTIATE_TEST_SUITE_P(Search, Dates, ::testing::ValuesIn(kDateRows),
 
 // --- The run ------------------------------------------------------------------------------
 
-TEST(SearchRun, DamagedCataloguesArePassedOver) {
-    TempDir dir;
-    dir.WriteRaw("Leer", "");
-    dir.WriteRaw("Kopf", "0|0||0|0|0|nur kopf");  // no line end, nothing behind
-    // Cut short in the middle of its last line.
-    dir.WriteRaw("Kurz", "0|0||0|0|0|kurz\r\n\r\n\\kurz1|A|01.01.2001 00:00:00|\r\n\r\n"
-                         "\\kurz.txt|1|A|01.01.2001 00:00:00|\r\n\\ku");
-    dir.WriteRaw("Wirr", "kein kopf\r\n\r\nohne striche\r\n\\wirr|||\r\n\r\nnoch ohne\r\n\\wirr.txt|x|||\r\n");
-    dir.Write("Ende", {"0|0||0|0|0|", "", "", "\\ende.txt|1|A|01.01.2001 00:00:00|"});
-    auto c = Criteria(2, CONT, "k");
-    c.discs = {{"Fehlt", true}, {"Leer", true}, {"Kopf", true}, {"Kurz", true}, {"Wirr", true},
-               {"Ende", true}};
-    c.nameTerm = "";
-    c.checkName = false;
-    std::vector<int> counters;
-    VectorSink sink;
-    ct::SearchHooks hooks;
-    hooks.afterDisc = [&](int n, std::size_t) { counters.push_back(n); };
-    EXPECT_EQ(ct::RunSearch(dir.str(), c, sink, hooks), ct::SearchEnd::Normal);
-    EXPECT_EQ(sink.hits, (std::vector<std::string>{"Kopf", "Kurz", "Kurz\\\\kurz1\\", "Kurz\\\\kurz.txt", "Wirr\\\\wirr\\",
-                                                   "Wirr\\\\wirr.txt", "Ende", "Ende\\\\ende.txt"}));
-    EXPECT_EQ(counters, (std::vector<int>{1, 2, 3, 4, 5, 6}));
-}
-
 TEST(SearchRun, StopEndsAfterTheDiscInHand) {
     TempDir dir;
     WriteCollection(dir);

@@ -66,14 +66,6 @@ TEST_F(Statistics, MissingAndCutShortCataloguesCountWhatCanBeRead) {
     EXPECT_TRUE(totals.complete);
 }
 
-TEST_F(Statistics, OnlyTheHeaderSizeIsSummed) {
-    Catalogue("A", "2048", 0, 2);  // files of size -5 change nothing
-    Write("Junk", "abc|x\r\n\r\n\r\n");
-    const auto totals = ct::CollectStatistics(data.string(), {"A", "Junk"});
-    EXPECT_EQ(totals.totalSize, ct::Fixed::FromInt(2048));
-    EXPECT_EQ(totals.files, 2);
-}
-
 // The run's own counter must count exactly as the panes' counting way does,
 // whatever the line ends and wherever a block boundary falls.
 struct CountRow {

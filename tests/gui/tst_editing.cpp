@@ -187,18 +187,6 @@ private slots:
         QCOMPARE(Items(s.main->lstDaten), QStringList(files).replaceInStrings(".idx", ""));
     }
 
-    void deleteThatFailsKeepsTheEntry() {
-        Setup s;
-        FaultyOps ops(Fault::Remove);
-        OpsScope scope(&ops);
-        s.fx.answers.push_back(QMessageBox::Yes);
-        s.main->mnuLöschen->trigger();
-        QCOMPARE(s.fx.messages.size(), std::size_t{2});
-        QCOMPARE(s.fx.messages[1].icon, QMessageBox::Warning);
-        QCOMPARE(DataFiles(s.fx), (QStringList{"CD1.idx", "CD2.idx"}));
-        QCOMPARE(s.main->lstDaten->Text(), Q("CD1"));
-    }
-
     void helpKeysOpenTheDialogsTopics() {
         Setup s;
         WhenUp<frmBeschreibungÄndern>([](frmBeschreibungÄndern& d) {
