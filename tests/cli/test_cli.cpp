@@ -49,8 +49,10 @@ TEST_P(Cli, ExitOutputAndFiles) {
     fs::copy_file(CARTULON_CLI, dir / "cartulon-cli");
     fs::copy_file(std::string(CARTULON_STAGE_DIR) + "/CT.rd", dir / "CT.rd");
     dir.Write("CT.ini", CrLf({"0", "C"}) + (dir / "Daten") + "\r\n");
-    const std::string command =
-        (dir / "cartulon-cli") + " " + Expand(row.args, dir) + " --data-folder " + (dir / "Daten") + " 2>&1 </dev/null";
+    // The data folder goes right behind the command, so that a row may name another one.
+    const std::string args = Expand(row.args, dir), name = args.substr(0, args.find(' '));
+    const std::string command = (dir / "cartulon-cli") + " " + name + " --data-folder " + (dir / "Daten") +
+                                args.substr(name.size()) + " 2>&1 </dev/null";
     FILE* p = popen(command.c_str(), "r");
     ASSERT_NE(p, nullptr);
     std::string out;
@@ -80,6 +82,7 @@ INSTANTIATE_TEST_SUITE_P(
     Commands, Cli,
     testing::Values(
         Row{"ListsBothDiscs", "list", 0, "Fotos", "", ""},
+        Row{"ListOfNothing", "list --data-folder {S}/disc", 1, "", "", ""},
         Row{"ShowsTheHeader", "show Fotos", 0, "serial number: -1029197328", "", ""},
         Row{"ShowsAFolder", "show Fotos Bilder", 0, "files: 1", "", ""},
         Row{"ShowOfAnUnknownDisc", "show Keine", 2, "", "", ""},
