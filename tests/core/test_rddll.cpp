@@ -51,7 +51,7 @@ protected:
         return (dir_ / name).string();
     }
     std::string Get(const std::string& bytes, std::int32_t id) {
-        ct::RDDLL rd(dir_.string());
+        ct::RDDLL rd;
         return rd.RDString(Put(bytes), id);
     }
 };
