@@ -58,4 +58,10 @@ const std::vector<std::string>& PairOptions(const std::string& command);
 
 const std::vector<Command>& Commands();
 
+// The catalogue of a LABEL argument, through the core's one way in
+// (ResolveLabel): a label that could leave the data folder, names no disc or
+// names no readable catalogue is refused with a message on stderr, and the
+// command ends with kError.
+bool CatalogueOfLabel(Context& ctx, const std::string& label, std::string& cataloguePath);
+
 }  // namespace ct::cli

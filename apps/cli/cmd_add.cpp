@@ -43,6 +43,9 @@ int RunAdd(Context& ctx) {
                  << "folders: " << outcome.folders << "\n"
                  << "files: " << outcome.files << "\n"
                  << "catalogue: " << outcome.cataloguePath << "\n";
+        if (outcome.unreadable > 0)
+            *ctx.err << "cartulon-cli: note: " << outcome.unreadable
+                     << " folders or entries couldn't be read and are missing from the catalogue\n";
         if (outcome.folders > 32767 || outcome.files > 32767)
             *ctx.err << "cartulon-cli: note: more than 32,767 folders or files; all are in the "
                         "catalogue, but counts shown by 16-bit fields may be wrong\n";
@@ -56,10 +59,11 @@ int RunAdd(Context& ctx) {
                  << "; nothing was read or written\n";
         return kError;
     case AddResult::WriteFailed:
+    case AddResult::Cancelled:
         break;
     }
     *ctx.err << "cartulon-cli: the catalogue could not be written, nothing was left under the label: "
-             << outcome.error << "\n";
+             << FailureText(outcome.failure, ctx.language) << "\n";
     return kError;
 }
 

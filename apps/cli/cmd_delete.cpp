@@ -21,11 +21,8 @@ int RunDelete(Context& ctx) {
         return kError;
     }
     const std::string& label = pos[0];
-    const std::string catalogue = CataloguePath(ctx.dataFolder, label);
-    if (!SystemFileOps().Exists(catalogue)) {
-        *ctx.err << "cartulon-cli: no disc '" << label << "' in " << ctx.dataFolder << "\n";
-        return kError;
-    }
+    std::string catalogue;
+    if (!CatalogueOfLabel(ctx, label, catalogue)) return kError;
     if (!ctx.args.Has("--yes")) {
         // Nothing is deleted unasked: without a terminal to ask on, the
         // caller has to say --yes.
@@ -44,9 +41,8 @@ int RunDelete(Context& ctx) {
             return kNothing;
         }
     }
-    std::string error;
-    if (!DeleteDisc(SystemFileOps(), ctx.dataFolder, label, &error)) {
-        *ctx.err << "cartulon-cli: " << error << "\n";
+    if (const Failure failure = DeleteDisc(SystemFileOps(), ctx.dataFolder, label)) {
+        *ctx.err << "cartulon-cli: " << FailureText(failure, ctx.language) << "\n";
         return kError;
     }
     *ctx.out << "deleted " << label << "\n";

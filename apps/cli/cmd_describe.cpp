@@ -29,11 +29,8 @@ int RunDescribe(Context& ctx) {
         return kError;
     }
     const std::string& label = pos[0];
-    const std::string catalogue = CataloguePath(ctx.dataFolder, label);
-    if (!SystemFileOps().Exists(catalogue)) {
-        *ctx.err << "cartulon-cli: no disc '" << label << "' in " << ctx.dataFolder << "\n";
-        return kError;
-    }
+    std::string catalogue;
+    if (!CatalogueOfLabel(ctx, label, catalogue)) return kError;
     const bool isHeader = pos.size() == 2;
     std::string target, kind = "disc";
     if (!isHeader) {
@@ -41,6 +38,10 @@ int RunDescribe(Context& ctx) {
         // Which section holds the path says what it is; a path in neither
         // would change nothing, so it is refused rather than "stored".
         CatalogueReader reader(catalogue);
+        if (!reader.IsOpen()) {
+            *ctx.err << "cartulon-cli: " << FailureText(reader.OpenFailure(), ctx.language) << "\n";
+            return kError;
+        }
         std::string line;
         kind.clear();
         while (kind.empty() && reader.NextFolderLine(line))
@@ -54,10 +55,9 @@ int RunDescribe(Context& ctx) {
         }
     }
     const std::string text = NormaliseDescription(pos.back());
-    std::string error;
-    if (!DescriptionRewrite(SystemFileOps(), ctx.programFolder, ctx.dataFolder, label, isHeader,
-                            target, text, &error)) {
-        *ctx.err << "cartulon-cli: " << error << "\n";
+    if (const Failure failure =
+            DescriptionRewrite(SystemFileOps(), ctx.dataFolder, label, isHeader, target, text)) {
+        *ctx.err << "cartulon-cli: " << FailureText(failure, ctx.language) << "\n";
         return kError;
     }
     *ctx.out << kind << " " << (isHeader ? label : label + "\\" + target) << ": " << text << "\n";

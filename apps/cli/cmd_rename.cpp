@@ -22,10 +22,8 @@ int RunRename(Context& ctx) {
     WalkList folders, files;
     WalkFolder(ctx.dataFolder, folders, files);
     const std::vector<std::string> labels = LabelsOf(files);
-    if (!SystemFileOps().Exists(CataloguePath(ctx.dataFolder, oldLabel))) {
-        *ctx.err << "cartulon-cli: no disc '" << oldLabel << "' in " << ctx.dataFolder << "\n";
-        return kError;
-    }
+    std::string catalogue;
+    if (!CatalogueOfLabel(ctx, oldLabel, catalogue)) return kError;
     const RenameOutcome outcome = RenameDisc(SystemFileOps(), ctx.dataFolder, oldLabel, pos[1], labels);
     switch (outcome.result) {
     case RenameResult::Renamed:
@@ -44,7 +42,7 @@ int RunRename(Context& ctx) {
     case RenameResult::Failed:
         break;
     }
-    *ctx.err << "cartulon-cli: " << outcome.error << "\n";
+    *ctx.err << "cartulon-cli: " << FailureText(outcome.failure, ctx.language) << "\n";
     return kError;
 }
 

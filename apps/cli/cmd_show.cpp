@@ -6,6 +6,7 @@
 
 #include "cli.h"
 #include "core/catalogue.h"
+#include "core/failure.h"
 #include "core/fixed.h"
 #include "core/text.h"
 
@@ -31,12 +32,9 @@ int RunShow(Context& ctx) {
         *ctx.err << "usage: cartulon-cli show LABEL [FOLDER] [--data-folder DIR]\n";
         return kError;
     }
-    const std::string path = CataloguePath(ctx.dataFolder, pos[0]);
+    std::string path;
+    if (!CatalogueOfLabel(ctx, pos[0], path)) return kError;
     const CatalogueCounts counts = CountCatalogue(path);
-    if (!counts.opened) {
-        *ctx.err << "cartulon-cli: no disc '" << pos[0] << "' in " << ctx.dataFolder << "\n";
-        return kError;
-    }
     std::ostream& out = *ctx.out;
     if (pos.size() == 1) {
         const DiscHeader h = SplitHeader(counts.headerLine);

@@ -2,6 +2,7 @@
 #include <iostream>
 
 #include "cli.h"
+#include "core/fileops.h"
 #include "core/settings.h"
 #include "platform/system.h"
 
@@ -118,5 +119,9 @@ int main(int argc, char** argv) {
                                      : loaded.settings.DataFolder;
     ctx.dataFolder = ctx.args.Get("--data-folder", ctx.dataFolder);
     while (ctx.dataFolder.size() > 1 && ctx.dataFolder.back() == '/') ctx.dataFolder.pop_back();
+    // What a crashed writer left behind; a scratch file another program is
+    // writing right now stays.
+    ct::CleanScratchFiles(ct::SystemFileOps(), {ctx.programFolder, ct::DefaultDataFolder(ctx.programFolder),
+                                                ctx.dataFolder});
     return it->run(ctx);
 }

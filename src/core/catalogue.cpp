@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <charconv>
 #include <cstring>
+#include <filesystem>
+#include <system_error>
 
 #include "core/text.h"
 
@@ -107,7 +109,9 @@ std::string WithDescription(std::string_view line, std::string_view text) {
 
 LineReader::LineReader(const std::string& path, std::size_t blockSize)
     : block_(blockSize == 0 ? 1 : blockSize) {
-    file_ = std::fopen(path.c_str(), "rb");
+    // Never blocks, and takes nothing but a regular file (a FIFO named
+    // "*.idx" would hang the reader forever).
+    file_ = OpenForReading(path, &openFailure_);
     // We read in blocks of our own; a second buffer in stdio would only copy.
     if (file_) std::setvbuf(file_, nullptr, _IONBF, 0);
 }
@@ -342,8 +346,16 @@ bool LabelOfCatalogueName(std::string_view name, std::string& label) {
 std::vector<std::string> LabelsOf(const WalkList& files) {
     std::vector<std::string> labels;
     std::string label;
-    for (const WalkRecord& f : files)
-        if (LabelOfCatalogueName(f.Name, label)) labels.push_back(label);
+    for (const WalkRecord& f : files) {
+        if (!LabelOfCatalogueName(f.Name, label)) continue;
+        // A FIFO, a socket, a device or a link to one is no catalogue: it
+        // would only hang whoever opened it. (stat follows a link without
+        // opening anything.)
+        std::error_code ec;
+        const auto status = std::filesystem::status(f.Name, ec);
+        if (!ec && std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) continue;
+        labels.push_back(label);
+    }
     return labels;
 }
 

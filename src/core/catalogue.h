@@ -78,6 +78,8 @@ public:
     LineReader& operator=(const LineReader&) = delete;
 
     bool IsOpen() const { return file_ != nullptr; }
+    // Why it isn't open (NotFound, NotACatalogue, Unreadable).
+    const Failure& OpenFailure() const { return openFailure_; }
     // The next line as raw bytes (valid until the next call). False at the end.
     bool NextRaw(std::string_view& line);
     // The next line decoded to UTF-8. False at the end.
@@ -87,6 +89,7 @@ public:
 private:
     bool Fill();
     std::FILE* file_ = nullptr;
+    Failure openFailure_;
     std::string buf_;
     std::size_t pos_ = 0, end_ = 0;
     bool eof_ = false;
@@ -101,6 +104,7 @@ class CatalogueReader {
 public:
     explicit CatalogueReader(const std::string& path);
     bool IsOpen() const { return lines_.IsOpen(); }
+    const Failure& OpenFailure() const { return lines_.OpenFailure(); }
     // Line 1 (empty when the file is empty). Reads it if not read yet.
     const std::string& HeaderLine();
     // The folder lines, one per call, up to the first empty line behind line 2

@@ -9,6 +9,7 @@
 #include <system_error>
 
 #include "core/catalogue.h"
+#include "core/failure.h"
 #include "core/text.h"
 #include "core/textrules.h"
 
@@ -18,21 +19,26 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::string_view kProgramScratchName = ".temp.idx.part";
-constexpr std::string_view kScratchEnd = ".idx.part";
 constexpr std::size_t kBlock = 1 << 20;
-
-bool EndsWith(std::string_view text, std::string_view end) {
-    return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
-}
 
 bool HasHighByte(std::string_view bytes) {
     return std::any_of(bytes.begin(), bytes.end(),
                        [](char c) { return static_cast<unsigned char>(c) >= 0x80; });
 }
 
-void SetError(std::string* error, std::string text) {
-    if (error) *error = std::move(text);
+// Windows-1252 of a UTF-8 text, '?' for each character 1252 lacks, as a
+// Windows program writing ANSI text does.
+std::string ToCp1252Lossy(std::string_view utf8) {
+    std::string out, one;
+    for (std::size_t i = 0; i < utf8.size();) {
+        const unsigned char lead = static_cast<unsigned char>(utf8[i]);
+        std::size_t len = lead < 0x80 ? 1 : lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : lead >= 0xC0 ? 2 : 1;
+        len = std::min(len, utf8.size() - i);
+        one.clear();
+        out += Utf8ToCp1252(utf8.substr(i, len), one) && one.size() == 1 ? one : std::string("?");
+        i += len;
+    }
+    return out;
 }
 
 // Copies a catalogue line by line into `out`, changing at most one line. Once
@@ -71,13 +77,19 @@ private:
     bool Lines(bool atEnd) {
         std::size_t start = 0;
         while (!done_) {
-            const std::size_t eol = pending_.find_first_of("\r\n", start);
-            if (eol == std::string::npos) break;
+            // Bytes already searched aren't searched again, so one line of
+            // any length costs one pass.
+            const std::size_t eol = pending_.find_first_of("\r\n", std::max(start, scanned_));
+            if (eol == std::string::npos) {
+                scanned_ = pending_.size();
+                break;
+            }
             std::size_t next = eol + 1;
             if (pending_[eol] == '\r') {
                 if (next < pending_.size()) {
                     if (pending_[next] == '\n') ++next;
                 } else if (!atEnd) {
+                    scanned_ = eol;
                     break;  // its LF may open the next block
                 }
             }
@@ -90,6 +102,7 @@ private:
             return ok;
         }
         pending_.erase(0, start);
+        scanned_ = scanned_ > start ? scanned_ - start : 0;
         return true;
     }
 
@@ -102,7 +115,10 @@ private:
         const bool hit = isHeader_ ? lineNo_ == 1 : Matches(body);
         if (!hit) return Emit(raw);
         done_ = true;
-        const std::string changed = WithDescription(DecodeLine(body), text_);
+        // Everything up to the last '|' keeps its bytes; the new text takes
+        // the line's own encoding, so a Windows reader still finds the file.
+        const std::string changed =
+            WithDescription(body, IsValidUtf8(body) ? text_ : ToCp1252Lossy(text_));
         return Emit(changed) && Emit(lineEnd);
     }
 
@@ -129,6 +145,7 @@ private:
     std::string target_, text_;
     OutFile& out_;
     std::string pending_, buffer_;
+    std::size_t scanned_ = 0;  // pending_ holds no line end before this
     std::size_t lineNo_ = 0;
     bool done_ = false;
 };
@@ -149,72 +166,46 @@ bool TargetFromHit(std::string_view hitText, std::string& label, std::string& ta
     return true;
 }
 
-std::string RewriteScratchPath(FileOps& ops, const std::string& programFolder,
-                               const std::string& dataFolder, const std::string& label) {
-    const std::string programData = programFolder + "/Daten";
-    if (ops.SameFileSystem(programData, dataFolder))
-        return programData + "/" + std::string(kProgramScratchName);
-    return dataFolder + "/." + label + std::string(kScratchEnd);
+Failure ResolveLabel(const std::string& dataFolder, const std::string& label, std::string& cataloguePath) {
+    const bool control = std::any_of(label.begin(), label.end(),
+                                     [](char c) { return static_cast<unsigned char>(c) < 0x20; });
+    if (label == "." || label == ".." || control || CleanLabel(label) != label)
+        return Fail(FailCode::BadLabel, label);
+    const std::string path = CataloguePath(dataFolder, label);
+    Failure failure;
+    std::FILE* file = OpenForReading(path, &failure);
+    if (!file) return failure.code == FailCode::NotFound ? Fail(FailCode::NoDisc, label) : failure;
+    std::fclose(file);
+    cataloguePath = path;
+    return {};
 }
 
-int CleanScratchFiles(FileOps& ops, const std::string& programFolder, const std::string& dataFolder) {
-    int removed = 0;
-    const std::string programScratch = programFolder + "/Daten/" + std::string(kProgramScratchName);
-    if (ops.Exists(programScratch) && ops.Remove(programScratch, nullptr)) ++removed;
-
-    std::error_code ec;
-    std::vector<std::string> leftovers;
-    for (fs::directory_iterator it(dataFolder, ec), end; !ec && it != end; it.increment(ec)) {
-        const std::string name = it->path().filename().string();
-        if (name.size() > 1 + kScratchEnd.size() && name.front() == '.' && EndsWith(name, kScratchEnd))
-            leftovers.push_back(dataFolder + "/" + name);
-    }
-    for (const std::string& path : leftovers)
-        if (ops.Remove(path, nullptr)) ++removed;
-    return removed;
-}
-
-bool DescriptionRewrite(FileOps& ops, const std::string& programFolder,
-                        const std::string& dataFolder, const std::string& label, bool isHeader,
-                        const std::string& targetPath, const std::string& newText,
-                        std::string* error) {
+Failure DescriptionRewrite(FileOps& ops, const std::string& dataFolder, const std::string& label,
+                           bool isHeader, const std::string& targetPath, const std::string& newText) {
     const std::string catalogue = CataloguePath(dataFolder, label);
-    const std::string unchanged = "; the catalogue " + catalogue + " is unchanged";
+    if (newText.find_first_of("\r\n") != std::string::npos) return Fail(FailCode::BadText, catalogue);
 
-    if (newText.find_first_of("\r\n") != std::string::npos) {
-        SetError(error, "A description can't hold a line break" + unchanged);
-        return false;
-    }
+    // Held from reading the old file until the new one stands in its place,
+    // so a second writer's edit is never built on a file about to vanish.
+    Failure failure;
+    const std::unique_ptr<WriteLock> lock = ops.Lock(catalogue, &failure);
+    if (!lock) return failure;
     std::error_code ec;
     const fs::file_status status = fs::status(catalogue, ec);
-    if (ec || !fs::is_regular_file(status)) {
-        SetError(error, "The catalogue " + catalogue + " doesn't exist or isn't a file");
-        return false;
-    }
     const fs::perms writeBits = fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
-    if ((status.permissions() & writeBits) == fs::perms::none) {
-        SetError(error, "The catalogue " + catalogue + " is read-only" + unchanged);
-        return false;
-    }
+    if (!ec && (status.permissions() & writeBits) == fs::perms::none)
+        return Fail(FailCode::ReadOnly, catalogue, EACCES);
 
-    std::unique_ptr<std::FILE, int (*)(std::FILE*)> in(std::fopen(catalogue.c_str(), "rb"), &std::fclose);
-    if (!in) {
-        SetError(error, "The catalogue " + catalogue + " can't be read: " + std::strerror(errno));
-        return false;
-    }
+    std::unique_ptr<std::FILE, int (*)(std::FILE*)> in(OpenForReading(catalogue, &failure), &std::fclose);
+    if (!in) return failure;
 
-    const std::string scratch = RewriteScratchPath(ops, programFolder, dataFolder, label);
-    std::string why;
-    std::unique_ptr<OutFile> out = ops.Create(scratch, &why);
-    if (!out) {
-        SetError(error, "The scratch file " + scratch + " can't be created: " + why + unchanged);
-        return false;
-    }
-    auto fail = [&](const std::string& what) {
+    std::string scratch;
+    std::unique_ptr<OutFile> out = ops.CreateScratch(FolderOf(catalogue), ".idx.part", scratch, &failure);
+    if (!out) return Fail(FailCode::CreateScratch, catalogue, failure.sysError);
+    auto fail = [&](FailCode code, int sysError) {
         out->Close();
         ops.Remove(scratch, nullptr);
-        SetError(error, what + unchanged);
-        return false;
+        return Fail(code, catalogue, sysError);
     };
 
     Rewriter rewriter(isHeader, targetPath, newText, *out);
@@ -222,23 +213,20 @@ bool DescriptionRewrite(FileOps& ops, const std::string& programFolder,
     for (;;) {
         const std::size_t got = std::fread(block.data(), 1, block.size(), in.get());
         if (got > 0 && !rewriter.Feed(std::string_view(block.data(), got)))
-            return fail("Writing the scratch file " + scratch + " failed (is the disk full?)");
+            return fail(FailCode::WriteScratch, errno);
         if (got < block.size()) break;
     }
-    if (std::ferror(in.get()))
-        return fail("Reading the catalogue " + catalogue + " failed");
+    if (std::ferror(in.get())) return fail(FailCode::Unreadable, errno);
     in.reset();
-    if (!rewriter.Finish())
-        return fail("Writing the scratch file " + scratch + " failed (is the disk full?)");
-    if (!out->Sync()) return fail("The scratch file " + scratch + " couldn't be flushed to disk");
-    if (!out->Close()) return fail("The scratch file " + scratch + " couldn't be closed");
+    if (!rewriter.Finish() || !out->Sync()) return fail(FailCode::WriteScratch, errno);
+    if (!out->Close()) return fail(FailCode::WriteScratch, errno);
 
     // The new catalogue takes the old one's permissions, so a rewrite doesn't
     // change who may read it.
     fs::permissions(scratch, status.permissions(), ec);
-    if (!ops.Rename(scratch, catalogue, &why))
-        return fail("The new catalogue couldn't take the old one's place: " + why);
-    return true;
+    std::string why;
+    if (!ops.Rename(scratch, catalogue, &why)) return fail(FailCode::Replace, errno);
+    return {};
 }
 
 RenameOutcome RenameDisc(FileOps& ops, const std::string& dataFolder, const std::string& oldLabel,
@@ -262,29 +250,32 @@ RenameOutcome RenameDisc(FileOps& ops, const std::string& dataFolder, const std:
         outcome.result = RenameResult::LabelInUse;
         return outcome;
     }
-    if (!ops.Exists(from)) {
+    const std::unique_ptr<WriteLock> lock = ops.Lock(from, &outcome.failure);
+    if (!lock) {
         outcome.result = RenameResult::Failed;
-        outcome.error = "The catalogue " + from + " doesn't exist any more";
         return outcome;
     }
-    std::string why;
-    if (!ops.Rename(from, to, &why)) {
-        outcome.result = RenameResult::Failed;
-        outcome.error = "The catalogue " + from + " couldn't be renamed to " + to + ": " + why +
-                        "; it keeps its old label";
+    outcome.failure = ops.RenameNew(from, to);
+    if (outcome.failure) {
+        // Another program took the name between the check and the rename.
+        outcome.result = outcome.failure.sysError == EEXIST ? RenameResult::LabelInUse : RenameResult::Failed;
+        if (outcome.result == RenameResult::LabelInUse) outcome.failure = {};
         return outcome;
     }
     outcome.result = RenameResult::Renamed;
     return outcome;
 }
 
-bool DeleteDisc(FileOps& ops, const std::string& dataFolder, const std::string& label,
-                std::string* error) {
+Failure DeleteDisc(FileOps& ops, const std::string& dataFolder, const std::string& label) {
     const std::string path = CataloguePath(dataFolder, label);
+    Failure failure;
+    // Not in the middle of another program's edit, whose rename would bring
+    // the catalogue back.
+    const std::unique_ptr<WriteLock> lock = ops.Lock(path, &failure);
+    if (!lock) return failure.code == FailCode::NotFound ? Failure{} : failure;
     std::string why;
-    if (ops.Remove(path, &why) || !ops.Exists(path)) return true;
-    SetError(error, "The catalogue " + path + " couldn't be deleted: " + why);
-    return false;
+    if (ops.Remove(path, &why) || !ops.Exists(path)) return {};
+    return Fail(FailCode::Remove, path, errno);
 }
 
 }  // namespace ct

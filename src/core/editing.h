@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/failure.h"
 #include "core/fileops.h"
 
 namespace ct {
@@ -23,35 +24,28 @@ namespace ct {
 bool TargetFromHit(std::string_view hitText, std::string& label, std::string& targetPath,
                    bool* isFolder = nullptr);
 
-// The scratch file a rewrite of `label` writes before it is swapped in: in the
-// program folder's "Daten" when that lies on the data folder's file system (a
-// rename there is one step), else beside the catalogue. Its name never ends in
-// ".idx", so no disc list shows it and a disc labelled "temp" is safe.
-std::string RewriteScratchPath(FileOps& ops, const std::string& programFolder,
-                               const std::string& dataFolder, const std::string& label);
-
-// Leftovers of a rewrite that was cut off (a crash between writing and
-// swapping in): they hold nothing the catalogue lacks, since the catalogue is
-// only ever replaced whole. Removes them from both places a scratch file can
-// lie; returns how many went.
-int CleanScratchFiles(FileOps& ops, const std::string& programFolder, const std::string& dataFolder);
+// The only way from a label typed outside the program (a terminal argument)
+// to a catalogue path. Refuses (BadLabel) "." and "..", and any label holding
+// a character the label rule removes ('/', '\\', ':' ...) or a control
+// character, so no argument can name a file outside the data folder; a label
+// without a readable catalogue gives NoDisc, NotACatalogue (a FIFO, a folder)
+// or Unreadable with the system's reason.
+Failure ResolveLabel(const std::string& dataFolder, const std::string& label, std::string& cataloguePath);
 
 // Stores `newText` as the description of one record of the catalogue of
 // `label`: the header (`isHeader`) or the line whose whole first field is
-// `targetPath`. That line keeps everything up to and including its last '|'
-// and gets `newText` behind it; a line in Windows-1252 is made UTF-8 first so
-// it stays one encoding. Every other byte of the file, line ends included,
-// stays as it is. A target that matches no line rewrites the file unchanged.
-// `newText` is taken as stored (already normalised) and must hold no line
-// break.
+// `targetPath`. That line keeps every byte up to and including its last '|'
+// and gets `newText` behind it in the line's own encoding: Windows-1252 when
+// the line is 1252 ('?' for a character 1252 lacks), else UTF-8. Every other
+// byte of the file, line ends included, stays as it is. A target that matches
+// no line rewrites the file unchanged. `newText` is taken as stored (already
+// normalised) and must hold no line break. Runs under the catalogue's write
+// lock, in time linear in the file's size whatever its lines' lengths.
 //
-// False when anything fails (catalogue missing or read-only, scratch folder
-// gone, disk full, any file step): then the catalogue is as it was, no scratch
-// file is left, and `error` says what failed.
-bool DescriptionRewrite(FileOps& ops, const std::string& programFolder,
-                        const std::string& dataFolder, const std::string& label, bool isHeader,
-                        const std::string& targetPath, const std::string& newText,
-                        std::string* error);
+// On failure (Busy, NotFound, NotACatalogue, ReadOnly, a scratch or rename
+// step) the catalogue is as it was and no scratch file is left.
+Failure DescriptionRewrite(FileOps& ops, const std::string& dataFolder, const std::string& label,
+                           bool isHeader, const std::string& targetPath, const std::string& newText);
 
 enum class RenameResult {
     Renamed,
@@ -64,7 +58,7 @@ enum class RenameResult {
 struct RenameOutcome {
     RenameResult result = RenameResult::EmptyLabel;
     std::string label;  // the new label after CleanLabel and trimming (what the box shows)
-    std::string error;  // for Failed
+    Failure failure;    // for Failed
 };
 
 // Gives the catalogue of `oldLabel` the label `newLabelRaw`, put through
@@ -73,10 +67,8 @@ struct RenameOutcome {
 RenameOutcome RenameDisc(FileOps& ops, const std::string& dataFolder, const std::string& oldLabel,
                          const std::string& newLabelRaw, const std::vector<std::string>& labels);
 
-// Deletes the catalogue of `label`. True when no catalogue of that label is
-// left (also when it had gone already); false with `error` while it still
-// stands.
-bool DeleteDisc(FileOps& ops, const std::string& dataFolder, const std::string& label,
-                std::string* error);
+// Deletes the catalogue of `label` under its write lock. No failure when no
+// catalogue of that label is left (also when it had gone already).
+Failure DeleteDisc(FileOps& ops, const std::string& dataFolder, const std::string& label);
 
 }  // namespace ct

@@ -32,6 +32,10 @@ constexpr Wording kWordings[] = {
     {FailCode::BadLabel, "„%1“ ist keine gültige Bezeichnung.", "\"%1\" is not a valid label."},
     {FailCode::NoDisc, "Es gibt keinen Datenträger „%1“.", "There is no disc \"%1\"."},
     {FailCode::Cancelled, "Abgebrochen; „%1“ ist unverändert.", "Cancelled; \"%1\" is unchanged."},
+    {FailCode::ReadOnly, "„%1“ ist schreibgeschützt und bleibt unverändert.",
+     "\"%1\" is read-only and stays unchanged."},
+    {FailCode::BadText, "Eine Beschreibung kann keinen Zeilenumbruch enthalten; „%1“ bleibt unverändert.",
+     "A description can't hold a line break; \"%1\" stays unchanged."},
 };
 
 // One pass, so that a file name holding "%2" stays as it is.

@@ -25,6 +25,8 @@ enum class FailCode {
     BadLabel,        // `path` is a label that would leave the data folder
     NoDisc,          // no disc is labelled `path`
     Cancelled,       // the user stopped it; nothing was written
+    ReadOnly,        // `path` may not be changed (no write permission)
+    BadText,         // the text for `path` holds a line break, which no line can keep
 };
 
 struct Failure {

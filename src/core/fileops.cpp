@@ -1,40 +1,136 @@
 #include "core/fileops.h"
 
+#include <atomic>
+#include <cerrno>
+#include <filesystem>
+#include <random>
+#include <system_error>
+
 namespace ct {
 
-bool WriteWholeFile(FileOps& ops, const std::string& path, std::string_view content,
-                    std::string* error) {
-    const std::string scratch = path + ".part";
-    std::string why;
-    std::unique_ptr<OutFile> out = ops.Create(scratch, &why);
-    if (!out) {
-        if (error)
-            *error = "cannot create \"" + scratch + "\"" + (why.empty() ? "" : ": " + why);
-        return false;
+namespace {
+
+std::string Join(const std::string& folder, std::string_view name) {
+    if (folder.empty()) return std::string(name);
+    std::string path = folder;
+    if (path.back() != '/') path += '/';
+    path += name;
+    return path;
+}
+
+// Without a platform opener the check comes before the open: it can't see a
+// file swapped in between, but it never opens a FIFO it has seen.
+std::FILE* StandardOpener(const std::string& path, Failure* failure) {
+    std::error_code ec;
+    const auto status = std::filesystem::status(path, ec);
+    if (ec || !std::filesystem::exists(status)) {
+        if (failure) *failure = Fail(FailCode::NotFound, path, ENOENT);
+        return nullptr;
     }
-    const char* failed = nullptr;
-    if (!out->Write(content))
-        failed = "writing";
-    else if (!out->Sync())
-        failed = "flushing to disk";
+    if (!std::filesystem::is_regular_file(status)) {
+        if (failure) *failure = Fail(FailCode::NotACatalogue, path);
+        return nullptr;
+    }
+    std::FILE* file = std::fopen(path.c_str(), "rb");
+    if (!file && failure) *failure = Fail(FailCode::Unreadable, path, errno);
+    return file;
+}
+
+std::atomic<ReadOpener> gOpener{&StandardOpener};
+
+bool EndsWith(std::string_view text, std::string_view end) {
+    return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
+}
+
+}  // namespace
+
+std::FILE* OpenForReading(const std::string& path, Failure* failure) {
+    return gOpener.load()(path, failure);
+}
+
+void SetReadOpener(ReadOpener opener) { gOpener.store(opener ? opener : &StandardOpener); }
+
+// The plain versions, for file systems in memory: a name that is free now, no
+// lock, and a check before the rename. The platform layer does each in one
+// step of the system.
+std::unique_ptr<OutFile> FileOps::CreateScratch(const std::string& folder, std::string_view ending,
+                                                std::string& path, Failure* failure) {
+    static std::atomic<unsigned> counter{0};
+    static const unsigned seed = std::random_device{}();
+    for (int attempt = 0; attempt < 100; ++attempt) {
+        path = Join(folder, ".ct-" + std::to_string((seed + counter++) % 1000000) + std::string(ending));
+        if (Exists(path)) continue;
+        std::string why;
+        if (auto out = Create(path, &why)) return out;
+        break;
+    }
+    if (failure) *failure = Fail(FailCode::CreateScratch, folder);
+    return nullptr;
+}
+
+std::unique_ptr<WriteLock> FileOps::Lock(const std::string& path, Failure* failure) {
+    if (Exists(path)) return std::make_unique<WriteLock>();
+    if (failure) *failure = Fail(FailCode::NotFound, path, ENOENT);
+    return nullptr;
+}
+
+Failure FileOps::RenameNew(const std::string& from, const std::string& to) {
+    if (Exists(to)) return Fail(FailCode::Rename, from, EEXIST, to);
+    std::string why;
+    if (!Rename(from, to, &why)) return Fail(FailCode::Rename, from, 0, to);
+    return {};
+}
+
+std::FILE* FileOps::OpenRead(const std::string& path, Failure* failure) {
+    return OpenForReading(path, failure);
+}
+
+bool FileOps::RemoveUnheld(const std::string& path) { return Remove(path, nullptr); }
+
+Failure WriteWholeFile(FileOps& ops, const std::string& path, std::string_view content) {
+    Failure failure;
+    // Only an existing file can be locked; a new one (a first CT.ini) has no
+    // older version that a second writer could lose.
+    std::unique_ptr<WriteLock> lock;
+    if (ops.Exists(path) && !(lock = ops.Lock(path, &failure)) && failure.code == FailCode::Busy)
+        return failure;
+    std::string scratch;
+    std::unique_ptr<OutFile> out = ops.CreateScratch(FolderOf(path), ".part", scratch, &failure);
+    if (!out) return Fail(FailCode::CreateScratch, path, failure.sysError);
+    std::string why;
+    const bool written = out->Write(content) && out->Sync();
+    const int code = errno;
     const bool closed = out->Close();
-    if (!failed && !closed) failed = "closing";
     out.reset();
-    if (failed) {
-        std::string ignored;
-        ops.Remove(scratch, &ignored);
-        if (error) *error = std::string(failed) + " \"" + scratch + "\" failed (disk full or no longer writable?)";
-        return false;
+    if (!written || !closed) {
+        ops.Remove(scratch, &why);
+        return Fail(FailCode::WriteScratch, path, written ? errno : code);
     }
     if (!ops.Rename(scratch, path, &why)) {
-        std::string ignored;
-        ops.Remove(scratch, &ignored);
-        if (error)
-            *error = "cannot put \"" + scratch + "\" in place of \"" + path + "\"" +
-                     (why.empty() ? "" : ": " + why);
-        return false;
+        const int renameCode = errno;
+        ops.Remove(scratch, &why);
+        return Fail(FailCode::Replace, path, renameCode);
     }
-    return true;
+    return {};
+}
+
+bool IsScratchName(std::string_view name) {
+    if (name == "CT.ini.part") return true;
+    if (name.size() > 4 && name.substr(0, 4) == ".ct-" && EndsWith(name, ".part")) return true;
+    return name.size() > 9 && EndsWith(name, ".idx.part");
+}
+
+int CleanScratchFiles(FileOps& ops, const std::vector<std::string>& folders) {
+    int removed = 0;
+    for (const std::string& folder : folders) {
+        std::error_code ec;
+        std::vector<std::string> found;
+        for (std::filesystem::directory_iterator it(folder, ec), end; !ec && it != end; it.increment(ec))
+            if (IsScratchName(it->path().filename().string())) found.push_back(it->path().string());
+        for (const std::string& path : found)
+            if (ops.RemoveUnheld(path)) ++removed;
+    }
+    return removed;
 }
 
 std::string FolderOf(const std::string& path) {

@@ -4,9 +4,13 @@
 // (with fsync and rename) lives in the platform layer.
 #pragma once
 
+#include <cstdio>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
+
+#include "core/failure.h"
 
 namespace ct {
 
@@ -17,6 +21,17 @@ public:
     virtual bool Sync() = 0;   // flushes to the disk, not only to the kernel
     virtual bool Close() = 0;  // closing twice is harmless
 };
+
+// The writers' lock of one file, held until destroyed.
+class WriteLock {
+public:
+    virtual ~WriteLock() = default;
+};
+
+// How long a writer waits for another program's lock before it gives up with
+// FailCode::Busy: long enough for any description rewrite, short enough that
+// nobody wonders whether the program hangs.
+constexpr int kLockWaitMs = 2000;
 
 class FileOps {
 public:
@@ -33,18 +48,56 @@ public:
     // Whether two folders lie on the same file system, so a rename between
     // them can't fail for that reason.
     virtual bool SameFileSystem(const std::string& folderA, const std::string& folderB) = 0;
+
+    // A new empty scratch file in `folder` under a short hidden name of its
+    // own (".ct-XXXXXX" + `ending`), so two writers never share one and a
+    // label that fits as "<label>.idx" never makes it too long. The file is
+    // held for as long as it is open, so that the clean-up at start leaves
+    // it alone. `path` receives its name.
+    virtual std::unique_ptr<OutFile> CreateScratch(const std::string& folder, std::string_view ending,
+                                                   std::string& path, Failure* failure);
+    // Serialises the writers of the existing file `path`, from reading it to
+    // putting its new version in place: waits up to kLockWaitMs for another
+    // program, then fails with Busy. The lock is always on the file standing
+    // under `path` when it is granted (one replaced meanwhile is locked
+    // anew). NotFound when nothing stands there, NotACatalogue for anything
+    // but a regular file.
+    virtual std::unique_ptr<WriteLock> Lock(const std::string& path, Failure* failure);
+    // Rename that never replaces: fails when `to` exists, even if another
+    // program creates it a moment before.
+    virtual Failure RenameNew(const std::string& from, const std::string& to);
+    // Reads back a file this program wrote (OpenForReading on a real disk).
+    virtual std::FILE* OpenRead(const std::string& path, Failure* failure);
+    // Deletes the scratch file `path` unless a live writer holds it.
+    virtual bool RemoveUnheld(const std::string& path);
 };
+
+// Opens a catalogue (or any file the program reads) without ever blocking:
+// a FIFO, a device, a socket or a folder is refused as NotACatalogue; what
+// can't be opened is NotFound or Unreadable with the system's reason. The
+// standard library alone can only check before it opens; the platform layer
+// installs an opener that checks the opened file itself.
+std::FILE* OpenForReading(const std::string& path, Failure* failure = nullptr);
+using ReadOpener = std::FILE* (*)(const std::string& path, Failure* failure);
+void SetReadOpener(ReadOpener opener);
 
 // The real file system. Defined in the platform layer.
 FileOps& SystemFileOps();
 
 // Writes `content` under `path` so that at every moment either the old file or
-// the complete new one stands there: a scratch file beside it whose name ends
-// in ".part" (so no disc list ever shows it), written, synced, closed, then
-// renamed over `path`. On failure the scratch file is removed, `path` is as it
-// was, and `error` says what failed.
-bool WriteWholeFile(FileOps& ops, const std::string& path, std::string_view content,
-                    std::string* error);
+// the complete new one stands there: a scratch file of its own beside it
+// (CreateScratch), written, synced, closed, then renamed over `path` under
+// the lock of `path` when it exists. On failure the scratch file is removed
+// and `path` is as it was.
+Failure WriteWholeFile(FileOps& ops, const std::string& path, std::string_view content);
+
+// The scratch file names of this program: ".ct-*.part" and anything ending in
+// ".idx.part", and "CT.ini.part" of older versions.
+bool IsScratchName(std::string_view name);
+
+// Removes every scratch file in `folders` that no live writer holds; returns
+// how many went. Run at each start of the program and of the terminal tool.
+int CleanScratchFiles(FileOps& ops, const std::vector<std::string>& folders);
 
 // Folder part of a '/'-joined path ("" for a bare name), and the last part.
 std::string FolderOf(const std::string& path);

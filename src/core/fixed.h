@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <string>
 #include <string_view>
 
@@ -17,8 +18,16 @@ struct Fixed {
 
     friend constexpr bool operator==(Fixed a, Fixed b) { return a.raw == b.raw; }
     friend constexpr auto operator<=>(Fixed a, Fixed b) { return a.raw <=> b.raw; }
-    friend constexpr Fixed operator+(Fixed a, Fixed b) { return Fixed{a.raw + b.raw}; }
-    Fixed& operator+=(Fixed b) { raw += b.raw; return *this; }
+    // Sums saturate at the ends of the range instead of wrapping, so a
+    // total of huge parts never turns negative.
+    friend constexpr Fixed operator+(Fixed a, Fixed b) {
+        constexpr std::int64_t kMax = std::numeric_limits<std::int64_t>::max();
+        constexpr std::int64_t kMin = std::numeric_limits<std::int64_t>::min();
+        if (b.raw > 0 && a.raw > kMax - b.raw) return Fixed{kMax};
+        if (b.raw < 0 && a.raw < kMin - b.raw) return Fixed{kMin};
+        return Fixed{a.raw + b.raw};
+    }
+    Fixed& operator+=(Fixed b) { return *this = *this + b; }
 };
 
 // The leading decimal number of `text`: optional blanks, an optional sign,

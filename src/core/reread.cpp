@@ -1,12 +1,17 @@
 #include "core/reread.h"
 
 #include <cctype>
+#include <cerrno>
 
 namespace ct {
 
 namespace {
 
 constexpr std::string_view kSuffix = ".idx.reread";
+// For a label so long that the usual name won't fit where "<label>.idx" does
+// (255 bytes a name): "." + label + ".rr" is exactly as long.
+constexpr std::string_view kShortSuffix = ".rr";
+constexpr std::size_t kNameMax = 255;
 
 std::string Join(const std::string& folder, const std::string& name) {
     if (folder.empty()) return name;
@@ -17,18 +22,26 @@ std::string Join(const std::string& folder, const std::string& name) {
 }  // namespace
 
 std::string SetAsideName(const std::string& label, int number) {
-    std::string name = "." + label + std::string(kSuffix);
-    if (number > 1) name += std::to_string(number);
+    const std::string number_ = number > 1 ? std::to_string(number) : std::string();
+    std::string name = "." + label + std::string(kSuffix) + number_;
+    if (name.size() > kNameMax) name = "." + label + std::string(kShortSuffix) + number_;
     return name;
 }
 
 bool IsSetAsideName(const std::string& name, std::string* label) {
     std::string_view rest(name);
     while (!rest.empty() && std::isdigit(static_cast<unsigned char>(rest.back()))) rest.remove_suffix(1);
-    if (rest.size() < 1 + kSuffix.size() || rest.front() != '.' || !rest.ends_with(kSuffix))
-        return false;
-    if (label) *label = std::string(rest.substr(1, rest.size() - 1 - kSuffix.size()));
-    return true;
+    if (rest.size() >= 1 + kSuffix.size() && rest.front() == '.' && rest.ends_with(kSuffix)) {
+        if (label) *label = std::string(rest.substr(1, rest.size() - 1 - kSuffix.size()));
+        return true;
+    }
+    // The short form only where the long one couldn't have been used.
+    if (!rest.empty() && rest.front() == '.' && rest.ends_with(kShortSuffix) &&
+        name.size() - kShortSuffix.size() + kSuffix.size() > kNameMax) {
+        if (label) *label = std::string(rest.substr(1, rest.size() - 1 - kShortSuffix.size()));
+        return true;
+    }
+    return false;
 }
 
 bool SetAside(FileOps& ops, const std::string& dataFolder, const std::string& label,
@@ -45,9 +58,11 @@ bool SetAside(FileOps& ops, const std::string& dataFolder, const std::string& la
         path = Join(dataFolder, SetAsideName(label, number));
         if (!ops.Exists(path)) break;
     }
-    std::string why;
-    if (!ops.Rename(home, path, &why)) {
-        if (error) *error = why;
+    // Not in the middle of another program's edit of it.
+    Failure failure;
+    const std::unique_ptr<WriteLock> lock = ops.Lock(home, &failure);
+    if (!lock || (failure = ops.RenameNew(home, path))) {
+        if (error) *error = FailureText(failure, 0);
         return false;
     }
     out = SetAsideFile{path, home, label};
@@ -58,9 +73,11 @@ RestoreResult Restore(DiscSource& source, FileOps& ops, const std::string& dataF
                       const SetAsideFile& file, std::string* error) {
     if (ops.Exists(file.home) || LabelInUse(source, dataFolder, file.label))
         return RestoreResult::LabelTaken;
-    std::string why;
-    if (!ops.Rename(file.path, file.home, &why)) {
-        if (error) *error = why;
+    // Never over a catalogue that appeared under the label just now.
+    const Failure failure = ops.RenameNew(file.path, file.home);
+    if (failure.sysError == EEXIST) return RestoreResult::LabelTaken;
+    if (failure) {
+        if (error) *error = FailureText(failure, 0);
         return RestoreResult::Failed;
     }
     return RestoreResult::Restored;

@@ -71,7 +71,9 @@ bool SaveSettings(FileOps& ops, const std::string& programFolder, const Settings
                   std::string* error) {
     const std::string content = std::to_string(settings.Language) + "\r\n" + settings.DriveLetter +
                                 "\r\n" + settings.DataFolder + "\r\n";
-    return WriteWholeFile(ops, IniPath(programFolder), content, error);
+    const Failure failure = WriteWholeFile(ops, IniPath(programFolder), content);
+    if (failure && error) *error = FailureText(failure, settings.Language);
+    return !failure;
 }
 
 }  // namespace ct

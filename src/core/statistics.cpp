@@ -135,7 +135,7 @@ CatalogueCounter::CatalogueCounter(std::size_t blockSize) : buffer_(std::max<std
 
 CatalogueCounts CatalogueCounter::Count(const std::string& path) {
     CatalogueCounts counts;
-    std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"), &std::fclose);
+    std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(OpenForReading(path), &std::fclose);
     if (!file) return counts;
     counts.opened = true;
     std::setvbuf(file.get(), nullptr, _IONBF, 0);  // our own blocks; a stdio buffer would only copy

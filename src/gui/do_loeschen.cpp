@@ -24,8 +24,9 @@ void DoLoeschen() {
         return;
     }
     const QString label = main->lstDaten->List(chosen);
-    std::string error;
-    if (!DeleteDisc(seams::Files(), Start::DataFolder, label.toStdString(), &error)) {
+    const std::string error = FailureText(DeleteDisc(seams::Files(), Start::DataFolder, label.toStdString()),
+                                          Start::Language);
+    if (!error.empty()) {
         // The entry stays while its catalogue does, chosen as before.
         Normal();
         const QString head = Start::Language == 0 ? QStringLiteral("Die CD / DVD wurde nicht gelöscht.")

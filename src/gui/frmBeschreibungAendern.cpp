@@ -149,10 +149,12 @@ void frmBeschreibungÄndern::cmdÄndern_Click() {
 
     const DescriptionTarget target = CurrentDescriptionTarget();
     std::string error = target.ok ? std::string() : "Nothing is chosen whose description could change.";
-    const bool stored =
-        target.ok && DescriptionRewrite(seams::Files(), ProgramFolder(), Start::DataFolder, target.label,
-                                        target.isHeader, target.path, S(text), &error);
-    if (!stored) {
+    if (target.ok) {
+        const Failure failure = DescriptionRewrite(seams::Files(), Start::DataFolder, target.label,
+                                                   target.isHeader, target.path, S(text));
+        error = FailureText(failure, Start::Language);
+    }
+    if (!error.empty()) {
         // The caller's box keeps the text the catalogue holds, and the dialog
         // stays open with the new one, so nothing typed is lost.
         const QString head = Start::Language == 0 ? QStringLiteral("Die Beschreibung wurde nicht gespeichert.")

@@ -81,7 +81,7 @@ void frmBezeichnungÄndern::cmdÄndern_Click() {
     case RenameResult::Failed: {
         const QString head = Start::Language == 0 ? QStringLiteral("Die Bezeichnung wurde nicht geändert.")
                                                   : QStringLiteral("The label was not changed.");
-        seams::MessageBox(this, windowTitle(), head + "\n\n" + QString::fromStdString(outcome.error),
+        seams::MessageBox(this, windowTitle(), head + "\n\n" + QString::fromStdString(FailureText(outcome.failure, Start::Language)),
                           QMessageBox::Ok, QMessageBox::Ok, QMessageBox::Warning);
         return;
     }

@@ -272,9 +272,10 @@ void frmHaupt::Form_Load() {
     Sprache_Setzen();
     // What a crash may have left behind: a catalogue set aside for a re-read
     // comes back under its label, and the scratch copy of a description
-    // rewrite (never more than the catalogue already holds) goes.
+    // rewrite (never more than the catalogue already holds) goes, unless a
+    // program still writes it.
     RestoreSetAsideCatalogues();
-    CleanScratchFiles(seams::Files(), folder, Start::DataFolder);
+    CleanScratchFiles(seams::Files(), {folder, folder + "/Daten", Start::DataFolder});
     Aktualisieren();
     const QSize desktop = seams::DesktopSize();
     if (desktop.width() >= 1024 && desktop.height() >= 768) {

@@ -4,6 +4,7 @@
 #include <QComboBox>
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QFileInfo>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
@@ -134,10 +135,20 @@ void frmHinzufügen::Form_Load() {
     cmdAbbrechen->setText(ResourceText(10004));
 
     FillDrives();
-    // The last drive used, if the list still holds it; a value it doesn't
-    // hold ("C" of a fresh installation, a disc since removed) leaves the list
-    // on its first entry, silently.
-    SetDrive(QString::fromStdString(Start::DriveLetter));
+    // The last drive used, if the list still holds it. A folder picked with
+    // "…" comes back as an entry of its own while it exists; a value that is
+    // neither ("C" of a fresh installation, a disc since removed) leaves the
+    // list on its first entry, silently.
+    const QString last = QString::fromStdString(Start::DriveLetter);
+    if (!SetDrive(last) && last.startsWith(QLatin1Char('/')) && QFileInfo(last).isDir()) {
+        const int entry = DriveLaufwerk->count() - 1;  // just above "…"
+        const QSignalBlocker quiet(DriveLaufwerk);
+        DriveLaufwerk->insertItem(entry, last, last);
+        DriveLaufwerk->setItemData(entry, last, Qt::ToolTipRole);
+        DriveLaufwerk->setCurrentIndex(0);
+        currentDrive_ = Drive();
+        SetDrive(last);
+    }
 }
 
 void frmHinzufügen::FillDrives() {
@@ -198,8 +209,9 @@ void frmHinzufügen::ShowProgress(std::size_t entries) {
     const QString count = QString::number(static_cast<qulonglong>(entries));
     lblFortschritt->setText(Start::Language == 10000 ? count + QStringLiteral(" entries found")
                                                      : count + QStringLiteral(" Einträge gefunden"));
-    // Paint the count; a click or key waits until the disc is read.
-    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+    // Paint the count and take clicks: the cancel button and the close box
+    // stop the read (the other controls are off while it runs).
+    QCoreApplication::processEvents();
 }
 
 void frmHinzufügen::cmdHinzufügen_Click() {
@@ -232,10 +244,32 @@ void frmHinzufügen::cmdHinzufügen_Click() {
         ShowProgress(entries);
     };
 
+    request.cancelled = [this, &sinceShown] {
+        // A walk without many entries still looks at clicks now and then.
+        if (!sinceShown.isValid() || sinceShown.elapsed() >= 100) {
+            sinceShown.start();
+            QCoreApplication::processEvents();
+        }
+        return cancelRequested_;
+    };
     reading_ = true;
+    cancelRequested_ = false;
+    for (QWidget* control : {static_cast<QWidget*>(DriveLaufwerk), static_cast<QWidget*>(txtBezeichnung),
+                             static_cast<QWidget*>(txtBeschreibung), static_cast<QWidget*>(cmdHinzufügen)})
+        control->setEnabled(false);
     const AddOutcome outcome = AddDisc(request, AddDiscSource(), seams::Files());
+    for (QWidget* control : {static_cast<QWidget*>(DriveLaufwerk), static_cast<QWidget*>(txtBezeichnung),
+                             static_cast<QWidget*>(txtBeschreibung), static_cast<QWidget*>(cmdHinzufügen)})
+        control->setEnabled(true);
     reading_ = false;
     lblFortschritt->clear();
+    if (outcome.result == AddResult::Cancelled) {
+        // Nothing was written; a re-read puts the old catalogue back as the
+        // dialog closes.
+        Normal();
+        reject();
+        return;
+    }
 
     if (outcome.result == AddResult::EmptyLabel) {
         HilfeZeigen(ResourceText(10099));
@@ -255,26 +289,43 @@ void frmHinzufügen::cmdHinzufügen_Click() {
         Normal();
         seams::MessageBox(this, windowTitle(),
                           QStringLiteral("Der Katalog konnte nicht geschrieben werden: ") +
-                              QString::fromStdString(outcome.error),
+                              QString::fromStdString(FailureText(outcome.failure, Start::Language)),
                           QMessageBox::Ok, QMessageBox::Ok, QMessageBox::Warning);
         return;
     case AddResult::Added:
     case AddResult::EmptyLabel:
+    case AddResult::Cancelled:
         break;
     }
 
     ++addedCount_;
     Start::DriveLetter = Drive().toStdString();
     if (frmHaupt* haupt = MainWindow()) haupt->INI_Speichern();
-    seams::MessageBox(this, QStringLiteral("Fertig!"), ResourceText(10092), QMessageBox::Ok);
+    // What couldn't be read is missing from the catalogue: the user hears so.
+    QString report = ResourceText(10092);
+    if (outcome.unreadable > 0) {
+        const QString n = QString::number(static_cast<qulonglong>(outcome.unreadable));
+        report += Start::Language == 10000
+                      ? QStringLiteral("\n\n") + n + QStringLiteral(" folders or entries couldn't be read and are missing from the catalogue.")
+                      : QStringLiteral("\n\n") + n + QStringLiteral(" Ordner oder Einträge konnten nicht gelesen werden und fehlen im Katalog.");
+    }
+    seams::MessageBox(this, QStringLiteral("Fertig!"), report, QMessageBox::Ok);
     Normal();
 }
 
-void frmHinzufügen::cmdAbbrechen_Click() { reject(); }
+void frmHinzufügen::cmdAbbrechen_Click() {
+    if (reading_) {
+        cancelRequested_ = true;  // the read stops at its next look, then the dialog closes
+        return;
+    }
+    reject();
+}
 
 void frmHinzufügen::closeEvent(QCloseEvent* event) {
-    // The window system's close box while a disc is read: the read finishes first.
+    // The window system's close box while a disc is read stops the read;
+    // the dialog closes once it has stopped.
     if (reading_) {
+        cancelRequested_ = true;
         event->ignore();
         return;
     }
@@ -282,7 +333,10 @@ void frmHinzufügen::closeEvent(QCloseEvent* event) {
 }
 
 void frmHinzufügen::done(int result) {
-    if (reading_) return;
+    if (reading_) {
+        cancelRequested_ = true;  // Escape during a read: stop it, close after
+        return;
+    }
     QDialog::done(result);
     if (BeforeRefresh) BeforeRefresh(*this);
     if (frmHaupt* haupt = MainWindow()) {

@@ -73,6 +73,7 @@ private:
     QString currentDrive_;  // the value the last change event saw
     int addedCount_ = 0;
     bool reading_ = false;  // a disc is being read: closing waits
+    bool cancelRequested_ = false;  // cancel or the close box during a read
 };
 
 DiscSource& AddDiscSource();

@@ -1,11 +1,18 @@
 // The real file operations: plain POSIX calls, each failure turned into a text
 // that names the file and the system's reason.
 #include <fcntl.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <ctime>
+
 #include <cerrno>
+#include <chrono>
 #include <cstring>
+#include <thread>
 
 #include "core/fileops.h"
 
@@ -37,6 +44,11 @@ public:
         return fd_ >= 0 && WriteAll(fd_, bytes.data(), bytes.size());
     }
     bool Sync() override { return fd_ >= 0 && fsync(fd_) == 0; }
+    int Release() {
+        const int fd = fd_;
+        fd_ = -1;
+        return fd;
+    }
     bool Close() override {
         if (fd_ < 0) return true;
         const int fd = fd_;
@@ -48,8 +60,127 @@ private:
     int fd_;
 };
 
+class PosixLock final : public WriteLock {
+public:
+    explicit PosixLock(int fd) : fd_(fd) {}
+    ~PosixLock() override { close(fd_); }  // closing the last descriptor drops the lock
+
+private:
+    int fd_;
+};
+
+// Opens `path` for reading without blocking on a FIFO or a device, and keeps
+// it only if what was opened is a regular file.
+int OpenRegular(const std::string& path, Failure* failure) {
+    const int fd = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    if (fd < 0) {
+        const int code = errno;
+        if (failure)
+            *failure = Fail(code == ENOENT || code == ENOTDIR ? FailCode::NotFound : FailCode::Unreadable,
+                            path, code);
+        return -1;
+    }
+    struct stat st{};
+    if (fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
+        close(fd);
+        if (failure) *failure = Fail(FailCode::NotACatalogue, path);
+        return -1;
+    }
+    return fd;
+}
+
+std::FILE* PosixOpener(const std::string& path, Failure* failure) {
+    const int fd = OpenRegular(path, failure);
+    if (fd < 0) return nullptr;
+    // Reads of a regular file never block anyway; the flag goes so that
+    // stdio sees an ordinary descriptor.
+    fcntl(fd, F_SETFL, fcntl(fd, F_GETFL) & ~O_NONBLOCK);
+    std::FILE* file = fdopen(fd, "rb");
+    if (!file) {
+        if (failure) *failure = Fail(FailCode::Unreadable, path, errno);
+        close(fd);
+    }
+    return file;
+}
+
 class PosixFileOps final : public FileOps {
 public:
+    PosixFileOps() { SetReadOpener(&PosixOpener); }
+
+    std::unique_ptr<OutFile> CreateScratch(const std::string& folder, std::string_view ending,
+                                           std::string& path, Failure* failure) override {
+        std::string pattern = (folder.empty() ? std::string(".") : folder) + "/.ct-XXXXXX";
+        pattern += ending;
+        const int fd = mkostemps(pattern.data(), static_cast<int>(ending.size()), O_CLOEXEC);
+        if (fd < 0) {
+            if (failure) *failure = Fail(FailCode::CreateScratch, folder, errno);
+            return nullptr;
+        }
+        // Held while this writer lives: the clean-up at start takes only
+        // scratch files nobody holds.
+        flock(fd, LOCK_EX | LOCK_NB);
+        fchmod(fd, 0644);
+        path = pattern;
+        return std::make_unique<PosixOutFile>(fd);
+    }
+
+    std::unique_ptr<WriteLock> Lock(const std::string& path, Failure* failure) override {
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(kLockWaitMs);
+        for (;;) {
+            const int fd = OpenRegular(path, failure);
+            if (fd < 0) return nullptr;
+            if (flock(fd, LOCK_EX | LOCK_NB) != 0) {
+                const int code = errno;
+                close(fd);
+                if (code != EWOULDBLOCK && code != EINTR) {
+                    // A file system without locks: go on unlocked rather
+                    // than refuse every edit there.
+                    const int again = OpenRegular(path, failure);
+                    return again < 0 ? nullptr : std::make_unique<PosixLock>(again);
+                }
+                if (std::chrono::steady_clock::now() >= deadline) {
+                    if (failure) *failure = Fail(FailCode::Busy, path);
+                    return nullptr;
+                }
+                std::this_thread::sleep_for(std::chrono::milliseconds(10));
+                continue;
+            }
+            // The holder before us may have put a new file in place: our lock
+            // must be on the one that stands there now.
+            struct stat held{}, now{};
+            if (fstat(fd, &held) == 0 && stat(path.c_str(), &now) == 0 && held.st_dev == now.st_dev &&
+                held.st_ino == now.st_ino)
+                return std::make_unique<PosixLock>(fd);
+            close(fd);
+        }
+    }
+
+    Failure RenameNew(const std::string& from, const std::string& to) override {
+        if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return {};
+        if (errno != EINVAL && errno != ENOSYS) return Fail(FailCode::Rename, from, errno, to);
+        // File systems without that flag: a hard link fails on an existing
+        // name just as well.
+        if (link(from.c_str(), to.c_str()) == 0) {
+            unlink(from.c_str());
+            return {};
+        }
+        if (errno == EEXIST) return Fail(FailCode::Rename, from, EEXIST, to);
+        return FileOps::RenameNew(from, to);
+    }
+
+    bool RemoveUnheld(const std::string& path) override {
+        const int fd = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_NOCTTY | O_CLOEXEC);
+        if (fd < 0) return false;
+        struct stat st{};
+        // A writer holds its scratch file while it writes, and lets go only
+        // a moment before the rename: a file as fresh as that is left alone.
+        const bool ours = fstat(fd, &st) == 0 && S_ISREG(st.st_mode) && st.st_mtime + 10 < time(nullptr) &&
+                          flock(fd, LOCK_EX | LOCK_NB) == 0;
+        const bool removed = ours && unlink(path.c_str()) == 0;
+        close(fd);
+        return removed;
+    }
+
     std::unique_ptr<OutFile> Create(const std::string& path, std::string* error) override {
         const int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
         if (fd < 0) {
@@ -77,14 +208,25 @@ public:
             close(in);  // a file is already a copy of itself; truncating it would lose it
             return true;
         }
-        const int out = open(to.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+        // A scratch file of its own beside the target, renamed in when
+        // complete: the target is never half a copy, and two copies at once
+        // never share a scratch file.
+        // Only a regular file (or none) is ever replaced: a device named as
+        // the target is written, never renamed over.
+        struct stat target{};
+        const bool direct = stat(to.c_str(), &target) == 0 && !S_ISREG(target.st_mode);
+        std::string scratch;
+        int out = -1;
+        if (direct) {
+            out = open(to.c_str(), O_WRONLY | O_TRUNC | O_NONBLOCK | O_CLOEXEC);
+        } else if (std::unique_ptr<OutFile> held = CreateScratch(FolderOf(to), ".idx.part", scratch, nullptr)) {
+            out = static_cast<PosixOutFile&>(*held).Release();
+        }
         if (out < 0) {
             SetError(error, "Cannot create", to, errno);
             close(in);
             return false;
         }
-        struct stat target{};
-        const bool regular = fstat(out, &target) == 0 && S_ISREG(target.st_mode);
         char buf[64 * 1024];
         bool ok = true;
         while (ok) {
@@ -108,7 +250,11 @@ public:
             ok = false;
         }
         close(in);
-        if (!ok && regular) unlink(to.c_str());  // never leave half a copy behind
+        if (ok && !direct && rename(scratch.c_str(), to.c_str()) != 0) {
+            SetError(error, "Cannot write", to, errno);
+            ok = false;
+        }
+        if (!ok && !direct) unlink(scratch.c_str());  // never leave half a copy behind
         return ok;
     }
 
@@ -128,6 +274,10 @@ public:
         return stat(folderA.c_str(), &a) == 0 && stat(folderB.c_str(), &b) == 0 && a.st_dev == b.st_dev;
     }
 };
+
+// Every program that links the file operations reads catalogues this way from
+// its first line on.
+const bool kOpenerInstalled = (SetReadOpener(&PosixOpener), true);
 
 }  // namespace
 

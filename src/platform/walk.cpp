@@ -17,6 +17,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include "core/textrules.h"
 #include "platform/volume.h"
@@ -44,10 +45,14 @@ constexpr long kFuseMagic = 0x65735546;
 
 constexpr std::size_t kSambaSample = 256;
 
+// Folders this deep and deeper give up their descriptor while the walk is
+// below them and are opened again by path afterwards, so a deep tree never
+// runs out of descriptors (the usual limit is 1024, a tree can be deeper).
+constexpr int kHeldLevels = 16;
+
 struct Walk {
-    WalkList& folders;
-    WalkList& files;
-    const std::function<void(std::size_t)>& progress;
+    WalkSink& sink;
+    std::size_t unreadable = 0;
     std::uint32_t devMajor = 0, devMinor = 0;
     std::uint64_t mountId = 0;
     bool haveMountId = false;
@@ -56,7 +61,6 @@ struct Walk {
     bool trySambaXattr = true;   // switched off once the file system says it has no xattrs
     std::size_t sambaProbes = 0;  // entries asked without an answer so far
     bool sambaSeen = false;
-    std::size_t sinceReport = 0;
 };
 
 std::string MarksText(std::uint32_t flags) {
@@ -219,52 +223,102 @@ bool SameFileSystem(const Walk& walk, const struct statx& st) {
     return true;
 }
 
-void Report(Walk& walk) {
-    if (!walk.progress) return;
-    if (++walk.sinceReport >= 1000) {
-        walk.sinceReport = 0;
-        walk.progress(walk.folders.size() + walk.files.size());
-    }
-}
-
-// `prefix` ends in '/'. Takes ownership of `dirFd`.
-void WalkLevel(Walk& walk, int dirFd, const std::string& prefix) {
-    DIR* dir = fdopendir(dirFd);
+// Takes ownership of `fd`, the open folder `prefix` (which ends in '/').
+// False when the sink said stop. The folder's entries are read whole first,
+// so its descriptor can be given up during a descent below kHeldLevels.
+bool WalkLevel(Walk& walk, int fd, const std::string& prefix, int depth) {
+    DIR* dir = fdopendir(fd);
     if (!dir) {
-        close(dirFd);
-        return;
+        close(fd);
+        ++walk.unreadable;
+        return true;
     }
-    while (true) {
+    std::vector<std::string> names;
+    for (;;) {
         errno = 0;
         const dirent* entry = readdir(dir);
-        if (!entry) break;  // the end and a failed read look alike
+        if (!entry) {
+            if (errno != 0) ++walk.unreadable;  // the rest of this folder is lost: say so
+            break;
+        }
         const char* name = entry->d_name;
         if (name[0] == '.' && (name[1] == '\0' || (name[1] == '.' && name[2] == '\0'))) continue;
+        names.emplace_back(name);
+    }
+    bool go = true;
+    for (std::size_t i = 0; go && i < names.size(); ++i) {
+        if (!dir) {
+            const int again = open(prefix.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+            dir = again >= 0 ? fdopendir(again) : nullptr;
+            if (!dir) {
+                if (again >= 0) close(again);
+                walk.unreadable += names.size() - i;
+                return true;
+            }
+        }
+        const int dirFd = dirfd(dir);
+        const char* name = names[i].c_str();
         struct statx st{};
-        if (!Stat(dirfd(dir), name, st)) continue;  // vanished since it was listed
-        std::string fullName = prefix + name;
+        if (!Stat(dirFd, name, st)) {
+            if (errno != ENOENT) ++walk.unreadable;  // one that vanished since it was listed isn't lost
+            continue;
+        }
+        std::string fullName = prefix + names[i];
         WalkRecord record;
-        record.Attributes = Attributes(walk, dirfd(dir), fullName, name, st);
+        record.Attributes = Attributes(walk, dirFd, fullName, name, st);
         record.Date = CreationText(st);
         if (S_ISDIR(st.stx_mode)) {
             record.Name = fullName;
-            walk.folders.push_back(std::move(record));
-            Report(walk);
-            if (!SameFileSystem(walk, st)) continue;  // a mount point: its record only
-            const int sub = openat(dirfd(dir), name,
-                                   O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-            if (sub >= 0) WalkLevel(walk, sub, fullName + '/');
+            go = walk.sink.Folder(record);
+            if (!go || !SameFileSystem(walk, st)) continue;  // a mount point: its record only
+            const int sub = openat(dirFd, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+            if (sub < 0) {
+                ++walk.unreadable;
+                continue;
+            }
+            if (depth >= kHeldLevels) {
+                closedir(dir);
+                dir = nullptr;
+            }
+            go = WalkLevel(walk, sub, fullName + '/', depth + 1);
         } else {
             if (S_ISREG(st.stx_mode))
-                record.Size = Fixed::FromInt(static_cast<std::int32_t>(
-                    static_cast<std::uint32_t>(st.stx_size)));
+                record.Size = Fixed::FromInt(static_cast<std::int32_t>(static_cast<std::uint32_t>(st.stx_size)));
             record.Name = std::move(fullName);
-            walk.files.push_back(std::move(record));
-            Report(walk);
+            go = walk.sink.File(record);
         }
     }
-    closedir(dir);
+    if (dir) closedir(dir);
+    return go;
 }
+
+// Into two lists, for the data folder and for sources that want lists.
+class ListSink final : public WalkSink {
+public:
+    ListSink(WalkList& folders, WalkList& files, const std::function<void(std::size_t)>& progress)
+        : folders_(folders), files_(files), progress_(progress) {}
+    bool Folder(const WalkRecord& folder) override {
+        folders_.push_back(folder);
+        return Report();
+    }
+    bool File(const WalkRecord& file) override {
+        files_.push_back(file);
+        return Report();
+    }
+
+private:
+    bool Report() {
+        if (progress_ && ++sinceReport_ >= 1000) {
+            sinceReport_ = 0;
+            progress_(folders_.size() + files_.size());
+        }
+        return true;
+    }
+    WalkList& folders_;
+    WalkList& files_;
+    const std::function<void(std::size_t)>& progress_;
+    std::size_t sinceReport_ = 0;
+};
 
 class SystemSource final : public DiscSource {
 public:
@@ -272,6 +326,7 @@ public:
                     const std::function<void(std::size_t)>& progress) override {
         ct::WalkFolder(path, folders, files, progress);
     }
+    WalkSummary Walk(const std::string& path, WalkSink& sink) override { return WalkTree(path, sink); }
     void ReadVolumeInfo(const std::string& root, VolumeInfo& volume) override {
         ct::ReadVolumeInfo(root, volume);
     }
@@ -279,26 +334,32 @@ public:
 
 }  // namespace
 
-void WalkFolder(const std::string& path, WalkList& folders, WalkList& files,
-                const std::function<void(std::size_t)>& progress) {
-    if (path.empty()) return;  // no current drive to fall back on
+WalkSummary WalkTree(const std::string& path, WalkSink& sink) {
+    Walk walk{sink};
+    if (path.empty()) return {};  // no current drive to fall back on
     const std::string prefix = path.back() == '/' ? path : path + '/';
-    Walk walk{folders, files, progress};
     // The root itself may be a link to the folder to walk (a mount point given
     // through a link, say): follow it for the root only.
     const int fd = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (fd < 0) return;
+    if (fd < 0) return WalkSummary{1, false};
     struct statx opened{};
     if (statx(fd, "", AT_EMPTY_PATH, STATX_TYPE | STATX_MNT_ID, &opened) != 0) {
         close(fd);
-        return;
+        return WalkSummary{1, false};
     }
     walk.devMajor = opened.stx_dev_major;
     walk.devMinor = opened.stx_dev_minor;
     walk.haveMountId = (opened.stx_mask & STATX_MNT_ID) != 0;
     walk.mountId = opened.stx_mnt_id;
     walk.source = SourceOf(path, walk.tryNtfsXattr);
-    WalkLevel(walk, fd, prefix);
+    const bool finished = WalkLevel(walk, fd, prefix, 0);
+    return WalkSummary{walk.unreadable, !finished};
+}
+
+void WalkFolder(const std::string& path, WalkList& folders, WalkList& files,
+                const std::function<void(std::size_t)>& progress) {
+    ListSink sink(folders, files, progress);
+    WalkTree(path, sink);
 }
 
 DiscSource& SystemDiscSource() {

@@ -4,7 +4,8 @@
 // listed. One statx per entry; symbolic links are not followed (a link to a
 // folder is recorded as a file), and the walk never leaves the file system of
 // the walked root. A folder that can't be read adds its own record and
-// nothing below it; nothing is reported.
+// nothing below it, and counts as unreadable in the summary. The depth of
+// the tree costs no descriptors beyond a fixed few.
 #pragma once
 
 #include <functional>
@@ -18,6 +19,9 @@ namespace ct {
 // `path` with or without a trailing '/'. Names are path + '/' + entry name.
 void WalkFolder(const std::string& path, WalkList& folders, WalkList& files,
                 const std::function<void(std::size_t)>& progress = {});
+
+// The same walk handed entry by entry to `sink`.
+WalkSummary WalkTree(const std::string& path, WalkSink& sink);
 
 // The DiscSource of the real machine: WalkFolder and ReadVolumeInfo.
 DiscSource& SystemDiscSource();

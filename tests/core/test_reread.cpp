@@ -26,6 +26,12 @@ TEST(SetAsideName, RoundTripAndOtherNames) {
     std::string label;
     EXPECT_TRUE(ct::IsSetAsideName(".a.idx.reread.idx.reread3", &label));
     EXPECT_EQ(label, "a.idx.reread");
+    // A label as long as a name allows keeps its set-aside name as short as "<label>.idx".
+    const std::string longest(251, 'L');
+    EXPECT_EQ(ct::SetAsideName(longest), "." + longest + ".rr");
+    EXPECT_TRUE(ct::IsSetAsideName("." + longest + ".rr", &label));
+    EXPECT_EQ(label, longest);
+    EXPECT_FALSE(ct::IsSetAsideName(".x.rr"));
     for (const char* name : {"FOTOS.idx", ".FOTOS.idx", "FOTOS.idx.reread", ".x.IDX.REREAD", ".x.idx.reread.part"})
         EXPECT_FALSE(ct::IsSetAsideName(name)) << name;
 }

@@ -27,9 +27,11 @@ QString Q(const std::string& s) { return QString::fromStdString(s); }
 class TestSource : public DiscSource {
 public:
     std::map<std::string, std::string> names;
+    std::function<void()> duringWalk;  // runs while a disc (not the data folder) is read
     void WalkFolder(const std::string& path, WalkList& folders, WalkList& files,
                     const std::function<void(std::size_t)>& progress) override {
         ct::WalkFolder(path, folders, files, progress);
+        if (duringWalk && progress) duringWalk();
     }
     void ReadVolumeInfo(const std::string& root, VolumeInfo& volume) override {
         const auto it = names.find(root);
@@ -118,6 +120,24 @@ private slots:
             QVERIFY(s.fx.helpCalls.empty());
             QVERIFY(DataFiles(s.fx).contains(written + ".idx"));
         }
+    }
+
+    // A folder picked with "…" is the preset of the next opening, and a read
+    // stopped with the cancel button writes nothing and closes the dialog.
+    void savedFolderComesBackAndCancelWritesNothing() {
+        AddSetup s;
+        auto h = s.fx.StartMain();
+        Start::DriveLetter = s.eins + "/Bilder";
+        frmHinzufügen d(h.get());
+        d.show();
+        QCOMPARE(d.Drive(), Q(s.eins + "/Bilder"));
+        d.txtBezeichnung->setText("Fotos");
+        s.source.duringWalk = [&d] { d.cmdAbbrechen->click(); };
+        d.cmdHinzufügen->click();
+        QVERIFY(!std::filesystem::exists(s.Catalogue("Fotos")));
+        QVERIFY(s.fx.messages.empty());
+        QVERIFY(!d.isVisible());
+        QCOMPARE(DataFiles(s.fx), QStringList{});
     }
 
     void f1OpensTheTopic() {
