@@ -113,48 +113,6 @@ TEST_F(RDFileTest, ResourceTextAddsTheLanguageAndDecodesWindows1252) {
     EXPECT_EQ(ct::ResourceText(dir_.string(), 20000, 10026), "");
 }
 
-// ---- the text files packrd reads ----
-
-// A complete, valid text file, and the same with one line changed.
-std::string FullTextFile(const std::map<int, std::string>& replace = {}) {
-    std::string out = "# comment\r\n\r\n";
-    for (int id = ct::kFirstBaseId; id <= ct::kLastBaseId; ++id) {
-        auto r = replace.find(id);
-        if (r != replace.end()) {
-            out += r->second;
-            if (!r->second.empty()) out += "\n";
-        } else {
-            out += std::to_string(id) + "\tText " + std::to_string(id) + "\n";
-        }
-    }
-    return out;
-}
-
-struct RefusalCase {
-    const char* name;
-    std::map<int, std::string> replace;
-    std::string append;
-    const char* expected;  // the whole message, file, line and id included
-};
-
-TEST(RDParseTexts, RefusesEveryFaultWithFileLineAndId) {
-    // Line numbers: two header lines, then id 10001 on line 3, 10000+n on line n+2.
-    const std::vector<RefusalCase> cases = {
-        {"missing id", {{10050, ""}}, "", "de.txt: id 10050 is missing"},
-        {"duplicate id", {}, "10007\tnoch einmal\n",
-         "de.txt:115: id 10007 appears twice (first on line 9)"},
-        {"four digits", {{10004, "1004\tText"}}, "",
-         "de.txt:6: malformed line, expected five digits, a tab and the text"},
-        {"invalid UTF-8", {{10005, "10005\tGr\xF6\xDF" "e"}}, "", "de.txt:7: id 10005: the text isn't valid UTF-8"},
-    };
-    for (const RefusalCase& c : cases) {
-        std::vector<ct::RDEntry> texts;
-        std::string error;
-        EXPECT_FALSE(ct::ParseTexts(FullTextFile(c.replace) + c.append, "de.txt", texts, &error)) << c.name;
-        EXPECT_EQ(error, c.expected) << c.name;
-    }
-}
-
 // ---- the texts this program ships ----
 
 std::map<int, std::string> SourceTexts(const char* file) {

@@ -205,47 +205,6 @@ const Row kRows[] = {
 INSTANTIATE_TEST_SUITE_P(Search, SearchTable, ::testing::ValuesIn(kRows),
                          [](const auto& info) { return std::string(info.param.name); });
 
-// --- Entry checks ------------------------------------------------------------------
-
-struct CheckRow {
-    const char* name;
-    std::function<void(ct::SearchCriteria&)> change;
-    int topic;
-};
-
-class EntryChecks : public ::testing::TestWithParam<CheckRow> {};
-
-TEST_P(EntryChecks, FirstFailingCheckNamesTheTopic) {
-    auto c = Criteria(2, CONT, "x");
-    GetParam().change(c);
-    EXPECT_EQ(ct::CheckCriteria(c), GetParam().topic);
-}
-
-// Each row breaks its own check and every later one, so the order shows.
-void BreakFrom(ct::SearchCriteria& c, int from) {
-    if (from <= 1) c.kind = -1;
-    if (from <= 2) c.nameTerm.clear();
-    c.checkSize = c.checkAttributes = c.checkDate = c.checkDescription = true;
-    c.sizeOperatorChosen = from > 3;
-    c.attributesChosen = from > 4;
-    c.dateOperatorChosen = from > 5;
-    c.descriptionOperatorChosen = from > 6;
-    c.sizeText = from > 7 ? "1" : "";
-    c.dateText = from > 8 ? "no date" : "";
-    c.descriptionText = from > 9 ? "d" : "";
-    if (from <= 10)
-        for (auto& d : c.discs) d.marked = false;
-}
-
-const CheckRow kCheckRows[] = {
-    {"NoDiscMarked", [](auto& c) { BreakFrom(c, 10); }, 10110},
-    {"BadDate", [](auto& c) { BreakFrom(c, 11); }, 10112},
-    {"OperatorBoxIsNotChecked", [](auto& c) { c.nameOperator.clear(); }, 0},
-};
-
-INSTANTIATE_TEST_SUITE_P(Search, EntryChecks, ::testing::ValuesIn(kCheckRows),
-                         [](const auto& info) { return std::string(info.param.name); });
-
 TEST(SearchOperators, EmptyTermRules) {
     EXPECT_TRUE(ct::CompareText(ct::SearchOp::Contains, "A", ""));
     EXPECT_FALSE(ct::CompareText(ct::SearchOp::Contains, "", ""));
