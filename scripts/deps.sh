@@ -3,7 +3,8 @@
 # when it is all there already. Needs root (or sudo) for apt-get.
 set -euo pipefail
 pkgs=(cmake g++ make pkg-config libgtest-dev qt6-base-dev qt6-base-dev-tools libgl-dev
-      xvfb xauth xorriso dosfstools exfatprogs ntfs-3g udftools mtools fonts-dejavu-core xdg-utils)
+      libarchive-dev libudf-dev
+      xvfb xauth xorriso genisoimage dosfstools exfatprogs ntfs-3g udftools mtools fonts-dejavu-core xdg-utils man-db)
 missing=()
 for p in "${pkgs[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")

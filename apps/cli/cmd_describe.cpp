@@ -5,6 +5,7 @@
 #include "cli.h"
 #include "core/catalogue.h"
 #include "core/editing.h"
+#include "core/failure.h"
 #include "core/fileops.h"
 #include "core/textrules.h"
 
@@ -24,10 +25,6 @@ std::string StoredPath(std::string path) {
 
 int RunDescribe(Context& ctx) {
     const auto& pos = ctx.args.positional;
-    if (pos.size() != 2 && pos.size() != 3) {
-        *ctx.err << "usage: cartulon-cli describe LABEL [PATH] TEXT\n";
-        return kError;
-    }
     const std::string& label = pos[0];
     std::string catalogue;
     if (!CatalogueOfLabel(ctx, label, catalogue)) return kError;
@@ -38,10 +35,7 @@ int RunDescribe(Context& ctx) {
         // Which section holds the path says what it is; a path in neither
         // would change nothing, so it is refused rather than "stored".
         CatalogueReader reader(catalogue);
-        if (!reader.IsOpen()) {
-            *ctx.err << "cartulon-cli: " << FailureText(reader.OpenFailure(), ctx.language) << "\n";
-            return kError;
-        }
+        if (!reader.IsOpen()) return ctx.Fail(reader.OpenFailure());
         std::string line;
         kind.clear();
         while (kind.empty() && reader.NextFolderLine(line))
@@ -49,23 +43,37 @@ int RunDescribe(Context& ctx) {
         while (kind.empty() && reader.NextFileLine(line))
             if (IsRecordOf(line, target)) kind = "file";
         if (kind.empty()) {
-            *ctx.err << "cartulon-cli: disc '" << label << "' has no folder or file " << target
-                     << " (paths as stored, e.g. \\Bilder\\Urlaub)\n";
+            ctx.Refuse({"Der Datenträger „%1“ hat keinen Ordner und keine Datei %2 (Pfade wie gespeichert, "
+                        "z. B. \\Bilder\\Urlaub)",
+                        "disc '%1' has no folder or file %2 (paths as stored, e.g. \\Bilder\\Urlaub)"},
+                       {label, target});
             return kNothing;
         }
     }
     const std::string text = NormaliseDescription(pos.back());
     if (const Failure failure =
-            DescriptionRewrite(SystemFileOps(), ctx.dataFolder, label, isHeader, target, text)) {
-        *ctx.err << "cartulon-cli: " << FailureText(failure, ctx.language) << "\n";
-        return kError;
-    }
-    *ctx.out << kind << " " << (isHeader ? label : label + "\\" + target) << ": " << text << "\n";
+            DescriptionRewrite(SystemFileOps(), ctx.dataFolder, label, isHeader, target, text))
+        return ctx.Fail(failure);
+    *ctx.out << ctx.T(kind == "disc"     ? Tr{"Datenträger", "disc"}
+                      : kind == "folder" ? Tr{"Ordner", "folder"}
+                                         : Tr{"Datei", "file"})
+             << " " << (isHeader ? label : label + "\\" + target) << ": " << text << "\n";
     return kDone;
 }
 
-Registration reg{{"describe", "describe LABEL [PATH] TEXT   store the description of a disc, folder or file",
-                  {}, &RunDescribe}};
+Registration reg{{
+    .name = "describe",
+    .arguments = "LABEL [PATH] TEXT",
+    .minArgs = 2,
+    .maxArgs = 3,
+    .summary = {"speichert die Beschreibung eines Datenträgers, Ordners oder einer Datei",
+                "store the description of a disc, a folder or a file"},
+    .details = {"Ohne PATH die des Datenträgers. PATH wie im Katalog (\\Bilder\\Urlaub); „/“ geht statt "
+                "„\\“. Ein TEXT, der mit „-“ beginnt, steht hinter „--“.",
+                "Without PATH the disc's own. PATH as the catalogue has it (\\Bilder\\Urlaub); '/' does for "
+                "'\\'. A TEXT that begins with '-' goes behind '--'."},
+    .run = &RunDescribe,
+}};
 
 }  // namespace
 

@@ -5,6 +5,7 @@
 #include "cli.h"
 #include "core/catalogue.h"
 #include "core/editing.h"
+#include "core/failure.h"
 #include "core/fileops.h"
 #include "platform/walk.h"
 
@@ -14,10 +15,6 @@ namespace {
 
 int RunRename(Context& ctx) {
     const auto& pos = ctx.args.positional;
-    if (pos.size() != 2) {
-        *ctx.err << "usage: cartulon-cli rename OLD NEW\n";
-        return kError;
-    }
     const std::string& oldLabel = pos[0];
     WalkList folders, files;
     WalkFolder(ctx.dataFolder, folders, files);
@@ -30,23 +27,37 @@ int RunRename(Context& ctx) {
         *ctx.out << outcome.label << "\n";
         return kDone;
     case RenameResult::Unchanged:
-        *ctx.err << "cartulon-cli: '" << outcome.label << "' is the disc's label already; nothing to do\n";
+        ctx.Refuse({"„%1“ ist schon die Bezeichnung des Datenträgers; nichts zu tun",
+                    "'%1' is the disc's label already; nothing to do"},
+                   {outcome.label});
         return kDone;
     case RenameResult::EmptyLabel:
-        *ctx.err << "cartulon-cli: refused: the new label is empty once \\ / : * ? \" < > | and the "
-                    "blanks around it are taken out\n";
-        return kError;
+        return ctx.Refuse({"abgelehnt: ohne \\ / : * ? \" < > | und die Leerzeichen am Rand bleibt von der "
+                           "neuen Bezeichnung nichts übrig",
+                           "refused: the new label is empty once \\ / : * ? \" < > | and the blanks around it "
+                           "are taken out"});
     case RenameResult::LabelInUse:
-        *ctx.err << "cartulon-cli: refused: a disc labelled '" << outcome.label << "' exists already\n";
-        return kError;
+        return ctx.Refuse({"abgelehnt: einen Datenträger „%1“ gibt es schon",
+                           "refused: a disc labelled '%1' exists already"},
+                          {outcome.label});
     case RenameResult::Failed:
         break;
     }
-    *ctx.err << "cartulon-cli: " << FailureText(outcome.failure, ctx.language) << "\n";
-    return kError;
+    return ctx.Fail(outcome.failure);
 }
 
-Registration reg{{"rename", "rename OLD NEW               give a disc a new label", {}, &RunRename}};
+Registration reg{{
+    .name = "rename",
+    .arguments = "OLD NEW",
+    .minArgs = 2,
+    .maxArgs = 2,
+    .summary = {"gibt einem Datenträger eine neue Bezeichnung", "give a disc a new label"},
+    .details = {"Die neue Bezeichnung folgt den Regeln des Fensters: \\ / : * ? \" < > | und die Leerzeichen "
+                "am Rand fallen weg, leer bleibt sie nie, und eine vergebene wird abgelehnt.",
+                "The new label follows the window's rules: \\ / : * ? \" < > | and the blanks around it are "
+                "taken out, it is never empty, and one in use is refused."},
+    .run = &RunRename,
+}};
 
 }  // namespace
 

@@ -8,7 +8,7 @@ namespace ct::cli {
 bool CatalogueOfLabel(Context& ctx, const std::string& label, std::string& cataloguePath) {
     const Failure failure = ResolveLabel(ctx.dataFolder, label, cataloguePath);
     if (!failure) return true;
-    *ctx.err << "cartulon-cli: " << FailureText(failure, ctx.language) << "\n";
+    ctx.Fail(failure);
     return false;
 }
 

@@ -17,6 +17,7 @@
 #include "gui/appicon.h"
 #include "gui/frmHaupt.h"
 #include "gui/seams.h"
+#include "platform/image.h"
 #include "platform/walk.h"
 
 namespace ct {
@@ -25,7 +26,7 @@ std::function<std::vector<ct::Drive>()> frmHinzufügen::DriveList;
 DiscSource* frmHinzufügen::Source = nullptr;
 
 DiscSource& AddDiscSource() {
-    return frmHinzufügen::Source ? *frmHinzufügen::Source : SystemDiscSource();
+    return frmHinzufügen::Source ? *frmHinzufügen::Source : DiscSourceWithImages();
 }
 
 namespace {

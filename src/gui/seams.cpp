@@ -1,6 +1,7 @@
 #include "gui/seams.h"
 
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QScreen>
 
@@ -57,9 +58,37 @@ QSize DesktopSize() {
 }
 
 void SetFolderChooser(FolderChooserFn fn) { folderChooserFn() = std::move(fn); }
+namespace {
+// Picks a disc image like any file, and a folder by choosing it and pressing
+// the button (a double click still opens it), since Qt's own modes take one
+// kind only.
+class FolderOrFileDialog : public QFileDialog {
+public:
+    using QFileDialog::QFileDialog;
+    QString chosen;
+    void accept() override {
+        const QStringList selected = selectedFiles();
+        if (!selected.isEmpty() && QFileInfo(selected.first()).isDir()) {
+            chosen = selected.first();
+            done(QDialog::Accepted);
+            return;
+        }
+        QFileDialog::accept();
+        if (result() == QDialog::Accepted && !selectedFiles().isEmpty()) chosen = selectedFiles().first();
+    }
+};
+}  // namespace
+
 QString ChooseFolder(QWidget* parent, const QString& start) {
     if (folderChooserFn()) return folderChooserFn()(parent, start);
-    return QFileDialog::getExistingDirectory(parent, QString(), start);
+    // Opens on the folder around the current entry with that entry chosen, so
+    // that the button takes it at once and a folder beside it is one click away.
+    const QFileInfo current(start);
+    FolderOrFileDialog dialog(parent, QString(), current.exists() ? current.absolutePath() : start);
+    dialog.setOption(QFileDialog::DontUseNativeDialog);
+    dialog.setFileMode(QFileDialog::ExistingFile);
+    if (current.exists()) dialog.selectFile(current.fileName());
+    return dialog.exec() == QDialog::Accepted ? dialog.chosen : QString();
 }
 
 namespace {

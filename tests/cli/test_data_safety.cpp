@@ -157,7 +157,10 @@ TEST(OddFiles, NoCommandHangsOnANonCatalogue) {
              std::vector<std::vector<std::string>>{{"show", label}, {"describe", label, "x"}}) {
             const CliRun run = Cli(s, data, args);
             EXPECT_EQ(run.code, 2) << args[0] << " " << label << ": " << run.output;
-            EXPECT_NE(run.output.find("Katalogdatei"), std::string::npos) << run.output;  // not "no disc"
+            // Not "no disc"; in the language of the environment, as no CT.ini names one.
+            EXPECT_TRUE(run.output.find("Katalogdatei") != std::string::npos ||
+                        run.output.find("catalogue file") != std::string::npos)
+                << run.output;
         }
     }
 }

@@ -1,12 +1,14 @@
 #!/usr/bin/env bash
 # The package's launcher on a temporary $HOME: the first start creates the
 # user's program folder; a start after a package update renews the program
-# files and keeps CT.ini and Daten/ byte for byte.
+# files and keeps CT.ini and Daten/ byte for byte. Called as cartulon-cli
+# (the package's link to it) it prepares the same folder and runs the user's
+# own terminal tool on the user's own collection.
 set -euo pipefail
 launcher=$1 installed=$2
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-pkg=$work/opt/cartulon
+pkg=$work/usr/lib/cartulon
 mkdir -p "$pkg/Daten"
 cp "$installed"/CT.ini "$installed"/CT.rd "$installed"/CT0.fhp "$installed"/CT1.fhp "$installed"/Version*.txt "$pkg/"
 cp "$installed/folihelp.exe" "$installed/cartulon-cli" "$pkg/"
@@ -20,6 +22,16 @@ unset XDG_DATA_HOME
 mkdir -p "$HOME"
 user=$HOME/.local/share/cartulon
 fail=0
+
+# The terminal tool first, on a fresh $HOME, as a user would after installing.
+mkdir -p "$work/bin" "$work/Pictures/Urlaub" && ln -s "$(realpath "$launcher")" "$work/bin/cartulon-cli"
+echo sun > "$work/Pictures/Urlaub/strand.jpg"
+"$work/bin/cartulon-cli" add "$work/Pictures" --label Bilder >/dev/null || { echo "cartulon-cli add failed"; fail=1; }
+[ -f "$user/Daten/Bilder.idx" ] || { echo "cartulon-cli did not write into the user's Daten/"; fail=1; }
+out=$("$work/bin/cartulon-cli" search --name contains urlaub --format tsv)
+[ "$out" = $'folder\tBilder\t\\Urlaub' ] || { echo "cartulon-cli search gave: $out"; fail=1; }
+printf -- '-1\r\n' | cmp -s - "$user/CT.ini" || { echo "cartulon-cli changed the first-run CT.ini"; fail=1; }
+rm "$user/Daten/Bilder.idx"
 
 out=$("$launcher")
 [ "$out" = "running from $user v1" ] || { echo "first start ran: $out"; fail=1; }

@@ -1,0 +1,89 @@
+// cartulon-cli duplicates [--min-size N] [--disc LABEL]...: the files kept on
+// more than one disc under the same name and size, largest first, each copy
+// by its hit text.
+#include <algorithm>
+#include <ostream>
+
+#include "cli.h"
+#include "core/catalogue.h"
+#include "core/duplicates.h"
+#include "core/search.h"
+#include "output.h"
+#include "platform/walk.h"
+
+namespace ct::cli {
+
+namespace {
+
+int RunDuplicates(Context& ctx) {
+    std::int64_t minSize = INT64_MIN;
+    const std::string sizeText = ctx.args.Get("--min-size");
+    if (!sizeText.empty()) {
+        std::string bytes;
+        if (!ParseSize(sizeText, bytes) || bytes.size() > 18)
+            return ctx.Refuse({"--min-size nimmt eine Zahl von Bytes, auch mit K, M, G oder T (100K, 5M), nicht „%1“",
+                               "--min-size takes a number of bytes, or with K, M, G or T (100K, 5M), not '%1'"},
+                              {sizeText});
+        minSize = std::stoll(bytes);
+    }
+
+    WalkList folders, files;
+    WalkFolder(ctx.dataFolder, folders, files);
+    std::vector<std::string> labels = LabelsOf(files);
+    std::stable_sort(labels.begin(), labels.end(),
+                     [](const std::string& a, const std::string& b) { return ListOrderLess(a, b); });
+    const std::vector<std::string> wanted = ctx.args.GetAll("--disc");
+    for (const std::string& label : wanted)
+        if (std::find(labels.begin(), labels.end(), label) == labels.end())
+            return ctx.Refuse(kNoDisc, {label, ctx.dataFolder});
+    if (!wanted.empty())
+        std::erase_if(labels, [&](const std::string& l) {
+            return std::find(wanted.begin(), wanted.end(), l) == wanted.end();
+        });
+
+    const std::vector<DuplicateGroup> groups = FindDuplicates(ctx.dataFolder, labels, minSize);
+    const Format format = FormatOf(ctx);
+    if (format == Format::Text) {
+        for (const DuplicateGroup& g : groups) {
+            if (ctx.OutputGone()) break;
+            *ctx.out << Value(ctx, g.name) << "  "
+                     << ctx.T({"%1 Bytes, %2 Kopien", "%1 bytes, %2 copies"},
+                              {std::to_string(g.size), std::to_string(g.hits.size())})
+                     << "\n";
+            for (const std::string& hit : g.hits) *ctx.out << "  " << Value(ctx, hit, true) << "\n";
+        }
+    } else {
+        Records records(ctx, {{"group", true}, {"name"}, {"size", true}, {"hit"}});
+        std::size_t number = 0;
+        for (const DuplicateGroup& g : groups) {
+            ++number;
+            for (const std::string& hit : g.hits)
+                records.Add({std::to_string(number), Value(ctx, g.name), std::to_string(g.size),
+                             Value(ctx, hit, true)});
+        }
+    }
+    return groups.empty() ? kNothing : kDone;
+}
+
+Registration reg{{
+    .name = "duplicates",
+    .summary = {"Dateien, die auf mehr als einem Datenträger liegen (gleicher Name und gleiche Größe)",
+                "files kept on more than one disc (same name and size)"},
+    .details = {"Der Name wird ohne Rücksicht auf Groß- und Kleinschreibung verglichen, wie bei der Suche "
+                "nach Namen. Gruppen nach Größe, die größten zuerst, jede Kopie als Treffer "
+                "BEZEICHNUNG\\PFAD. Exit 1, wenn es keine gibt. tsv und json: group, name, size, hit.",
+                "Names are compared with case ignored, as the name search compares them. Groups by size, "
+                "largest first, each copy as a hit LABEL\\PATH. Exit 1 when there are none. tsv and json: "
+                "group, name, size, hit."},
+    .options = {{"--min-size", Takes::Value, "N",
+                 {"nur Dateien ab N Bytes (auch 100K, 5M, 2G)", "only files of at least N bytes (also 100K, 5M, 2G)"}},
+                {"--disc", Takes::Value, "LABEL",
+                 {"nur diese Datenträger (wiederholbar); sonst alle", "only these discs (may repeat); else all"}},
+                kFormatOption,
+                kSlashesOption},
+    .run = &RunDuplicates,
+}};
+
+}  // namespace
+
+}  // namespace ct::cli

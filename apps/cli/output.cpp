@@ -1,0 +1,92 @@
+#include "output.h"
+
+#include <cstdio>
+#include <ostream>
+
+#include "core/text.h"
+
+namespace ct::cli {
+
+bool IsJsonNumber(std::string_view s) {
+    std::size_t i = 0;
+    if (i < s.size() && s[i] == '-') ++i;
+    const std::size_t start = i;
+    while (i < s.size() && s[i] >= '0' && s[i] <= '9') ++i;
+    if (i == start || (s[start] == '0' && i - start > 1)) return false;
+    if (i < s.size() && s[i] == '.') {
+        const std::size_t fraction = ++i;
+        while (i < s.size() && s[i] >= '0' && s[i] <= '9') ++i;
+        if (i == fraction) return false;
+    }
+    return i == s.size();
+}
+
+Format FormatOf(const Context& ctx) {
+    const std::string f = ctx.args.Get("--format", "text");
+    return f == "tsv" ? Format::Tsv : f == "json" ? Format::Json : Format::Text;
+}
+
+std::string Value(const Context& ctx, std::string_view text, bool isPath) {
+    std::string out = DecodeLine(text);
+    if (isPath && ctx.args.Has("--slashes"))
+        for (char& c : out)
+            if (c == '\\') c = '/';
+    return out;
+}
+
+std::string JsonString(std::string_view utf8) {
+    std::string out = "\"";
+    for (const char ch : utf8) {
+        const auto c = static_cast<unsigned char>(ch);
+        switch (c) {
+        case '"': out += "\\\""; break;
+        case '\\': out += "\\\\"; break;
+        case '\n': out += "\\n"; break;
+        case '\r': out += "\\r"; break;
+        case '\t': out += "\\t"; break;
+        default:
+            if (c < 0x20) {
+                char buffer[8];
+                std::snprintf(buffer, sizeof buffer, "\\u%04x", c);
+                out += buffer;
+            } else {
+                out += ch;
+            }
+        }
+    }
+    return out + "\"";
+}
+
+Records::Records(const Context& ctx, std::vector<Field> fields, bool single)
+    : ctx_(ctx), fields_(std::move(fields)), single_(single) {}
+
+Records::~Records() {
+    if (FormatOf(ctx_) != Format::Json) return;
+    if (!single_)
+        *ctx_.out << (count_ ? "\n]\n" : "[]\n");
+    else if (!count_)
+        *ctx_.out << "{}\n";
+}
+
+void Records::Add(const std::vector<std::string>& values) {
+    std::ostream& out = *ctx_.out;
+    if (FormatOf(ctx_) == Format::Tsv) {
+        // A tab or a line break inside a value would split the record: they
+        // become blanks.
+        for (std::size_t i = 0; i < values.size(); ++i) {
+            if (i) out << '\t';
+            for (char c : values[i]) out << (c == '\t' || c == '\n' || c == '\r' ? ' ' : c);
+        }
+        out << '\n';
+    } else {
+        out << (single_ ? "" : count_ ? ",\n  " : "[\n  ") << '{';
+        for (std::size_t i = 0; i < values.size() && i < fields_.size(); ++i) {
+            out << (i ? ", " : "") << JsonString(fields_[i].name) << ": "
+                << (fields_[i].number && IsJsonNumber(values[i]) ? values[i] : JsonString(values[i]));
+        }
+        out << '}' << (single_ ? "\n" : "");
+    }
+    ++count_;
+}
+
+}  // namespace ct::cli

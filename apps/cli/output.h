@@ -1,0 +1,48 @@
+// Output for scripts: --format tsv (one record a line, fields separated by
+// tabs) or json (one document), always UTF-8, and --slashes for '/' in the
+// catalogue's '\' paths. Text output stays with each command, for people.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "cli.h"
+
+namespace ct::cli {
+
+enum class Format { Text, Tsv, Json };
+Format FormatOf(const Context& ctx);
+
+// A catalogue text as UTF-8 (a line that isn't valid UTF-8 is Windows-1252),
+// with '\' turned into '/' when --slashes was given and `isPath`.
+std::string Value(const Context& ctx, std::string_view text, bool isPath = false);
+
+// What JSON takes as a number: -?digits(.digits)?, no leading zeros.
+bool IsJsonNumber(std::string_view s);
+
+// A JSON string literal of UTF-8 text.
+std::string JsonString(std::string_view utf8);
+
+struct Field {
+    const char* name;
+    bool number = false;  // a JSON number when it reads as one, else a string
+};
+
+// Records of one shape: tsv lines, or a JSON array of objects (or, with
+// `single`, the one object).
+class Records {
+public:
+    Records(const Context& ctx, std::vector<Field> fields, bool single = false);
+    ~Records();  // closes the JSON document
+    // The values in the order of the fields, already passed through Value().
+    void Add(const std::vector<std::string>& values);
+
+private:
+    const Context& ctx_;
+    std::vector<Field> fields_;
+    bool single_;
+    std::size_t count_ = 0;
+};
+
+}  // namespace ct::cli

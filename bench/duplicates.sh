@@ -1,0 +1,76 @@
+#!/usr/bin/env bash
+# `duplicates` against `stats` over the same collection, in the same run and
+# from the same (warm) page cache. Both read every catalogue once; duplicates
+# also takes each file line apart and keeps one entry per (name, size), so the
+# statistics run is the measure it is held to (target: at most twice its time).
+#
+#   bench/duplicates.sh [BUILD_DIR]     (default: build)
+#   DISCS=1000 FILES=2000 SHARED=5 RUNS=3 KEEP=1 bench/duplicates.sh
+#
+# Every disc holds FILES files of its own names; SHARED in a hundred of them
+# also stand, same name and size, on every other disc.
+set -euo pipefail
+
+here=$(cd "$(dirname "$0")/.." && pwd)
+build=${1:-build}
+[[ $build = /* ]] || build="$here/$build"
+cli="$build/Cartulon/cartulon-cli"
+[[ -x $cli ]] || { echo "no $cli: build the target cartulon-cli first" >&2; exit 2; }
+
+discs=${DISCS:-1000}
+files=${FILES:-2000}
+shared=${SHARED:-5}
+runs=${RUNS:-3}
+dir=$(mktemp -d "${TMPDIR:-/tmp}/cartulon-bench-dups.XXXXXX")
+[[ -n ${KEEP:-} ]] || trap 'rm -rf "$dir"' EXIT
+
+mkdir "$dir/Daten"
+awk -v discs="$discs" -v files="$files" -v shared="$shared" -v out="$dir/Daten" 'BEGIN {
+    for (d = 0; d < discs; d++) {
+        f = out "/Disc " d ".idx"
+        printf "650000000|-1029197328|CDFS|319488|1|2048|Disc %d\r\n\r\n", d > f
+        for (i = 0; i < 50; i++) printf "\\Archiv %04d|R|14.03.2003 09:12:40|\r\n", i > f
+        printf "\r\n" > f
+        for (i = 0; i < files; i++) {
+            if (i % 100 < shared) name = sprintf("Gemeinsam %06d.JPG|%d", i, i * 7919)
+            else name = sprintf("Datei %05d %06d.jpg|%d", d, i, i * 7919 + d)
+            printf "\\Archiv %04d\\%s|R A|14.03.2003 09:12:%02d|\r\n", i % 50, name, i % 60 > f
+        }
+        close(f)
+    }
+}'
+bytes=$(du -sb "$dir/Daten" | cut -f1)
+echo "collection: $discs catalogues, $((bytes / 1000000)) MB, $((files * discs)) files"
+cat "$dir/Daten/"*.idx > /dev/null
+
+timed() {  # timed OUTFILE CMD...: prints "wall_ms cpu_ms maxrss_kb"
+    local out=$1; shift
+    /usr/bin/time -f "%e %U %S %M" -o "$dir/time" "$@" > "$out" || [ $? -eq 1 ]
+    awk '{ printf "%d %d %d\n", $1 * 1000, ($2 + $3) * 1000, $4 }' "$dir/time"
+}
+best() { (( $2 == 0 || $1 < $2 )) && echo "$1" || echo "$2"; }
+dw=0 dc=0 sw=0 sc=0 rss=0
+for ((r = 0; r < runs; r++)); do
+    read -r w c m < <(timed "$dir/dups.out" env LC_ALL=C "$cli" duplicates --format tsv --data-folder "$dir/Daten")
+    dw=$(best "$w" "$dw"); dc=$(best "$c" "$dc"); rss=$m
+    read -r w c m < <(timed "$dir/stats.out" env LC_ALL=C "$cli" stats --data-folder "$dir/Daten")
+    sw=$(best "$w" "$sw"); sc=$(best "$c" "$sc")
+done
+
+# The run must have found what was generated, or its time means nothing.
+groups=$(cut -f1 "$dir/dups.out" | sort -u | wc -l)
+want=$(( (files / 100) * shared + (files % 100 < shared ? files % 100 : shared) ))
+(( groups == want )) || { echo "duplicates found $groups groups, want $want" >&2; exit 1; }
+
+awk -v dw="$dw" -v dc="$dc" -v sw="$sw" -v sc="$sc" -v rss="$rss" -v g="$groups" 'BEGIN {
+    printf "                         wall ms   cpu ms   (best of runs)\n"
+    printf "cartulon-cli duplicates  %7d  %7d   %d groups, max RSS %d MB\n", dw, dc, g, rss / 1024
+    printf "cartulon-cli stats       %7d  %7d\n", sw, sc
+    printf "ratio duplicates / stats %7.2f  %7.2f   (target <= 2.0)\n", dw / (sw ? sw : 1), dc / (sc ? sc : 1)
+}'
+
+if [ -n "${BENCH_ROWS:-}" ]; then
+    awk -v dw="$dw" -v sw="$sw" -v d="$discs" 'BEGIN {
+        printf "duplicates, %d catalogues|%d ms|%d ms (stats)|%.2f|<= 2.0\n", d, dw, sw, dw / (sw ? sw : 1)
+    }' >> "$BENCH_ROWS"
+fi

@@ -1,0 +1,35 @@
+// Copies across discs: files that stand on more than one disc under the same
+// name and size, the name compared without regard to case as the search's
+// name test compares it. One pass over the catalogues; what is kept is one
+// entry per distinct (name, size) pair plus the copies of the pairs found
+// again, so memory follows the collection's variety, not its size.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace ct {
+
+struct DuplicateGroup {
+    std::string name;               // the first copy's name as stored
+    std::int64_t size = 0;          // bytes, as the catalogue's Size field
+    std::vector<std::string> hits;  // each copy's hit text (label, '\', Path), in disc and catalogue order
+};
+
+// A file of 2 to 4 GiB stands in a catalogue with a negative size (the low 32
+// bits read as signed); its bytes are that plus 4 GiB, which is how such a
+// file is ordered and measured against a least size.
+std::int64_t Bytes(std::int64_t storedSize);
+
+// `labels` in the order the disc list shows them; only files of at least
+// `minSize` bytes (as Bytes() counts them) count. Groups span at least two discs (copies on one disc
+// are listed with them) and come largest first, then by name as the lists
+// order them. `progress` hears each disc's number from 1 and may stop the
+// run by returning false (the groups found so far are then returned).
+std::vector<DuplicateGroup> FindDuplicates(
+    const std::string& dataFolder, const std::vector<std::string>& labels, std::int64_t minSize,
+    const std::function<bool(std::size_t disc, std::size_t discs)>& progress = {});
+
+}  // namespace ct

@@ -1,0 +1,109 @@
+// Checking a disc against its catalogue, and finding the files kept on more
+// than one disc: both on real catalogue files in a scratch folder.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "core/duplicates.h"
+#include "core/verify.h"
+#include "support/scratch.h"
+
+namespace ct {
+namespace {
+
+using test::Scratch;
+
+const char* const kCatalogue =
+    "654311424|-1029197328|CDFS|319488|1|2048|Photos 2003\r\n\r\n"
+    "\\Bilder|R|14.03.2003 09:12:40|\r\n"
+    "\\Bilder\\Urlaub|R|14.03.2003 09:12:41|Trip | to the coast\r\n\r\n"
+    "\\Bilder\\index.htm|2310|R|14.03.2003 09:12:40|\r\n"
+    "\\Bilder\\Urlaub\\p1.jpg|183442|R|14.03.2003 09:12:41|First day\r\n"
+    "\\liesmich.txt|1024|R|14.03.2003 09:12:40|\r\n";
+
+WalkRecord Rec(const std::string& path, std::int64_t size, const char* date = "14.03.2003 09:12:40") {
+    return {"/mnt/cd" + path, Fixed::FromInt(size), "R", date};
+}
+
+TEST(VerifyDisc, FindsWhatChangedAndIgnoresDescriptions) {
+    // The walk of the intact disc; each row changes it and names what verify must say.
+    const WalkList folders0 = {Rec("/Bilder", 0), Rec("/Bilder/Urlaub", 0, "14.03.2003 09:12:41")};
+    const WalkList files0 = {Rec("/Bilder/index.htm", 2310), Rec("/Bilder/Urlaub/p1.jpg", 183442, "14.03.2003 09:12:41"),
+                             Rec("/liesmich.txt", 1024)};
+    const struct {
+        const char* name;
+        void (*change)(WalkList& folders, WalkList& files);
+        std::vector<std::string> expected;  // word, path, catalogue value, disc value
+    } rows[] = {
+        {"Identical", [](WalkList&, WalkList&) {}, {}},
+        {"FileMissing", [](WalkList&, WalkList& f) { f.erase(f.begin() + 1); },
+         {"missing \\Bilder\\Urlaub\\p1.jpg 183442 "}},
+        {"FileNew", [](WalkList&, WalkList& f) { f.push_back(Rec("/neu.txt", 7)); }, {"new \\neu.txt  7"}},
+        {"SizeChanged", [](WalkList&, WalkList& f) { f[2].Size = Fixed::FromInt(1025); },
+         {"size \\liesmich.txt 1024 1025"}},
+        {"TimeChanged", [](WalkList& d, WalkList&) { d[0].Date = "15.03.2003 09:12:40"; },
+         {"time \\Bilder 14.03.2003 09:12:40 15.03.2003 09:12:40"}},
+        {"FileBecameFolder",
+         [](WalkList& d, WalkList& f) {
+             f.pop_back();
+             d.push_back(Rec("/liesmich.txt", 0));
+         },
+         {"new \\liesmich.txt  14.03.2003 09:12:40", "missing \\liesmich.txt 1024 "}},
+    };
+    Scratch s;
+    const std::string catalogue = s.Write("Photos.idx", kCatalogue);
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        WalkList folders = folders0, files = files0;
+        row.change(folders, files);
+        const VerifyReport report = VerifyDisc(catalogue, "/mnt/cd/", folders, files);
+        ASSERT_TRUE(report.opened);
+        std::vector<std::string> said;
+        for (const VerifyFinding& f : report.findings)
+            said.push_back(std::string(DifferenceWord(f.kind)) + " " + f.path + " " + f.catalogueValue + " " +
+                           f.discValue);
+        EXPECT_EQ(said, row.expected);
+    }
+    EXPECT_FALSE(VerifyDisc(s / "none.idx", "/mnt/cd", folders0, files0).opened);
+}
+
+TEST(FindDuplicates, SameNameAndSizeOnTwoDiscsLargestFirst) {
+    Scratch s;
+    const std::string head = "0|0||0|0|0|\r\n\r\n\\A|||\r\n\r\n";
+    s.Write("Eins.idx", head + "\\A\\Foto.JPG|500|R||\r\n\\klein.txt|3|R||\r\n\\nur hier.txt|9|R||\r\n"
+                               "\\A\\gross.iso|-2|R||\r\n\\\xC3\xA4rger.txt|4|R||\r\n");
+    s.Write("Zwei.idx", head + "\\foto.jpg|500|R||\r\n\\B\\foto.jpg|500|R||\r\n\\klein.txt|3|R||\r\n"
+                               "\\Foto.jpg|501|R||\r\n\\gross.iso|-2|R||\r\n\\\xC3\x84RGER.TXT|4|R||\r\n");
+    // Two copies on one disc are no copy across discs.
+    s.Write("Drei.idx", head + "\\nur hier.txt|9|R||\r\n\\x\\nur hier.txt|9|R||\r\n");
+    const struct {
+        const char* name;
+        std::vector<std::string> labels;
+        std::int64_t minSize;
+        std::vector<std::string> expected;  // name size: hits
+    } rows[] = {
+        {"All", {"Eins", "Zwei", "Drei"}, 0,
+         {"gross.iso -2: Eins\\\\A\\gross.iso Zwei\\\\gross.iso",
+          "Foto.JPG 500: Eins\\\\A\\Foto.JPG Zwei\\\\foto.jpg Zwei\\\\B\\foto.jpg",
+          "nur hier.txt 9: Eins\\\\nur hier.txt Drei\\\\nur hier.txt Drei\\\\x\\nur hier.txt",
+          "\xC3\xA4rger.txt 4: Eins\\\\\xC3\xA4rger.txt Zwei\\\\\xC3\x84RGER.TXT",
+          "klein.txt 3: Eins\\\\klein.txt Zwei\\\\klein.txt"}},
+        {"MinSize", {"Eins", "Zwei"}, 5,
+         {"gross.iso -2: Eins\\\\A\\gross.iso Zwei\\\\gross.iso", "Foto.JPG 500: Eins\\\\A\\Foto.JPG Zwei\\\\foto.jpg Zwei\\\\B\\foto.jpg"}},
+        {"OneDisc", {"Drei"}, 0, {}},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        std::vector<std::string> said;
+        for (const DuplicateGroup& g : FindDuplicates(s.Path(), row.labels, row.minSize)) {
+            std::string text = g.name + " " + std::to_string(g.size) + ":";
+            for (const std::string& hit : g.hits) text += " " + hit;
+            said.push_back(text);
+        }
+        EXPECT_EQ(said, row.expected);
+    }
+}
+
+}  // namespace
+}  // namespace ct
