@@ -4,7 +4,8 @@
 set -euo pipefail
 pkgs=(cmake g++ make pkg-config libgtest-dev qt6-base-dev qt6-base-dev-tools libgl-dev
       libarchive-dev libudf-dev
-      xvfb xauth xorriso genisoimage dosfstools exfatprogs ntfs-3g udftools mtools fonts-dejavu-core xdg-utils man-db)
+      xvfb xauth xorriso genisoimage dosfstools exfatprogs ntfs-3g udftools mtools fonts-dejavu-core xdg-utils man-db
+      qt6-translations-l10n)
 missing=()
 for p in "${pkgs[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")

@@ -1,9 +1,9 @@
 // cartulon-cli search: the search window's criteria as options, its hit list
 // on stdout, sorted as the window's list sorts.
 //
-// The operator words are handed to the engine as its operator texts, so the
-// engine's rules (which box offers which operator, the closing backslash, the
-// disc test) apply unchanged. What differs from the window is which discs
+// Each operator word names one of the engine's operators, so the engine's
+// rules (which test takes which operator, the closing backslash, the disc
+// test) apply unchanged. What differs from the window is which discs
 // count as hits: the window lists every disc whose label or description holds
 // the (maybe empty) name term, so a search for large files also lists the
 // whole collection. Here a disc is a hit only where a term can say something
@@ -11,6 +11,7 @@
 // own description), and no size, date or attribute criterion, which no disc
 // has; or with --kind discs, which lists nothing else.
 #include <algorithm>
+#include <filesystem>
 #include <ostream>
 
 #include "cli.h"
@@ -18,7 +19,6 @@
 #include "core/rddll.h"
 #include "core/search.h"
 #include "output.h"
-#include "platform/walk.h"
 
 namespace ct::cli {
 
@@ -28,6 +28,34 @@ const std::array<std::string, 10> kOperatorWords = {
     "equal", "not-equal", "contains", "not-contains", "begins",
     "not-begins", "ends", "not-ends", "greater", "less",
 };
+constexpr SearchOp kOperators[10] = {SearchOp::Equal,      SearchOp::NotEqual,      SearchOp::Contains,
+                                     SearchOp::NotContains, SearchOp::BeginsWith,   SearchOp::NotBeginsWith,
+                                     SearchOp::EndsWith,   SearchOp::NotEndsWith,   SearchOp::Greater,
+                                     SearchOp::Less};
+// The operator a word names (the option parser let only the option's own
+// words through); None for any other.
+SearchOp OperatorOf(const std::string& word) {
+    const auto at = std::find(kOperatorWords.begin(), kOperatorWords.end(), word);
+    return at == kOperatorWords.end() ? SearchOp::None : kOperators[at - kOperatorWords.begin()];
+}
+
+// The labels of the catalogues below the data folder, as the disc list has
+// them (every name ending in ".idx" that isn't a folder, in sub-folders too,
+// links not followed), from the names and types the listing gives: the
+// walker's statx and attribute look-up for each catalogue would cost a search
+// of many small catalogues a third of its time.
+std::vector<std::string> CatalogueLabels(const std::string& dataFolder) {
+    namespace fs = std::filesystem;
+    std::vector<std::string> labels;
+    std::error_code ec;
+    std::string label;
+    for (fs::recursive_directory_iterator it(dataFolder, fs::directory_options::skip_permission_denied, ec), end;
+         !ec && it != end; it.increment(ec)) {
+        if (!it->is_symlink(ec) && it->is_directory(ec)) continue;
+        if (LabelOfCatalogueName(it->path().native(), label)) labels.push_back(label);
+    }
+    return labels;
+}
 
 const Tr kSizeExpected = {
     "%1 nimmt eine Zahl von Bytes, auch mit K, M, G oder T für Potenzen von 1024 (100K, 5M, 2G), nicht „%2“",
@@ -45,14 +73,16 @@ struct DiscRule {
 };
 
 // Keeps the hits the command line asked for; the engine's count of hits, and
-// so its limit, sees only those.
+// so its limit, sees only those: the sink ends the run at kHitLimit of them.
 class CollectingSink : public HitSink {
 public:
     CollectingSink(const std::string& dataFolder, const DiscRule& rule) : dataFolder_(dataFolder), rule_(rule) {}
-    void Add(const std::string& hit) override {
+    bool Add(const std::string& hit) override {
         const bool disc = hit.find('\\') == std::string::npos;
-        if (disc ? !KeepDisc(hit) : rule_.onlyDiscs) return;
+        if (disc ? !KeepDisc(hit) : rule_.onlyDiscs) return true;
+        if (hits.size() >= kHitLimit) return false;
         hits.push_back(hit);
+        return true;
     }
     std::size_t Count() const override { return hits.size(); }
     std::vector<std::string> hits;
@@ -130,10 +160,9 @@ void PrintHits(const Context& ctx, const std::vector<std::string>& hits) {
 
 int RunSearchCommand(Context& ctx) {
     SearchCriteria c;
-    c.operatorTexts = kOperatorWords;
     c.noAttributesText = "none";
     c.checkName = false;
-    c.nameOperator = "contains";
+    c.nameOperator = SearchOp::Contains;
 
     const std::string kind = ctx.args.Get("--kind", "both");
     c.kind = kind == "files" ? 0 : kind == "folders" ? 1 : 2;
@@ -141,7 +170,8 @@ int RunSearchCommand(Context& ctx) {
     rule.onlyDiscs = kind == "discs";
 
     for (const auto& [option, values] : ctx.args.pairs) {
-        const auto& [op, value] = values;
+        const auto& [word, value] = values;
+        const SearchOp op = OperatorOf(word);
         if (option == "--name") {
             c.checkName = true;
             c.nameOperator = op;
@@ -159,7 +189,7 @@ int RunSearchCommand(Context& ctx) {
             c.checkDescription = c.descriptionOperatorChosen = true;
             c.descriptionOperator = op;
             c.descriptionText = value;
-            rule.descriptionOp = TextOperator(kOperatorWords, op);
+            rule.descriptionOp = op;
             rule.descriptionText = value;
         }
     }
@@ -174,11 +204,8 @@ int RunSearchCommand(Context& ctx) {
     rule.listDiscs = rule.onlyDiscs || ((rule.byName || rule.descriptionOp != SearchOp::None) && !discless);
 
     // The discs as the disc list shows them, all marked unless --disc names some.
-    WalkList folders, files;
-    WalkFolder(ctx.dataFolder, folders, files);
-    std::vector<std::string> labels = LabelsOf(files);
-    std::stable_sort(labels.begin(), labels.end(),
-                     [](const std::string& a, const std::string& b) { return ListOrderLess(a, b); });
+    std::vector<std::string> labels = CatalogueLabels(ctx.dataFolder);
+    SortForList(labels);
     const std::vector<std::string> wanted = ctx.args.GetAll("--disc");
     for (const std::string& label : wanted) {
         if (std::find(labels.begin(), labels.end(), label) == labels.end())
@@ -205,8 +232,7 @@ int RunSearchCommand(Context& ctx) {
     } else {
         end = RunSearch(ctx.dataFolder, c, sink);
     }
-    std::stable_sort(sink.hits.begin(), sink.hits.end(),
-                     [](const std::string& a, const std::string& b) { return ListOrderLess(a, b); });
+    SortForList(sink.hits);  // keys folded once, not in every comparison
     PrintHits(ctx, sink.hits);
     ctx.out->flush();
     if (end == SearchEnd::HitLimit) ctx.Refuse({"%1", "%1"}, {TopicText(ctx, kTopicHitLimit)});

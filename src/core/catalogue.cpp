@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include "core/scan.h"
 #include "core/text.h"
 
 namespace ct {
@@ -120,79 +121,62 @@ LineReader::~LineReader() {
     if (file_) std::fclose(file_);
 }
 
+void LineReader::Grow(std::size_t size) {
+    std::unique_ptr<char[]> bigger(new char[size]);
+    if (end_ > 0) std::memcpy(bigger.get(), buf_.get(), end_);
+    buf_ = std::move(bigger);
+    size_ = size;
+}
+
 bool LineReader::Fill() {
     if (!file_ || eof_) return false;
-    // Most catalogues are small: start with a modest buffer and double it
-    // while reads fill it, up to the block size.
-    constexpr std::size_t kFirstBlock = 8 * 1024;
-    if (buf_.empty())
-        buf_.resize(std::min(block_, kFirstBlock));
-    else if (end_ == buf_.size() && buf_.size() < block_)
-        buf_.resize(std::min(block_, buf_.size() * 2));
-    const std::size_t n = std::fread(buf_.data(), 1, buf_.size(), file_);
-    pos_ = 0;
-    end_ = n;
-    if (n == 0) {
-        eof_ = true;  // the end, or a read error: both end the file for us
-        return false;
+    // What is left behind the whole lines is the start of the next line.
+    const std::size_t carry = end_ - cut_;
+    if (carry > 0 && cut_ > 0) std::memmove(buf_.get(), buf_.get() + cut_, carry);
+    pos_ = cut_ = 0;
+    end_ = carry;
+    // Most catalogues are small: one read of a modest buffer holds them.
+    // The buffer grows (doubling) only for a line longer than itself.
+    constexpr std::size_t kFirstBlock = 64 * 1024;
+    if (!buf_) Grow(std::min(block_, kFirstBlock));
+    for (;;) {
+        if (end_ == size_) Grow(size_ * 2);
+        const std::size_t want = size_ - end_;
+        const std::size_t n = std::fread(buf_.get() + end_, 1, want, file_);
+        end_ += n;
+        // A short read is the end, or a read error: both end the file for us.
+        if (n < want) {
+            eof_ = true;
+            cut_ = end_;
+            return end_ > 0;
+        }
+        // Behind the last line end, but a CR at the very end waits: a LF in
+        // the next block would belong to it.
+        std::size_t k = end_;
+        if (buf_[k - 1] == '\r') --k;
+        while (k > 0 && buf_[k - 1] != '\n' && buf_[k - 1] != '\r') --k;
+        if (k > 0) {
+            cut_ = k;
+            return true;
+        }
     }
-    const char* base = buf_.data();
-    const void* cr = std::memchr(base, '\r', n);
-    const void* lf = std::memchr(base, '\n', n);
-    crAt_ = cr ? static_cast<std::size_t>(static_cast<const char*>(cr) - base) : n;
-    lfAt_ = lf ? static_cast<std::size_t>(static_cast<const char*>(lf) - base) : n;
-    return true;
+}
+
+std::string_view LineReader::Buffered() {
+    if (pos_ >= cut_ && !Fill()) return {};
+    return std::string_view(buf_.get() + pos_, cut_ - pos_);
 }
 
 bool LineReader::NextRaw(std::string_view& line) {
     if (!file_) return false;
-    carry_.clear();
-    bool carrying = false;
-    const auto find = [this](char c) {
-        const char* base = buf_.data();
-        const void* p = std::memchr(base + pos_, c, end_ - pos_);
-        return p ? static_cast<std::size_t>(static_cast<const char*>(p) - base) : end_;
-    };
-    for (;;) {
-        if (pos_ >= end_ && !Fill()) {
-            if (!carrying) return false;
-            line = carry_;  // a last line without its line end
-            return true;
-        }
-        if (afterCr_) {
-            afterCr_ = false;
-            if (buf_[pos_] == '\n') {
-                ++pos_;
-                continue;
-            }
-        }
-        // The next CR and LF are remembered, so a file with only one kind of
-        // line end is scanned once for the other kind per block, not per line.
-        if (crAt_ < pos_) crAt_ = find('\r');
-        if (lfAt_ < pos_) lfAt_ = find('\n');
-        const std::size_t eol = std::min(crAt_, lfAt_);
-        if (eol < end_) {
-            std::size_t next = eol + 1;
-            if (buf_[eol] == '\r') {
-                if (next < end_) {
-                    if (buf_[next] == '\n') ++next;
-                } else {
-                    afterCr_ = true;  // its LF, if any, opens the next block
-                }
-            }
-            if (carrying) {
-                carry_.append(buf_.data() + pos_, eol - pos_);
-                line = carry_;
-            } else {
-                line = std::string_view(buf_.data() + pos_, eol - pos_);
-            }
-            pos_ = next;
-            return true;
-        }
-        carry_.append(buf_.data() + pos_, end_ - pos_);
-        carrying = true;
-        pos_ = end_;
-    }
+    if (pos_ >= cut_ && !Fill()) return false;
+    const char* base = buf_.get();
+    const std::size_t eol = pos_ + scan::FindLineEnd(base + pos_, cut_ - pos_);
+    line = std::string_view(base + pos_, eol - pos_);
+    std::size_t next = eol + 1;
+    if (eol < cut_ && base[eol] == '\r' && next < cut_ && base[next] == '\n') ++next;
+    pos_ = std::min(next, cut_);
+    return true;
 }
 
 bool LineReader::Next(std::string& line) {
@@ -207,17 +191,7 @@ bool LineReader::Next(std::string& line) {
 
 bool LineReader::AtEnd() {
     if (!file_) return true;
-    for (;;) {
-        if (pos_ >= end_ && !Fill()) return true;
-        if (afterCr_) {
-            afterCr_ = false;
-            if (buf_[pos_] == '\n') {
-                ++pos_;
-                continue;
-            }
-        }
-        return false;
-    }
+    return pos_ >= cut_ && !Fill();
 }
 
 CatalogueReader::CatalogueReader(const std::string& path) : lines_(path) {}

@@ -15,6 +15,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -66,7 +67,13 @@ std::string WithDescription(std::string_view line, std::string_view text);
 // Reads a file line by line in large blocks. A line is handed out without its
 // CR LF (a lone LF or a lone CR ends a line too), decoded to UTF-8
 // (DecodeLine). The last line needs no line end. Nothing beyond the current
-// line and the block is kept, so memory doesn't grow with the file.
+// block is kept, so memory doesn't grow with the file (only a single line
+// longer than the block grows it).
+//
+// Each block is cut behind its last whole line, and a CR at a block's end is
+// held back until the next byte is known, so the buffer always begins at a
+// line start and holds whole lines: the block scans (Buffered, Skip) may pass
+// over many lines at once without splitting a line end.
 class LineReader {
 public:
     static constexpr std::size_t kDefaultBlock = std::size_t{1} << 20;
@@ -86,17 +93,27 @@ public:
     bool Next(std::string& line);
     bool AtEnd();
 
+    // The whole lines read and not yet handed out, from a line start; reads
+    // the next block when none are left. Empty at the end of the file.
+    std::string_view Buffered();
+    // Passes over the first `n` bytes of Buffered() (n must end at a line
+    // start or at the end of Buffered()).
+    void Skip(std::size_t n) { pos_ += n; }
+
 private:
     bool Fill();
+    void Grow(std::size_t size);
     std::FILE* file_ = nullptr;
     Failure openFailure_;
-    std::string buf_;
-    std::size_t pos_ = 0, end_ = 0;
+    // Not a std::string: its resize would zero every new block, which costs
+    // as much as reading a small catalogue.
+    std::unique_ptr<char[]> buf_;
+    std::size_t size_ = 0;  // of buf_
+    std::size_t pos_ = 0;  // next unread byte
+    std::size_t cut_ = 0;  // end of the whole lines in buf_
+    std::size_t end_ = 0;  // end of the bytes in buf_
     bool eof_ = false;
-    bool afterCr_ = false;  // the last line ended in CR: a LF at once belongs to it
-    std::size_t crAt_ = 0, lfAt_ = 0;  // next CR / LF at or behind pos_ (end_ when none)
     std::size_t block_;
-    std::string carry_;
 };
 
 // Walks a catalogue by its sections. Every call is safe on a damaged file.

@@ -31,6 +31,8 @@ constexpr Wording kWordings[] = {
     {FailCode::FolderMissing, "Den Ordner „%1“ gibt es nicht.", "The folder \"%1\" doesn't exist."},
     {FailCode::BadLabel, "„%1“ ist keine gültige Bezeichnung.", "\"%1\" is not a valid label."},
     {FailCode::NoDisc, "Es gibt keinen Datenträger „%1“.", "There is no disc \"%1\"."},
+    {FailCode::SetAside, "„%1“ kann für das Neueinlesen nicht beiseitegelegt werden; der Katalog bleibt, wie er war.",
+     "Cannot set \"%1\" aside for the re-read; the catalogue stays as it was."},
     {FailCode::Cancelled, "Abgebrochen; „%1“ ist unverändert.", "Cancelled; \"%1\" is unchanged."},
     {FailCode::ReadOnly, "„%1“ ist schreibgeschützt und bleibt unverändert.",
      "\"%1\" is read-only and stays unchanged."},

@@ -26,6 +26,7 @@ enum class FailCode {
     NoDisc,          // no disc is labelled `path`
     Cancelled,       // the user stopped it; nothing was written
     ReadOnly,        // `path` may not be changed (no write permission)
+    SetAside,        // `path` couldn't be set aside for a re-read; it stays as it was
     BadText,         // the text for `path` holds a line break, which no line can keep
 };
 

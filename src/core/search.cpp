@@ -54,26 +54,25 @@ void UpperInto(std::string_view s, std::string& out) {
 // The fields of a line cut from the left at its first `count` bars; the last
 // one is the rest of the line. Fields the line lacks stay empty.
 template <std::size_t N>
-void CutFields(std::string_view line, std::array<std::string_view, N>& f) {
+void CutFields(std::string_view line, std::array<std::string_view, N>& f, const std::size_t* bars,
+               std::size_t found) {
     std::size_t start = 0;
     for (std::size_t i = 0; i < N; ++i) {
-        if (start > line.size()) {
-            f[i] = {};
-            continue;
-        }
-        if (i + 1 == N) {
-            f[i] = line.substr(start);
-            break;
-        }
-        std::size_t bar = line.find('|', start);
-        if (bar == std::string_view::npos) {
-            f[i] = line.substr(start);
+        if (i < found) {
+            f[i] = line.substr(start, bars[i] - start);
+            start = bars[i] + 1;
+        } else if (i == found) {
+            f[i] = line.substr(start);  // the rest of the line
             start = line.size() + 1;
         } else {
-            f[i] = line.substr(start, bar - start);
-            start = bar + 1;
+            f[i] = {};
         }
     }
+}
+template <std::size_t N>
+void CutFields(std::string_view line, std::array<std::string_view, N>& f) {
+    std::size_t bars[N - 1];
+    CutFields(line, f, bars, scan::FindBars(line.data(), line.size(), bars, N - 1));
 }
 
 bool StartsWith(std::string_view t, std::string_view s) {
@@ -211,6 +210,17 @@ SearchOp NumberOperator(const std::array<std::string, 10>& texts, std::string_vi
     return SearchOp::None;
 }
 
+namespace {
+// An operator a box doesn't offer turns its test off, as a text it doesn't
+// offer does.
+SearchOp TextOnly(SearchOp op) { return op == SearchOp::Greater || op == SearchOp::Less ? SearchOp::None : op; }
+SearchOp NumberOnly(SearchOp op) {
+    return op == SearchOp::Equal || op == SearchOp::NotEqual || op == SearchOp::Greater || op == SearchOp::Less
+               ? op
+               : SearchOp::None;
+}
+}  // namespace
+
 bool CompareText(SearchOp op, std::string_view t, std::string_view s) {
     switch (op) {
     case SearchOp::Equal: return t == s;
@@ -275,6 +285,30 @@ bool ReadDate(std::string_view s, SearchTime& out) {
     return true;
 }
 
+namespace {
+// The form every catalogue line has, "dd.mm.yyyy hh:mm:ss", read without the
+// general reader into a number that orders as the time does (yyyymmddhhmmss);
+// false for anything else, which then goes to ReadDate.
+bool FixedDateKey(std::string_view s, std::uint64_t& key) {
+    if (s.size() != 19 || s[2] != '.' || s[5] != '.' || s[10] != ' ' || s[13] != ':' || s[16] != ':') return false;
+    int v[14];
+    static constexpr int kDigits[14] = {0, 1, 3, 4, 6, 7, 8, 9, 11, 12, 14, 15, 17, 18};
+    for (int k = 0; k < 14; ++k) {
+        const unsigned d = static_cast<unsigned char>(s[static_cast<std::size_t>(kDigits[k])]) - '0';
+        if (d > 9) return false;
+        v[k] = static_cast<int>(d);
+    }
+    const int day = v[0] * 10 + v[1], month = v[2] * 10 + v[3];
+    const int year = v[4] * 1000 + v[5] * 100 + v[6] * 10 + v[7];
+    const int hour = v[8] * 10 + v[9], minute = v[10] * 10 + v[11], second = v[12] * 10 + v[13];
+    if (year < 100) return false;
+    if (month < 1 || month > 12 || day < 1 || day > DaysInMonth(year, month)) return false;
+    if (hour > 23 || minute > 59 || second > 59) return false;
+    key = ((((static_cast<std::uint64_t>(year) * 100 + month) * 100 + day) * 100 + hour) * 100 + minute) * 100 + second;
+    return true;
+}
+}  // namespace
+
 std::string DateText(SearchTime time) {
     std::int64_t days = time / 86400, secs = time % 86400;
     if (secs < 0) {
@@ -332,21 +366,25 @@ int CheckCriteria(const SearchCriteria& c) {
 
 Matcher::Matcher(const SearchCriteria& c)
     : term_(UpperCase(c.nameTerm)),
-      nameOp_(TextOperator(c.operatorTexts, c.nameOperator)),
+      nameOp_(TextOnly(c.nameOperator)),
       checkName_(c.checkName),
       checkSize_(c.checkSize),
       checkAttributes_(c.checkAttributes),
       checkDate_(c.checkDate),
       checkDescription_(c.checkDescription),
-      sizeOp_(NumberOperator(c.operatorTexts, c.sizeOperator)),
-      dateOp_(NumberOperator(c.operatorTexts, c.dateOperator)),
-      descriptionOp_(TextOperator(c.operatorTexts, c.descriptionOperator)),
+      sizeOp_(NumberOnly(c.sizeOperator)),
+      dateOp_(NumberOnly(c.dateOperator)),
+      descriptionOp_(TextOnly(c.descriptionOperator)),
       sizeLimit_(ParseLeadingDecimal(c.sizeText)),
       description_(c.descriptionText) {
     needFields_ = checkSize_ || checkAttributes_ || checkDate_ || checkDescription_;
+    // Size and Time are read as numbers, the same from raw bytes as from the
+    // decoded line; only text comparisons need the line decoded.
+    textFields_ = checkAttributes_ || checkDescription_;
     if (c.attributes != kNoAttributesLiteral && c.attributes != c.noAttributesText)
         wantedAttributes_ = c.attributes;
     if (checkDate_ && !ReadDate(c.dateText, dateLimit_)) dateOp_ = SearchOp::None;
+    if (dateOp_ != SearchOp::None) FixedDateKey(DateText(dateLimit_), dateKey_);
     // Raw bytes may be searched for an ASCII term whatever a line's encoding,
     // as long as no other letter upper-cases into one of the term's: only the
     // dotless i and the long s do, into I and S.
@@ -410,13 +448,43 @@ bool Matcher::TestDisc(std::string_view label, std::string_view headerLine) {
     return CompareText(nameOp_, l, term_) || CompareText(nameOp_, d, term_);
 }
 
+bool Matcher::SectionNeedle(bool folderSection, scan::Needle& needle) const {
+    auto positive = [](SearchOp op) {
+        return op == SearchOp::Equal || op == SearchOp::Contains || op == SearchOp::BeginsWith ||
+               op == SearchOp::EndsWith;
+    };
+    // A term with a line end in it is in no line; the plain reader finds that out.
+    auto usable = [](std::string_view s) {
+        return !s.empty() && s.find('\r') == std::string_view::npos && s.find('\n') == std::string_view::npos;
+    };
+    // "Ends with" shortens the term at each folder line it tests, so there
+    // every folder line is tested while the term still ends in a backslash.
+    const bool shrinking = folderSection && nameOp_ == SearchOp::EndsWith && !term_.empty() && term_.back() == '\\';
+    if (checkName_ && positive(nameOp_) && termRawSafe_ && usable(term_) && !shrinking) {
+        needle = scan::Needle(term_, true);
+        return true;
+    }
+    // The description test is exact: an ASCII text has the same bytes in
+    // every encoding a line may have, and no other character yields them.
+    if (checkDescription_ && positive(descriptionOp_) && usable(description_) && IsAscii(description_)) {
+        needle = scan::Needle(description_, false);
+        return true;
+    }
+    return false;
+}
+
 bool Matcher::FieldTests(std::string_view attributes, std::string_view time,
                          std::string_view description) {
     if (checkAttributes_ && attributes != wantedAttributes_) return false;
     if (checkDate_ && dateOp_ != SearchOp::None) {
-        SearchTime t;
-        if (!ReadDate(time, t)) return false;  // an unreadable Time fails this line only
-        if (!CompareNumber(dateOp_, t, dateLimit_)) return false;
+        // An unreadable Time fails this line only.
+        std::uint64_t key;
+        if (FixedDateKey(time, key)) {
+            if (!CompareNumber(dateOp_, key, dateKey_)) return false;
+        } else {
+            SearchTime t;
+            if (!ReadDate(time, t) || !CompareNumber(dateOp_, t, dateLimit_)) return false;
+        }
     }
     if (checkDescription_ && !CompareText(descriptionOp_, description, description_)) return false;
     return true;
@@ -432,7 +500,7 @@ bool Matcher::TestFolderLine(std::string_view line, std::string& path) {
     std::size_t bar = line.find('|');
     if (bar == std::string_view::npos) return false;
     // Only the part that is looked at decides whether the line needs decoding.
-    if (!IsAscii(needFields_ ? line : line.substr(0, bar))) {
+    if (!IsAscii(textFields_ ? line : line.substr(0, bar))) {
         decoded_ = DecodeLine(line);
         line = decoded_;
         bar = line.find('|');
@@ -456,8 +524,19 @@ bool Matcher::TestFolderLine(std::string_view line, std::string& path) {
 }
 
 bool Matcher::TestFileLine(std::string_view line, std::string& path) {
-    std::size_t bar = line.find('|');
-    if (bar == std::string_view::npos) return false;
+    // With fields to test, the line's first bars are found in one pass.
+    std::size_t bars[4];
+    std::size_t barCount = 0;
+    bool barsKnown = needFields_;
+    std::size_t bar;
+    if (barsKnown) {
+        barCount = scan::FindBars(line.data(), line.size(), bars, 4);
+        if (barCount == 0) return false;
+        bar = bars[0];
+    } else {
+        bar = line.find('|');
+        if (bar == std::string_view::npos) return false;
+    }
     if (!needFields_) {
         // The pure name search: the own name alone is looked at, in place, and
         // the line is decoded only for a hit whose path isn't plain ASCII.
@@ -490,10 +569,11 @@ bool Matcher::TestFileLine(std::string_view line, std::string& path) {
             return true;
         }
     }
-    if (!IsAscii(needFields_ ? line : line.substr(0, bar))) {
+    if (!IsAscii(textFields_ ? line : line.substr(0, bar))) {
         decoded_ = DecodeLine(line);
         line = decoded_;
         bar = line.find('|');
+        barsKnown = false;
     }
     const std::string_view p = line.substr(0, bar);
     if (checkName_ && nameOp_ != SearchOp::None) {
@@ -502,7 +582,10 @@ bool Matcher::TestFileLine(std::string_view line, std::string& path) {
     }
     if (needFields_) {
         std::array<std::string_view, 5> f;
-        CutFields(line, f);
+        if (barsKnown)
+            CutFields(line, f, bars, barCount);
+        else
+            CutFields(line, f);
         if (checkSize_ && sizeOp_ != SearchOp::None) {
             const Fixed size = ParseLeadingDecimal(f[1]);
             // A Size beyond the fixed-point range is no size at all.
@@ -517,11 +600,52 @@ bool Matcher::TestFileLine(std::string_view line, std::string& path) {
 
 // --- The run ---------------------------------------------------------------------------------
 
+
 namespace {
-// The read block of a search. Small enough to come from the heap, so that the
-// next catalogue gets the same memory back: a larger one is mapped afresh for
-// every catalogue, and its page faults and zeroing cost twice the search.
-constexpr std::size_t kReadBlock = std::size_t{64} << 10;
+
+enum class Step { Next, FileEnded, Stop };
+
+// One section of a catalogue: its lines up to the first empty line (read and
+// dropped) or the end of the file, each handed to `test`, which says whether
+// the run goes on. With a needle, only the lines that hold it are handed out:
+// one vector pass per block finds them and the empty line, and the runs of
+// lines between are passed over whole.
+template <class Test>
+Step ScanSection(LineReader& reader, const scan::Needle* needle, Test&& test) {
+    std::string_view line;
+    if (!needle) {
+        for (;;) {
+            if (!reader.NextRaw(line)) return Step::FileEnded;
+            if (line.empty()) return Step::Next;
+            if (!test(line)) return Step::Stop;
+        }
+    }
+    for (;;) {
+        const std::string_view block = reader.Buffered();
+        if (block.empty()) return Step::FileEnded;
+        bool empty = false;
+        std::size_t at = 0;
+        if (block[0] != '\r' && block[0] != '\n') {
+            at = scan::NextEvent(block.data(), block.size(), *needle, empty);
+            if (at == block.size()) {
+                reader.Skip(at);
+                continue;
+            }
+        } else {
+            empty = true;
+        }
+        if (empty) {
+            reader.Skip(at);
+            reader.NextRaw(line);  // the empty line that ends the section
+            return Step::Next;
+        }
+        while (at > 0 && block[at - 1] != '\r' && block[at - 1] != '\n') --at;
+        reader.Skip(at);
+        reader.NextRaw(line);
+        if (!test(line)) return Step::Stop;
+    }
+}
+
 }  // namespace
 
 SearchEnd RunSearch(const std::string& dataFolder, const SearchCriteria& c, HitSink& sink,
@@ -529,33 +653,46 @@ SearchEnd RunSearch(const std::string& dataFolder, const SearchCriteria& c, HitS
     Matcher matcher(c);
     const bool folders = c.kind == 1 || c.kind == 2;
     const bool files = c.kind == 0 || c.kind == 2;
+    const bool fast = hooks.prefilter;
     std::string path, hit;
     int counter = 1;
-    auto add = [&](const std::string& text) {
-        if (sink.Count() >= kHitLimit) return false;
-        sink.Add(text);
-        return true;
-    };
+    auto add = [&](const std::string& text) { return sink.Add(text); };
+    // Lines of a section that isn't searched are only passed over: a needle
+    // no line holds finds nothing but the section's end.
+    const scan::Needle nothing;
+    scan::Needle needle;
     for (const SearchDisc& disc : c.discs) {
         if (!disc.marked) continue;
         {
-            LineReader reader(CataloguePath(dataFolder, disc.label), kReadBlock);
+            // 64 KiB by default: small enough to come from the heap, so that the
+            // next catalogue gets the same memory back without page faults.
+            LineReader reader(CataloguePath(dataFolder, disc.label), hooks.readBlock);
             std::string_view line;
             if (reader.IsOpen() && reader.NextRaw(line)) {
                 if (matcher.TestDisc(disc.label, line) && !add(disc.label)) return SearchEnd::HitLimit;
                 if (reader.NextRaw(line)) {  // line 2, empty
-                    bool more = true;
-                    while ((more = reader.NextRaw(line)) && !line.empty()) {
-                        if (folders && matcher.TestFolderLine(line, path)) {
-                            hit.assign(disc.label).append(1, '\\').append(path).append(1, '\\');
-                            if (!add(hit)) return SearchEnd::HitLimit;
-                        }
+                    auto onFolder = [&](std::string_view l) {
+                        if (!matcher.TestFolderLine(l, path)) return true;
+                        hit.assign(disc.label).append(1, '\\').append(path).append(1, '\\');
+                        return add(hit);
+                    };
+                    auto onFile = [&](std::string_view l) {
+                        if (!matcher.TestFileLine(l, path)) return true;
+                        hit.assign(disc.label).append(1, '\\').append(path);
+                        return add(hit);
+                    };
+                    const scan::Needle* n = nullptr;
+                    Step step;
+                    if (folders) {
+                        if (fast && matcher.SectionNeedle(true, needle)) n = &needle;
+                        step = ScanSection(reader, n, onFolder);
+                    } else {
+                        step = ScanSection(reader, fast ? &nothing : nullptr, [](std::string_view) { return true; });
                     }
-                    while (files && more && (more = reader.NextRaw(line)) && !line.empty()) {
-                        if (matcher.TestFileLine(line, path)) {
-                            hit.assign(disc.label).append(1, '\\').append(path);
-                            if (!add(hit)) return SearchEnd::HitLimit;
-                        }
+                    if (step == Step::Stop) return SearchEnd::HitLimit;
+                    if (files && step == Step::Next) {
+                        n = fast && matcher.SectionNeedle(false, needle) ? &needle : nullptr;
+                        if (ScanSection(reader, n, onFile) == Step::Stop) return SearchEnd::HitLimit;
                     }
                 }
             }
@@ -565,30 +702,6 @@ SearchEnd RunSearch(const std::string& dataFolder, const SearchCriteria& c, HitS
         ++counter;
     }
     return SearchEnd::Normal;
-}
-
-bool ListOrderLess(std::string_view a, std::string_view b) {
-    // Case folds to lower case, as the window lists compare: so '\\' and '_'
-    // sort before the letters, and a disc's hits follow the disc itself.
-    auto lower = [](unsigned char c) { return c >= 'A' && c <= 'Z' ? c + 32 : c; };
-    if (IsAscii(a) && IsAscii(b)) {
-        const std::size_t n = a.size() < b.size() ? a.size() : b.size();
-        for (std::size_t i = 0; i < n; ++i) {
-            const int x = lower(static_cast<unsigned char>(a[i]));
-            const int y = lower(static_cast<unsigned char>(b[i]));
-            if (x != y) return x < y;
-        }
-        if (a.size() != b.size()) return a.size() < b.size();
-        return a < b;
-    }
-    auto key = [&](std::string_view s) {
-        std::string k = UpperCase(s);
-        for (char& c : k) c = static_cast<char>(lower(static_cast<unsigned char>(c)));
-        return k;
-    };
-    const std::string ka = key(a), kb = key(b);
-    if (ka != kb) return ka < kb;
-    return a < b;
 }
 
 }  // namespace ct

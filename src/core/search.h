@@ -8,10 +8,10 @@
 //     one line at a time, nothing kept behind the line in hand;
 //   - what receives: a HitSink, the window's sorted list or a printer.
 //
-// The criteria are plain values taken from the controls: the operators are
-// known only as the texts the combo boxes show, compared with the ten operator
-// texts of the language in force, so a text that is none of them turns its
-// test off, exactly as the window behaves.
+// The criteria are plain values: each operator is a SearchOp, None when the
+// test is off. The window maps its combo boxes' texts to them (TextOperator,
+// NumberOperator: a text that names no operator turns its test off), the
+// terminal tool its own words.
 #pragma once
 
 #include <array>
@@ -22,7 +22,9 @@
 #include <string_view>
 #include <vector>
 
+#include "core/collate.h"
 #include "core/fixed.h"
+#include "core/scan.h"
 
 namespace ct {
 
@@ -72,12 +74,12 @@ struct SearchCriteria {
     int kind = 2;  // cboSuchen: 0 files, 1 folders, 2 both, -1 none chosen
 
     bool checkName = true;  // CheckDateiOrdner
-    std::string nameOperator;  // cboOperator's text (never checked for a choice)
+    SearchOp nameOperator = SearchOp::Contains;  // None: no name test (and the disc test passes)
     std::string nameTerm;      // txtSuchen, used by the disc test even when unchecked
 
     bool checkSize = false;
     bool sizeOperatorChosen = false;
-    std::string sizeOperator;
+    SearchOp sizeOperator = SearchOp::None;  // Equal, NotEqual, Greater, Less
     std::string sizeText;
 
     bool checkAttributes = false;
@@ -86,16 +88,15 @@ struct SearchCriteria {
 
     bool checkDate = false;
     bool dateOperatorChosen = false;
-    std::string dateOperator;
+    SearchOp dateOperator = SearchOp::None;  // Equal, NotEqual, Greater, Less
     std::string dateText;
 
     bool checkDescription = false;
     bool descriptionOperatorChosen = false;
-    std::string descriptionOperator;
+    SearchOp descriptionOperator = SearchOp::None;  // the eight text operators
     std::string descriptionText;
 
-    // Texts 10068..10077 of the language in force, and text 10078.
-    std::array<std::string, 10> operatorTexts;
+    // Text 10078 of the language in force: the attribute box's first row.
     std::string noAttributesText;
 
     std::vector<SearchDisc> discs;  // in the disc list's order
@@ -146,6 +147,12 @@ public:
     bool TestFolderLine(std::string_view line, std::string& path);
     bool TestFileLine(std::string_view line, std::string& path);
 
+    // A needle that every line of the next section must hold to pass, when
+    // the criteria give one (a positive name or description test on a term
+    // whose bytes are found in the raw line whatever its encoding): then the
+    // lines without it need not be looked at. False when none applies.
+    bool SectionNeedle(bool folderSection, scan::Needle& needle) const;
+
     // The term as the next test sees it (upper-cased; a folder test with
     // "ends with" may have taken closing backslashes off).
     const std::string& SearchTerm() const { return term_; }
@@ -163,10 +170,12 @@ private:
     bool checkName_;
     bool checkSize_, checkAttributes_, checkDate_, checkDescription_;
     bool needFields_;
+    bool textFields_;  // a field is compared as text: a line not plain ASCII is decoded
     bool termRawSafe_ = false;  // the term can be sought in undecoded bytes
     SearchOp sizeOp_, dateOp_, descriptionOp_;
     Fixed sizeLimit_;
     SearchTime dateLimit_ = 0;
+    std::uint64_t dateKey_ = 0;  // the limit as the stored form's ordering number
     std::string wantedAttributes_;
     std::string description_;
     // Skip distances by byte for "contains" (Horspool, case folded): most
@@ -178,11 +187,14 @@ private:
 
 // --- The run ---------------------------------------------------------------------
 
-// Receives the hits of a run.
+// Receives the hits of a run, and decides whether the run goes on: Add
+// returns false when it takes no more (the list is full), and the run ends
+// there with SearchEnd::HitLimit. The window's list and the terminal tool
+// take kHitLimit hits.
 class HitSink {
 public:
     virtual ~HitSink() = default;
-    virtual void Add(const std::string& hitText) = 0;
+    virtual bool Add(const std::string& hitText) = 0;
     virtual std::size_t Count() const = 0;
 };
 
@@ -192,6 +204,12 @@ struct SearchHooks {
     std::function<void(int discCounter, std::size_t hits)> afterDisc;
     // Looked at after each marked disc, behind afterDisc.
     const bool* stopRequested = nullptr;
+    // Pass over the lines that can't match by block scans. Off only to check
+    // the fast path against the plain line-by-line reading: same hits.
+    bool prefilter = true;
+    // The size of one read. Tests make it tiny, so that lines, line ends and
+    // terms straddle blocks.
+    std::size_t readBlock = std::size_t{64} << 10;
 };
 
 enum class SearchEnd { Normal, Stopped, HitLimit };
@@ -203,8 +221,5 @@ enum class SearchEnd { Normal, Stopped, HitLimit };
 SearchEnd RunSearch(const std::string& dataFolder, const SearchCriteria& criteria, HitSink& sink,
                     const SearchHooks& hooks = {});
 
-// The order of the sorted lists: case ignored as the window lists ignore it
-// (letters folded to lower case), ties by bytes.
-bool ListOrderLess(std::string_view a, std::string_view b);
 
 }  // namespace ct

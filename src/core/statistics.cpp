@@ -9,6 +9,7 @@
 #include <memory>
 
 #include "core/catalogue.h"
+#include "core/scan.h"
 #include "core/text.h"
 
 namespace ct {
@@ -27,125 +28,40 @@ std::string SizeText(const std::string& bytes, double gigabytes, const std::stri
     return bytes + " Bytes (" + Round2Text(gigabytes, separator) + " GB)";
 }
 
-// One catalogue's bytes, block by block, through the states of the counting
-// way. Line ends are those of LineReader: CR LF, LF, or a lone CR.
-class CountScan {
-public:
-    void Feed(const char* p, std::size_t n) {
-        std::size_t i = 0;
-        if (afterCr_) {
-            afterCr_ = false;
-            if (n > 0 && p[0] == '\n') i = 1;
-        }
-        // The next CR and LF, found once per block and then only when passed,
-        // so a file with one kind of line end isn't scanned again per line.
-        std::size_t crAt = 0, lfAt = 0;
-        bool crKnown = false, lfKnown = false;
-        auto find = [&](char c, std::size_t from) {
-            const void* hit = std::memchr(p + from, c, n - from);
-            return hit ? static_cast<std::size_t>(static_cast<const char*>(hit) - p) : n;
-        };
-        while (i < n) {
-            if (at_ == At::Files) {
-                CountFiles(p + i, n - i);
-                return;
-            }
-            if (!crKnown || crAt < i) crAt = find('\r', i), crKnown = true;
-            if (!lfKnown || lfAt < i) lfAt = find('\n', i), lfKnown = true;
-            const std::size_t eol = std::min(crAt, lfAt);
-            if (eol == n) {
-                Partial(p + i, n - i);
-                return;
-            }
-            EndLine(p + i, eol - i);
-            std::size_t next = eol + 1;
-            if (p[eol] == '\r') {
-                if (next < n) {
-                    if (p[next] == '\n') ++next;
-                } else {
-                    afterCr_ = true;  // its LF, if any, opens the next block
-                }
-            }
-            i = next;
-        }
-    }
-
-    void Finish(CatalogueCounts& counts) {
-        if ((at_ == At::Folders && partial_)) ++folders_;
-        if (at_ == At::Files && partial_) ++files_;
-        counts.headerLine = DecodeLine(header_);
-        counts.folders = folders_;
-        counts.files = files_;
-    }
-
-private:
-    enum class At { Header, Line2, Folders, Files };
-
-    void Partial(const char* p, std::size_t len) {
-        if (at_ == At::Header) header_.append(p, len);
-        if (len > 0) partial_ = true;
-    }
-
-    void EndLine(const char* p, std::size_t len) {
-        switch (at_) {
-        case At::Header:
-            header_.append(p, len);
-            at_ = At::Line2;
-            break;
-        case At::Line2:
-            at_ = At::Folders;
-            break;
-        case At::Folders:
-            if (len > 0 || partial_)
-                ++folders_;
-            else
-                at_ = At::Files;
-            break;
-        case At::Files:
-            break;
-        }
-        partial_ = false;
-    }
-
-    // Every line end is a file line, empty lines included; a CR LF is one.
-    void CountFiles(const char* p, std::size_t n) {
-        const char* end = p + n;
-        for (const char* c = p; (c = static_cast<const char*>(std::memchr(c, '\n', end - c))); ++c) ++files_;
-        for (const char* c = p; (c = static_cast<const char*>(std::memchr(c, '\r', end - c))); ++c) {
-            if (c + 1 < end) {
-                if (c[1] != '\n') ++files_;
-            } else {
-                ++files_;
-                afterCr_ = true;
-            }
-        }
-        partial_ = end[-1] != '\n' && end[-1] != '\r';
-    }
-
-    At at_ = At::Header;
-    std::string header_;
-    std::int64_t folders_ = 0, files_ = 0;
-    bool afterCr_ = false;
-    bool partial_ = false;  // the current line has bytes not yet ended
-};
-
 }  // namespace
 
-CatalogueCounter::CatalogueCounter(std::size_t blockSize) : buffer_(std::max<std::size_t>(1, blockSize)) {}
+CatalogueCounter::CatalogueCounter(std::size_t blockSize) : block_(std::max<std::size_t>(1, blockSize)) {}
 
 CatalogueCounts CatalogueCounter::Count(const std::string& path) {
     CatalogueCounts counts;
-    std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(OpenForReading(path), &std::fclose);
-    if (!file) return counts;
+    LineReader lines(path, block_);
+    if (!lines.IsOpen()) return counts;
     counts.opened = true;
-    std::setvbuf(file.get(), nullptr, _IONBF, 0);  // our own blocks; a stdio buffer would only copy
-    CountScan scan;
+    // The reader hands out blocks of whole lines, so no line end is split:
+    // the folder section to its empty line and the file section to the end
+    // are counted a block at a time, by one vector pass each.
+    std::string_view line;
+    if (!lines.NextRaw(line)) return counts;
+    counts.headerLine = DecodeLine(line);
+    if (!lines.NextRaw(line)) return counts;  // line 2, whatever it holds
+    const scan::Needle none;
+    auto isEnd = [](char c) { return c == '\r' || c == '\n'; };
     for (;;) {
-        const std::size_t got = std::fread(buffer_.data(), 1, buffer_.size(), file.get());
-        if (got == 0) break;  // the end, or a read error: both end the file, as for every reader
-        scan.Feed(buffer_.data(), got);
+        const std::string_view block = lines.Buffered();
+        if (block.empty()) return counts;  // the file ended among the folders
+        if (isEnd(block[0])) break;        // the empty line behind the folders
+        bool empty = false;
+        const std::size_t at = scan::NextEvent(block.data(), block.size(), none, empty);
+        counts.folders += scan::CountLineEnds(block.data(), at);
+        if (at == block.size() && !isEnd(block.back())) ++counts.folders;  // a last line without its end
+        lines.Skip(at);
+        if (empty) break;
     }
-    scan.Finish(counts);
+    lines.NextRaw(line);  // the empty line
+    for (std::string_view block; !(block = lines.Buffered()).empty(); lines.Skip(block.size())) {
+        counts.files += scan::CountLineEnds(block.data(), block.size());
+        if (!isEnd(block.back())) ++counts.files;
+    }
     return counts;
 }
 

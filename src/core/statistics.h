@@ -26,17 +26,17 @@ struct StatisticsTotals {
 // false stops the run there (the window was closed).
 using StatisticsProgress = std::function<bool(std::size_t disc, std::size_t discs)>;
 
-// The counting way (CountCatalogue) for a run over many catalogues: one
-// buffer for the whole run, line ends found with memchr, and the file section
-// counted without handing out lines. Gives exactly what CountCatalogue gives,
-// for damaged files too.
+// The counting way (CountCatalogue) for a run over many catalogues: the
+// sections counted a block of whole lines at a time, by vector passes,
+// without handing out lines. Gives exactly what CountCatalogue gives, for
+// damaged files too.
 class CatalogueCounter {
 public:
-    explicit CatalogueCounter(std::size_t blockSize = std::size_t{1} << 18);
+    explicit CatalogueCounter(std::size_t blockSize = std::size_t{64} << 10);
     CatalogueCounts Count(const std::string& path);
 
 private:
-    std::vector<char> buffer_;
+    std::size_t block_;
 };
 
 // Reads every catalogue of `labels` in `dataFolder` by the counting way. Every

@@ -2,6 +2,9 @@
 
 #include <QMouseEvent>
 #include <algorithm>
+#include <vector>
+
+#include "core/collate.h"
 
 namespace ct {
 
@@ -20,22 +23,32 @@ ListBox::ListBox(QWidget* parent) : QListWidget(parent) {
     connect(this, &QListWidget::itemSelectionChanged, this, [this] { userChanged(); });
 }
 
-bool ListBox::lessThan(const QString& a, const QString& b) const {
-    if (!pinned_.isEmpty()) {
-        const bool pa = a == pinned_, pb = b == pinned_;
-        if (pa != pb) return pa;
-    }
-    const int c = a.toCaseFolded().compare(b.toCaseFolded());
-    if (c != 0) return c < 0;
-    return a.compare(b) < 0;
+namespace {
+constexpr int kKeyRole = Qt::UserRole + 7;
 }
 
-int ListBox::sortedPlace(const QString& text) const {
+QByteArray ListBox::keyFor(const QString& text, const std::string& sortKey) const {
+    // '\0' sorts before every key's first byte but another '\0'; a pinned
+    // item gets "\0\0", every other key begins with "\1".
+    if (!pinned_.isEmpty() && text == pinned_) return QByteArray(2, '\0');
+    QByteArray key(1, '\1');
+    key.append(sortKey.data(), static_cast<qsizetype>(sortKey.size()));
+    return key;
+}
+
+QByteArray ListBox::keyOf(int row) const {
+    const QListWidgetItem* it = item(row);
+    const QVariant stored = it->data(kKeyRole);
+    if (stored.isValid()) return stored.toByteArray();
+    return keyFor(it->text(), SortKey(it->text().toStdString()));
+}
+
+int ListBox::sortedPlace(const QByteArray& key) const {
     // Behind any equal item: a name added twice keeps the order it came in.
     int lo = 0, hi = count();
     while (lo < hi) {
         const int mid = (lo + hi) / 2;
-        if (lessThan(text, item(mid)->text()))
+        if (key < keyOf(mid))
             hi = mid;
         else
             lo = mid + 1;
@@ -43,60 +56,59 @@ int ListBox::sortedPlace(const QString& text) const {
     return lo;
 }
 
-void ListBox::AddItem(const QString& text) {
+void ListBox::AddItem(const QString& text) { AddItem(text, SortKey(text.toStdString())); }
+
+void ListBox::AddItem(const QString& text, const std::string& sortKey) {
     Quiet q(quiet_);
-    insertItem(sortedPlace(text), text);
+    const QByteArray key = keyFor(text, sortKey);
+    auto* it = new QListWidgetItem(text);
+    it->setData(kKeyRole, key);
+    insertItem(sortedPlace(key), it);
 }
 
 void ListBox::AddItems(QStringList texts) {
     if (texts.isEmpty()) return;
     Quiet q(quiet_);
-    // The case-folded key of each text once, rather than twice per comparison:
-    // a large disc's root lists tens of thousands of names.
+    // Each text's key once: a large disc's root lists tens of thousands of names.
     struct Keyed {
-        bool pinned;
-        QString key;
+        std::string key;
         QString text;
     };
     std::vector<Keyed> keyed;
     keyed.reserve(static_cast<std::size_t>(texts.size()));
     for (QString& t : texts) {
-        const bool pinned = !pinned_.isEmpty() && t == pinned_;
-        keyed.push_back({pinned, t.toCaseFolded(), std::move(t)});
+        const QByteArray k = keyFor(t, SortKey(t.toStdString()));
+        keyed.push_back({k.toStdString(), std::move(t)});
     }
-    std::stable_sort(keyed.begin(), keyed.end(), [](const Keyed& a, const Keyed& b) {
-        if (a.pinned != b.pinned) return a.pinned;
-        const int c = a.key.compare(b.key);
-        if (c != 0) return c < 0;
-        return a.text.compare(b.text) < 0;
-    });
+    std::sort(keyed.begin(), keyed.end(), [](const Keyed& a, const Keyed& b) { return a.key < b.key; });
     texts.clear();
-    for (Keyed& k : keyed) texts.append(std::move(k.text));
     if (count() == 0) {
+        for (Keyed& k : keyed) texts.append(std::move(k.text));
         addItems(texts);
         return;
     }
     // Merge with what stands in the list, keeping the choice on its item.
     const int chosen = ListIndex();
-    QStringList old;
-    old.reserve(count());
-    for (int i = 0; i < count(); ++i) old.append(item(i)->text());
-    QStringList merged;
-    merged.reserve(old.size() + texts.size());
+    std::vector<Keyed> old;
+    old.reserve(static_cast<std::size_t>(count()));
+    for (int i = 0; i < count(); ++i) old.push_back({keyOf(i).toStdString(), item(i)->text()});
+    texts.reserve(static_cast<qsizetype>(old.size() + keyed.size()));
     int newChosen = -1;
-    auto a = old.cbegin();
-    auto b = texts.cbegin();
-    while (a != old.cend() || b != texts.cend()) {
-        const bool takeOld = b == texts.cend() || (a != old.cend() && !lessThan(*b, *a));
+    auto a = old.begin();
+    auto b = keyed.begin();
+    while (a != old.end() || b != keyed.end()) {
+        const bool takeOld = b == keyed.end() || (a != old.end() && !(b->key < a->key));
         if (takeOld) {
-            if (a - old.cbegin() == chosen) newChosen = merged.size();
-            merged.append(*a++);
+            if (a - old.begin() == chosen) newChosen = static_cast<int>(texts.size());
+            texts.append(std::move((a++)->text));
         } else {
-            merged.append(*b++);
+            texts.append(std::move((b++)->text));
         }
     }
+    // One insertion of all rows; their keys are made again only if single
+    // items are added later (a few per binary search).
     QListWidget::clear();
-    addItems(merged);
+    addItems(texts);
     if (newChosen >= 0) setCurrentRow(newChosen, QItemSelectionModel::ClearAndSelect);
 }
 

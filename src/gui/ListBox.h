@@ -1,13 +1,16 @@
-// A list box that keeps its items sorted by itself, without regard to case,
+// A list box that keeps its items sorted by itself in the list order of the
+// core (SortKey: case ignored, Ä beside A, ß as ss), each item's key made once,
 // holds one choice at a time, and runs its click handler on a user's click
 // (the already chosen item included), on a move by keyboard, and at once,
 // inside the setter, when code sets the current index.
 #pragma once
 
 #include <QListWidget>
+#include <QByteArray>
 #include <QString>
 #include <QStringList>
 #include <functional>
+#include <string>
 
 namespace ct {
 
@@ -25,6 +28,9 @@ public:
     // Adds one item at its sorted place. Doesn't change the choice or run
     // the handler.
     void AddItem(const QString& text);
+    // The same with the item's SortKey made already (the hit list has the
+    // UTF-8 text at hand).
+    void AddItem(const QString& text, const std::string& key);
     // Adds many items at once, as if each were added by AddItem; much faster
     // for the thousands of names of a large disc.
     void AddItems(QStringList texts);
@@ -47,8 +53,10 @@ protected:
                                                          const QEvent* event = nullptr) const override;
 
 private:
-    bool lessThan(const QString& a, const QString& b) const;
-    int sortedPlace(const QString& text) const;
+    // Keys as kept on the items: a pinned item's key sorts before all others.
+    QByteArray keyFor(const QString& text, const std::string& sortKey) const;
+    QByteArray keyOf(int row) const;
+    int sortedPlace(const QByteArray& key) const;
     void userChanged();
     void runClick();
 

@@ -5,7 +5,15 @@
 #include <QFont>
 #include <QFontDatabase>
 #include <QKeyEvent>
+#include <QLabel>
+#include <QLibraryInfo>
+#include <QTranslator>
 #include <QPointer>
+#include <QScreen>
+#include <QTimer>
+#include <algorithm>
+#include <cmath>
+#include <unistd.h>
 #include <QWidget>
 
 #include "core/rddll.h"
@@ -30,8 +38,70 @@ RDDLL& RD() {
     return rd;
 }
 
+namespace {
+
+// The main window's smallest outer size in device-independent pixels: the
+// standard layout's client area, a menu bar and a window manager's title bar.
+constexpr int kNeedWidth = Tw(11880) + 8;
+constexpr int kNeedHeight = Tw(7185) + 24 + 32;
+
+// A scale (QT_SCALE_FACTOR=2 on a 1280 x 1024 screen) under which even the
+// standard layout is larger than the desktop leaves a fixed-size window that
+// can neither be seen whole nor moved into view. The layout's size is fixed,
+// so the scale gives way: the program starts once more, at the largest scale
+// under which the standard window fits, but never below one screen pixel to
+// a pixel. Returns only when no restart is needed or possible.
+void RestartToFit(char** argv) {
+    QScreen* screen = QGuiApplication::primaryScreen();
+    if (!screen || qEnvironmentVariableIsSet("CARTULON_SCALE_FITTED")) return;
+    const double ratio = screen->devicePixelRatio();
+    const QSize area = screen->availableGeometry().size();
+    if (ratio <= 1.0 || (area.width() >= kNeedWidth && area.height() >= kNeedHeight)) return;
+    const double shrink = std::min(double(area.width()) / kNeedWidth, double(area.height()) / kNeedHeight);
+    const double current = qEnvironmentVariableIsSet("QT_SCALE_FACTOR")
+                               ? qEnvironmentVariable("QT_SCALE_FACTOR").toDouble()
+                               : 1.0;
+    if (current <= 0) return;
+    double factor = std::floor(current * shrink * 20.0) / 20.0;  // steps of 0.05
+    factor = std::max(factor, current / ratio);
+    if (factor >= current) return;
+    qputenv("QT_SCALE_FACTOR", QByteArray::number(factor));
+    qputenv("CARTULON_SCALE_FITTED", "1");
+    ::execv("/proc/self/exe", argv);  // on failure: go on at the scale given
+}
+
+// Every window opens inside the desktop's free area: a dialog centred on its
+// owner near a screen edge, or the main window, would otherwise hang over it.
+class KeepOnScreen : public QObject {
+public:
+    using QObject::QObject;
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() != QEvent::Show) return false;
+        auto* w = qobject_cast<QWidget*>(watched);
+        if (!w || !w->isWindow() || w->windowType() == Qt::Popup || w->windowType() == Qt::ToolTip) return false;
+        Clamp(w);
+        // The frame's own size is known only once the window stands.
+        QTimer::singleShot(0, w, [w] { Clamp(w); });
+        return false;
+    }
+    static void Clamp(QWidget* w) {
+        QScreen* screen = w->screen();
+        if (!screen) return;
+        const QRect area = screen->availableGeometry();
+        const QRect frame = w->frameGeometry();
+        QPoint to = frame.topLeft();
+        to.setX(std::max(area.left(), std::min(to.x(), area.right() + 1 - frame.width())));
+        to.setY(std::max(area.top(), std::min(to.y(), area.bottom() + 1 - frame.height())));
+        if (to != frame.topLeft()) w->move(w->pos() + (to - frame.topLeft()));
+    }
+};
+
+}  // namespace
+
 int Main(int argc, char** argv) {
     QApplication app(argc, argv);
+    RestartToFit(argv);
+    KeepWindowsOnScreen();
     DataFolder = ct::DefaultDataFolder(ct::ProgramFolder());
     app.setApplicationName(QStringLiteral("Cartulon"));
     UseProgramFont();
@@ -44,6 +114,13 @@ int Main(int argc, char** argv) {
 }
 
 }  // namespace Start
+
+void KeepWindowsOnScreen() {
+    static QPointer<QObject> keeper;
+    if (!qApp || keeper) return;
+    keeper = new Start::KeepOnScreen(qApp);
+    qApp->installEventFilter(keeper);
+}
 
 void UseProgramFont() {
     // The window geometry is fixed in twips at 15 to the pixel, so the font is
@@ -60,7 +137,78 @@ void UseProgramFont() {
     font.setPixelSize(11);
     font.setStyleHint(QFont::SansSerif);
     QApplication::setFont(font);
+    // A desktop theme (qt6ct, a desktop's own) sets its font once the event
+    // loop runs, and again whenever the user changes it; the fixed geometry
+    // holds only in ours, so ours is put back each time.
+    class KeepProgramFont : public QObject {
+    public:
+        explicit KeepProgramFont(const QFont& font) : QObject(qApp), font_(font) {}
+        bool eventFilter(QObject* watched, QEvent* event) override {
+            if (watched == qApp && event->type() == QEvent::ApplicationFontChange &&
+                QApplication::font() != font_)
+                QApplication::setFont(font_);
+            return false;
+        }
+    private:
+        QFont font_;
+    };
+    static QPointer<KeepProgramFont> keeper;
+    delete keeper;
+    keeper = new KeepProgramFont(font);
+    qApp->installEventFilter(keeper);
 }
+
+void UseQtLanguage() {
+    // One translator for the whole run, swapped in and out: Qt's dialogs and
+    // standard buttons take it at their next showing.
+    static QTranslator* qtbase = nullptr;
+    if (!qApp) return;
+    if (qtbase) {
+        QCoreApplication::removeTranslator(qtbase);
+        delete qtbase;
+        qtbase = nullptr;
+    }
+    if (Start::Language != 0) return;  // Qt speaks English by itself
+    auto* translator = new QTranslator;
+    // The copy in the program folder first, so a portable folder speaks German
+    // on a machine without Qt's translations; then the system's.
+    const QString name = QStringLiteral("qtbase_de");
+    if (translator->load(name, QString::fromStdString(ct::ProgramFolder())) ||
+        translator->load(name, QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
+        QCoreApplication::installTranslator(translator);
+        qtbase = translator;
+    } else {
+        delete translator;
+    }
+}
+
+namespace {
+QString WithoutAccessKeys(QString text) {
+    // "&&" is a literal ampersand, any other '&' marks the key that follows.
+    text.replace(QStringLiteral("&&"), QStringLiteral("\x01"));
+    text.remove(QLatin1Char('&'));
+    text.replace(QLatin1Char('\x01'), QLatin1Char('&'));
+    return text;
+}
+}  // namespace
+
+void Caption(QLabel* caption, QWidget* control) {
+    caption->setBuddy(control);
+    QString name = WithoutAccessKeys(caption->text()).trimmed();
+    if (name.endsWith(QLatin1Char(':'))) name.chop(1);
+    control->setAccessibleName(name);
+}
+
+QString Say(const char* german, const char* english) {
+    return QString::fromUtf8(Start::Language == 0 ? german : english);
+}
+
+void ReportFailure(QWidget* parent, const QString& title, const QString& head, const QString& reason) {
+    seams::MessageBox(parent, title, reason.isEmpty() ? head : head + QStringLiteral("\n\n") + reason,
+                      QMessageBox::Ok, QMessageBox::Ok, QMessageBox::Warning);
+}
+
+QString TitleText(int baseId) { return WithoutAccessKeys(ResourceText(baseId)); }
 
 QString ResourceText(int baseId) {
     return QString::fromStdString(ct::ResourceText(ct::ProgramFolder(), Start::Language, baseId));

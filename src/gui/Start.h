@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string>
 
+class QLabel;
 class QWidget;
 
 namespace ct {
@@ -53,9 +54,46 @@ void InstallHelpKey(QWidget* window, int topicId);
 void Busy();
 void Normal();
 
+// The hourglass for as long as a handler runs: every way out of it, early
+// returns included, shows the arrow again. A handler that asks a question on
+// the way calls Normal() first, as before.
+class BusyScope {
+public:
+    BusyScope() { Busy(); }
+    ~BusyScope() { Normal(); }
+    BusyScope(const BusyScope&) = delete;
+    BusyScope& operator=(const BusyScope&) = delete;
+};
+
+// From now on every window that is shown lies inside its screen's free area
+// as far as its size allows. Main sets it; tests may too.
+void KeepWindowsOnScreen();
+
 // The application font the fixed geometry was laid out for; Main sets it, and
 // test programs that draw the windows do too. Needs a QApplication.
 void UseProgramFont();
+
+// Qt's own texts (Yes/No, the folder chooser) in the language in force:
+// loads or drops Qt's German translation. Sprache_Setzen calls it.
+void UseQtLanguage();
+
+// `german` or `english` by the language in force: the few sentences the
+// windows word themselves (a failure's heading), never a fixed German text.
+QString Say(const char* german, const char* english);
+
+// The one way a window reports a failure: a warning titled `title`, with what
+// didn't happen (`head`) above why (`reason`, a FailureText in the language in
+// force), each said once.
+void ReportFailure(QWidget* parent, const QString& title, const QString& head, const QString& reason);
+
+// A caption and the control it heads: the caption becomes the control's
+// buddy (its access key moves the focus there) and its text, without the
+// access-key mark, the control's accessible name, so that a screen reader
+// announces "Discs", "Description". Called after each change of texts.
+void Caption(QLabel* caption, QWidget* control);
+// The text of base id `baseId` without access-key marks: a window title or a
+// message box's title taken from a menu entry.
+QString TitleText(int baseId);
 
 // twips -> pixels (96 DPI: 15 twips a pixel).
 constexpr int Tw(int twips) { return (twips + 7) / 15; }

@@ -29,10 +29,8 @@ void DoLoeschen() {
     if (!error.empty()) {
         // The entry stays while its catalogue does, chosen as before.
         Normal();
-        const QString head = Start::Language == 0 ? QStringLiteral("Die CD / DVD wurde nicht gelöscht.")
-                                                  : QStringLiteral("The disc was not deleted.");
-        seams::MessageBox(main, ResourceText(10091), head + "\n\n" + QString::fromStdString(error),
-                          QMessageBox::Ok, QMessageBox::Ok, QMessageBox::Warning);
+        ReportFailure(main, ResourceText(10091), Say("Die CD / DVD wurde nicht gelöscht.", "The disc was not deleted."),
+                      QString::fromStdString(error));
         return;
     }
     // No choice first, so taking the item out chooses no neighbour.

@@ -3,6 +3,8 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 
+#include "core/catalogue.h"
+#include "core/failure.h"
 #include "core/reread.h"
 #include "gui/Start.h"
 #include "gui/frmHaupt.h"
@@ -16,21 +18,29 @@ namespace {
 
 QString Q(const std::string& text) { return QString::fromStdString(text); }
 
-void Warn(QWidget* parent, const QString& text) {
-    seams::MessageBox(parent, ResourceText(10011), text, QMessageBox::Ok, QMessageBox::Ok, QMessageBox::Warning);
+// Titled by the menu entry, without its access-key mark.
+// The re-read steps word their reasons in one language; the window names the
+// failed step by its code instead, in the language in force.
+void Warn(QWidget* parent, const QString& head, const Failure& reason) {
+    ReportFailure(parent, TitleText(10011), head, Q(FailureText(reason, Start::Language)));
 }
 
 // Tells the user what became of a set-aside catalogue that couldn't go back.
-void ReportKept(QWidget* parent, const SetAsideFile& file, RestoreResult result, const std::string& error) {
+void ReportKept(QWidget* parent, const SetAsideFile& file, RestoreResult result) {
     if (result == RestoreResult::Restored) return;
     if (result == RestoreResult::LabelTaken)
-        Warn(parent, QStringLiteral("Unter der Bezeichnung \"") + Q(file.label) +
-                         QStringLiteral("\" steht inzwischen ein anderer Katalog. Der alte Katalog bleibt "
-                                        "erhalten als ") +
-                         Q(file.path));
+        Warn(parent,
+             Say("Unter der Bezeichnung „%1“ steht inzwischen ein anderer Katalog. Der alte Katalog bleibt "
+                 "erhalten als „%2“.",
+                 "Another catalogue now stands under the label \"%1\". The old catalogue is kept as \"%2\".")
+                 .arg(Q(file.label), Q(file.path)),
+             Failure{});
     else
-        Warn(parent, QStringLiteral("Der alte Katalog konnte nicht zurückgelegt werden: ") + Q(error) +
-                         QStringLiteral("\nEr bleibt erhalten als ") + Q(file.path));
+        Warn(parent,
+             Say("Der alte Katalog konnte nicht zurückgelegt werden. Er bleibt erhalten als „%1“.",
+                 "The old catalogue could not be put back. It is kept as \"%1\".")
+                 .arg(Q(file.path)),
+             Fail(FailCode::Rename, file.path, 0, file.home));
 }
 
 }  // namespace
@@ -65,7 +75,8 @@ void DoNeuEinlesen() {
     std::string error;
     if (!SetAside(seams::Files(), Start::DataFolder, label.toStdString(), aside, &error)) {
         Normal();
-        Warn(haupt, QStringLiteral("Der Katalog kann nicht neu eingelesen werden: ") + Q(error));
+        Warn(haupt, Say("Die CD / DVD wird nicht neu eingelesen.", "The disc is not read anew."),
+             Fail(FailCode::SetAside, CataloguePath(Start::DataFolder, label.toStdString())));
         return;
     }
     bool settled = false;
@@ -76,12 +87,15 @@ void DoNeuEinlesen() {
         if (closing.AddedCount() > 0) {
             // Read anew (under this label or another): the old reading goes.
             if (!Discard(seams::Files(), aside, &why))
-                Warn(&closing, QStringLiteral("Der alte Katalog konnte nicht gelöscht werden: ") + Q(why) +
-                                   QStringLiteral("\nEr liegt noch als ") + Q(aside.path));
+                Warn(&closing,
+                     Say("Der alte Katalog konnte nicht gelöscht werden. Er liegt noch als „%1“.",
+                         "The old catalogue could not be deleted. It still lies as \"%1\".")
+                         .arg(Q(aside.path)),
+                     Fail(FailCode::Remove, aside.path));
             return;
         }
         const RestoreResult result = Restore(AddDiscSource(), seams::Files(), Start::DataFolder, aside, &why);
-        ReportKept(&closing, aside, result, why);
+        ReportKept(&closing, aside, result);
     };
     // Before the dialog's own refresh of the disc list, so a disc that was
     // only put back shows there again.
@@ -103,7 +117,7 @@ void DoNeuEinlesen() {
 
 void RestoreSetAsideCatalogues() {
     for (const LeftoverOutcome& outcome : RestoreLeftovers(AddDiscSource(), seams::Files(), Start::DataFolder))
-        ReportKept(MainWindow(), outcome.file, outcome.result, outcome.error);
+        ReportKept(MainWindow(), outcome.file, outcome.result);
 }
 
 }  // namespace ct

@@ -8,11 +8,13 @@
 
 #include "core/editing.h"
 #include "core/textrules.h"
+#include "gui/layout.h"
 #include "gui/Start.h"
 #include "gui/appicon.h"
 #include "gui/frmHaupt.h"
 #include "gui/seams.h"
 #include "platform/system.h"
+#include "gui/windows.h"
 
 namespace ct {
 
@@ -105,24 +107,24 @@ frmBeschreibungÄndern::frmBeschreibungÄndern(QWidget* owner) : QDialog(owner) 
     setFixedSize(Tw(3510), Tw(1950));
 
     lblNeueBeschreibung = new QLabel(this);
-    lblNeueBeschreibung->setGeometry(Tw(240), Tw(240), Tw(3015), Tw(255));
+    Place(lblNeueBeschreibung, 240, 240, 3015, 255);
 
     cmdÄndern = nullptr;
     txtNeueBeschreibung = new DescriptionBox(this, cmdÄndern);
-    txtNeueBeschreibung->setGeometry(Tw(240), Tw(480), Tw(3015), Tw(600));
+    Place(txtNeueBeschreibung, 240, 480, 3015, 600);
     txtNeueBeschreibung->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     txtNeueBeschreibung->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     txtNeueBeschreibung->setTabChangesFocus(true);
 
     cmdÄndern = new QPushButton(this);
-    cmdÄndern->setGeometry(Tw(240), Tw(1320), Tw(1095), Tw(375));
+    Place(cmdÄndern, 240, 1320, 1095, 375);
     cmdÄndern->setDefault(true);
     QFont bold = cmdÄndern->font();
     bold.setBold(true);
     cmdÄndern->setFont(bold);
 
     cmdAbbrechen = new QPushButton(this);
-    cmdAbbrechen->setGeometry(Tw(2160), Tw(1320), Tw(1095), Tw(375));
+    Place(cmdAbbrechen, 2160, 1320, 1095, 375);
 
     setTabOrder(txtNeueBeschreibung, cmdÄndern);
     setTabOrder(cmdÄndern, cmdAbbrechen);
@@ -136,6 +138,7 @@ void frmBeschreibungÄndern::Form_Load() {
     setWindowIcon(AppIcon());
     setWindowTitle(ResourceText(10001));
     lblNeueBeschreibung->setText(ResourceText(10002));
+    Caption(lblNeueBeschreibung, txtNeueBeschreibung);
     cmdÄndern->setText(ResourceText(10003));
     cmdAbbrechen->setText(ResourceText(10004));
     txtNeueBeschreibung->setPlainText(CallerDescription());
@@ -148,7 +151,10 @@ void frmBeschreibungÄndern::cmdÄndern_Click() {
     txtNeueBeschreibung->setPlainText(text);
 
     const DescriptionTarget target = CurrentDescriptionTarget();
-    std::string error = target.ok ? std::string() : "Nothing is chosen whose description could change.";
+    std::string error = target.ok ? std::string()
+                                  : Say("Es ist nichts gewählt, dessen Beschreibung sich ändern ließe.",
+                                        "Nothing is chosen whose description could change.")
+                                        .toStdString();
     if (target.ok) {
         const Failure failure = DescriptionRewrite(seams::Files(), Start::DataFolder, target.label,
                                                    target.isHeader, target.path, S(text));
@@ -157,10 +163,9 @@ void frmBeschreibungÄndern::cmdÄndern_Click() {
     if (!error.empty()) {
         // The caller's box keeps the text the catalogue holds, and the dialog
         // stays open with the new one, so nothing typed is lost.
-        const QString head = Start::Language == 0 ? QStringLiteral("Die Beschreibung wurde nicht gespeichert.")
-                                                  : QStringLiteral("The description was not stored.");
-        seams::MessageBox(this, windowTitle(), head + "\n\n" + QString::fromStdString(error), QMessageBox::Ok,
-                          QMessageBox::Ok, QMessageBox::Warning);
+        ReportFailure(this, windowTitle(),
+                      Say("Die Beschreibung wurde nicht gespeichert.", "The description was not stored."),
+                      QString::fromStdString(error));
         return;
     }
     SetCallerDescription(text);
@@ -168,5 +173,19 @@ void frmBeschreibungÄndern::cmdÄndern_Click() {
 }
 
 void frmBeschreibungÄndern::cmdAbbrechen_Click() { reject(); }
+
+void ShowBeschreibungAendern() {
+    // A disc hit of the search (or no hit at all) names no record that the
+    // search window could change: the help says why and where a disc's
+    // description is changed instead. Nothing changes.
+    if (!CurrentDescriptionTarget().ok) {
+        if (Start::EditTarget == "Suchen")
+            HilfeZeigen(Start::Language == 0 ? QStringLiteral("Kein Ordner und keine Datei gewählt")
+                                             : QStringLiteral("No folder or file chosen"));
+        return;
+    }
+    frmBeschreibungÄndern dialog(CallerWindow());
+    dialog.exec();
+}
 
 }  // namespace ct

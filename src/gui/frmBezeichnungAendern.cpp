@@ -7,10 +7,12 @@
 #include <QScreen>
 
 #include "core/editing.h"
+#include "gui/layout.h"
 #include "gui/Start.h"
 #include "gui/appicon.h"
 #include "gui/frmHaupt.h"
 #include "gui/seams.h"
+#include "gui/windows.h"
 
 namespace ct {
 
@@ -21,18 +23,18 @@ frmBezeichnungÄndern::frmBezeichnungÄndern(QWidget* owner) : QDialog(owner) {
     setFixedSize(Tw(3495), Tw(1590));
 
     lblNeueBezeichnung = new QLabel(this);
-    lblNeueBezeichnung->setGeometry(Tw(240), Tw(240), Tw(3015), Tw(255));
+    Place(lblNeueBezeichnung, 240, 240, 3015, 255);
     txtBezeichnung = new QLineEdit(this);
-    txtBezeichnung->setGeometry(Tw(240), Tw(480), Tw(3015), Tw(285));
+    Place(txtBezeichnung, 240, 480, 3015, 285);
 
     cmdÄndern = new QPushButton(this);
-    cmdÄndern->setGeometry(Tw(240), Tw(960), Tw(1095), Tw(375));
+    Place(cmdÄndern, 240, 960, 1095, 375);
     cmdÄndern->setDefault(true);
     QFont bold = cmdÄndern->font();
     bold.setBold(true);
     cmdÄndern->setFont(bold);
     cmdAbbrechen = new QPushButton(this);
-    cmdAbbrechen->setGeometry(Tw(2160), Tw(960), Tw(1095), Tw(375));
+    Place(cmdAbbrechen, 2160, 960, 1095, 375);
 
     setTabOrder(txtBezeichnung, cmdÄndern);
     setTabOrder(cmdÄndern, cmdAbbrechen);
@@ -52,6 +54,7 @@ void frmBezeichnungÄndern::Form_Load() {
     setWindowIcon(AppIcon());
     setWindowTitle(ResourceText(10005));
     lblNeueBezeichnung->setText(ResourceText(10006));
+    Caption(lblNeueBezeichnung, txtBezeichnung);
     cmdÄndern->setText(ResourceText(10003));
     cmdAbbrechen->setText(ResourceText(10004));
     if (frmHaupt* main = MainWindow()) txtBezeichnung->setText(main->lstDaten->Text());
@@ -79,10 +82,9 @@ void frmBezeichnungÄndern::cmdÄndern_Click() {
         accept();  // nothing to do: the disc stays chosen
         return;
     case RenameResult::Failed: {
-        const QString head = Start::Language == 0 ? QStringLiteral("Die Bezeichnung wurde nicht geändert.")
-                                                  : QStringLiteral("The label was not changed.");
-        seams::MessageBox(this, windowTitle(), head + "\n\n" + QString::fromStdString(FailureText(outcome.failure, Start::Language)),
-                          QMessageBox::Ok, QMessageBox::Ok, QMessageBox::Warning);
+        ReportFailure(this, windowTitle(),
+                      Say("Die Bezeichnung wurde nicht geändert.", "The label was not changed."),
+                      QString::fromStdString(FailureText(outcome.failure, Start::Language)));
         return;
     }
     case RenameResult::Renamed:
@@ -95,5 +97,17 @@ void frmBezeichnungÄndern::cmdÄndern_Click() {
 }
 
 void frmBezeichnungÄndern::cmdAbbrechen_Click() { reject(); }
+
+void ShowBezeichnungAendern() {
+    frmHaupt* main = MainWindow();
+    if (!main) return;
+    if (main->lstDaten->ListIndex() == -1) {
+        HilfeZeigen(ResourceText(10098));
+        Normal();
+        return;
+    }
+    frmBezeichnungÄndern dialog(main);
+    dialog.exec();
+}
 
 }  // namespace ct

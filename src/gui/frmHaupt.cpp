@@ -18,6 +18,7 @@
 #include "gui/Start.h"
 #include "gui/appicon.h"
 #include "gui/frmSprache.h"
+#include "gui/layout.h"
 #include "gui/seams.h"
 #include "gui/windows.h"
 #include "platform/system.h"
@@ -30,19 +31,6 @@ namespace {
 frmHaupt* g_main = nullptr;
 
 QString Q(const std::string& s) { return QString::fromStdString(s); }
-
-void Place(QWidget* w, int left, int top, int width, int height) {
-    w->setGeometry(Tw(left), Tw(top), Tw(width), Tw(height));
-}
-void SetLeft(QWidget* w, int left) { w->move(Tw(left), w->y()); }
-void SetWidth(QWidget* w, int width) { w->resize(Tw(width), w->height()); }
-
-QLabel* Label(QWidget* parent, int left, int top, int width, int height = 255) {
-    auto* l = new QLabel(parent);
-    Place(l, left, top, width, height);
-    l->setAlignment(Qt::AlignLeft | Qt::AlignTop);
-    return l;
-}
 
 QTextEdit* DescriptionBox(QWidget* parent, int left, int top, int width, int height) {
     auto* t = new QTextEdit(parent);
@@ -61,11 +49,6 @@ void SetEnabled(std::initializer_list<QWidget*> widgets, bool on) {
     for (QWidget* w : widgets) w->setEnabled(on);
 }
 
-// The pane wait pointer: on while a handler reads a catalogue.
-struct BusyScope {
-    BusyScope() { Busy(); }
-    ~BusyScope() { Normal(); }
-};
 
 }  // namespace
 
@@ -163,6 +146,16 @@ void frmHaupt::buildControls() {
     cmdÄndernD = new QPushButton(fraDateien);
     Place(cmdÄndernD, 7320, 1980, 975, 315);
     txtBeschreibungD = DescriptionBox(fraDateien, 5280, 2280, 3015, 600);
+
+    // A value column is 105 px wide and its longest value, a date with the
+    // time to the second, needs a little more in any sans face: the values
+    // take the semi-condensed cut, which also keeps a 12-digit size whole.
+    for (QLabel* value : {lblGC, lblDA, lblOA, lblSerC, lblDC, lblCC, lblSekC, lblBC, lblGO, lblDAO, lblAO, lblDO,
+                          lblGD, lblAD, lblDD}) {
+        QFont f = value->font();
+        f.setStretch(QFont::SemiCondensed);
+        value->setFont(f);
+    }
 
     // A focused button takes Enter; elsewhere Enter reaches keyPressEvent,
     // which presses cmdSuchen.
@@ -287,6 +280,7 @@ void frmHaupt::Form_Load() {
 }
 
 void frmHaupt::Sprache_Setzen() {
+    UseQtLanguage();
     mnuDatei->setTitle(ResourceText(10007));
     mnuBeenden->setText(ResourceText(10008));
     mnuBearbeiten->setTitle(ResourceText(10009));
@@ -337,6 +331,14 @@ void frmHaupt::Sprache_Setzen() {
     lblDatumD->setText(ResourceText(10038));
     lblBeschreibungD->setText(ResourceText(10042));
     cmdÄndernD->setText(ResourceText(10003));
+    const std::pair<QLabel*, QWidget*> captions[] = {
+        {lblDaten, lstDaten}, {lblBeschreibungC, txtBeschreibungC}, {lblGrößeC, lblGC}, {lblDateianzahlC, lblDA},
+        {lblOrdneranzahlC, lblOA}, {lblSeriennummerC, lblSerC}, {lblDateisystemC, lblDC}, {lblClusterC, lblCC},
+        {lblSektorenC, lblSekC}, {lblBytesC, lblBC}, {lblOrdner, lstOrdner}, {lblBeschreibungO, txtBeschreibungO},
+        {lblGrößeO, lblGO}, {lblDateianzahlO, lblDAO}, {lblAttributO, lblAO}, {lblDatumO, lblDO},
+        {lblDateien, lstDateien}, {lblBeschreibungD, txtBeschreibungD}, {lblGrößeD, lblGD}, {lblAttributD, lblAD},
+        {lblDatumD, lblDD}};
+    for (const auto& [caption, control] : captions) Caption(caption, control);
     fitToClient();
 }
 

@@ -19,6 +19,7 @@
 #include "gui/seams.h"
 #include "platform/image.h"
 #include "platform/walk.h"
+#include "gui/windows.h"
 
 namespace ct {
 
@@ -134,6 +135,9 @@ void frmHinzufügen::Form_Load() {
     lblBeschreibung->setText(ResourceText(10045));
     cmdHinzufügen->setText(ResourceText(10046));
     cmdAbbrechen->setText(ResourceText(10004));
+    Caption(lblLaufwerk, DriveLaufwerk);
+    Caption(lblBezeichnung, txtBezeichnung);
+    Caption(lblBeschreibung, txtBeschreibung);
 
     FillDrives();
     // The last drive used, if the list still holds it. A folder picked with
@@ -288,10 +292,10 @@ void frmHinzufügen::cmdHinzufügen_Click() {
         return;
     case AddResult::WriteFailed:
         Normal();
-        seams::MessageBox(this, windowTitle(),
-                          QStringLiteral("Der Katalog konnte nicht geschrieben werden: ") +
-                              QString::fromStdString(FailureText(outcome.failure, Start::Language)),
-                          QMessageBox::Ok, QMessageBox::Ok, QMessageBox::Warning);
+        // The reason names the file step that failed; the head only says
+        // what didn't happen, so the cause is told once.
+        ReportFailure(this, windowTitle(), Say("Die CD / DVD wurde nicht aufgenommen.", "The disc was not added."),
+                      QString::fromStdString(FailureText(outcome.failure, Start::Language)));
         return;
     case AddResult::Added:
     case AddResult::EmptyLabel:
@@ -345,6 +349,11 @@ void frmHinzufügen::done(int result) {
         haupt->DateiInfoLöschen();
         haupt->Aktualisieren();
     }
+}
+
+void ShowHinzufuegen() {
+    frmHinzufügen dialog(MainWindow());
+    dialog.exec();
 }
 
 }  // namespace ct

@@ -4,9 +4,12 @@
 #include <QPushButton>
 
 #include "core/catalogue.h"
+#include "gui/layout.h"
 #include "gui/Start.h"
 #include "gui/appicon.h"
 #include "platform/system.h"
+#include "gui/frmHaupt.h"
+#include "gui/windows.h"
 
 namespace ct {
 
@@ -21,7 +24,7 @@ frmHistorie::frmHistorie(QWidget* parent) : QDialog(parent) {
     setFixedSize(Tw(7335), Tw(7485));
 
     txtHistorie = new QPlainTextEdit(this);
-    txtHistorie->setGeometry(Tw(240), Tw(240), Tw(6855), Tw(6255));
+    Place(txtHistorie, 240, 240, 6855, 6255);
     txtHistorie->setReadOnly(true);
     txtHistorie->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     txtHistorie->setLineWrapMode(QPlainTextEdit::WidgetWidth);
@@ -31,7 +34,7 @@ frmHistorie::frmHistorie(QWidget* parent) : QDialog(parent) {
     txtHistorie->setPalette(pal);
 
     cmdOK = new QPushButton(this);
-    cmdOK->setGeometry(Tw(2880), Tw(6720), Tw(1635), Tw(495));
+    Place(cmdOK, 2880, 6720, 1635, 495);
     cmdOK->setDefault(true);
     QFont bold = cmdOK->font();
     bold.setBold(true);
@@ -57,6 +60,11 @@ void frmHistorie::Form_Load() {
     while (reader.Next(line)) text += QString::fromStdString(line) + QLatin1Char('\n');
     txtHistorie->setPlainText(text);
     cmdOK->setFocus();
+}
+
+void ShowHistorie() {
+    frmHistorie dialog(MainWindow());
+    dialog.exec();
 }
 
 }  // namespace ct

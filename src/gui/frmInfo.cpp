@@ -8,10 +8,13 @@
 #include <QUrl>
 
 #include "core/rddll.h"
+#include "gui/layout.h"
 #include "gui/Start.h"
 #include "gui/appicon.h"
 #include "gui/seams.h"
 #include "platform/system.h"
+#include "gui/frmHaupt.h"
+#include "gui/windows.h"
 
 namespace ct {
 
@@ -22,9 +25,17 @@ QPointer<frmInfo> g_frmInfo;
 const QColor kLinkBlue(0, 0, 255);
 const QColor kLinkPressed(128, 0, 0);
 
+// Pure blue and dark red read on a light window only; on a dark one (a dark
+// desktop palette) the palette's own link colours take their place.
+QColor LinkColour(const QWidget* window, bool pressed) {
+    const QPalette& pal = window->palette();
+    if (pal.color(QPalette::Window).lightness() >= 128) return pressed ? kLinkPressed : kLinkBlue;
+    return pal.color(pressed ? QPalette::LinkVisited : QPalette::Link);
+}
+
 QLabel* CentredLabel(QWidget* parent, int top, int height) {
     auto* l = new QLabel(parent);
-    l->setGeometry(Tw(240), Tw(top), Tw(4935), Tw(height));
+    Place(l, 240, top, 4935, height);
     l->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
     l->setWordWrap(true);
     return l;
@@ -91,13 +102,13 @@ frmInfo::frmInfo(QWidget* parent) : QDialog(parent) {
         f.setUnderline(true);
         lbl[i]->setFont(f);
         lbl[i]->setCursor(Qt::PointingHandCursor);
-        SetLinkColour(i, kLinkBlue);
+        SetLinkColour(i, LinkColour(this, false));
     }
     // lbl(2) takes its pointer from lbl(1), as it was designed.
     lbl[2]->setCursor(lbl[1]->cursor());
 
     cmdOK = new QPushButton(this);
-    cmdOK->setGeometry(Tw(1800), Tw(6720), Tw(1755), Tw(495));
+    Place(cmdOK, 1800, 6720, 1755, 495);
     cmdOK->setDefault(true);
     QFont bold = cmdOK->font();
     bold.setBold(true);
@@ -137,11 +148,11 @@ void frmInfo::lbl_Click(int Index) {
 }
 
 void frmInfo::lbl_MouseDown(int Index) {
-    if (Index == 1 || Index == 2) SetLinkColour(Index, kLinkPressed);
+    if (Index == 1 || Index == 2) SetLinkColour(Index, LinkColour(this, true));
 }
 
 void frmInfo::lbl_MouseUp(int Index) {
-    if (Index == 1 || Index == 2) SetLinkColour(Index, kLinkBlue);
+    if (Index == 1 || Index == 2) SetLinkColour(Index, LinkColour(this, false));
 }
 
 bool frmInfo::eventFilter(QObject* watched, QEvent* event) {
@@ -157,6 +168,17 @@ bool frmInfo::eventFilter(QObject* watched, QEvent* event) {
         break;
     }
     return QDialog::eventFilter(watched, event);
+}
+
+// Not modal, and there is only ever one: a second use brings it to the front.
+void ShowInfo() {
+    frmInfo* info = InfoWindow();
+    // No parent: it may outlive the main window, and the process then lives on
+    // until it is closed too.
+    if (!info) info = new frmInfo(nullptr);
+    info->show();
+    info->raise();
+    info->activateWindow();
 }
 
 }  // namespace ct

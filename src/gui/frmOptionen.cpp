@@ -5,21 +5,23 @@
 #include <QLineEdit>
 #include <QPushButton>
 
+#include "core/catalogue.h"
+#include "core/failure.h"
 #include "core/options.h"
 #include "gui/Start.h"
 #include "gui/appicon.h"
 #include "gui/frmHaupt.h"
+#include "gui/layout.h"
 #include "gui/seams.h"
+#include "gui/windows.h"
 
 namespace ct {
 
 namespace {
 
-QLabel* Label(QWidget* parent, int left, int top, int width, int height) {
-    auto* l = new QLabel(parent);
-    l->setGeometry(Tw(left), Tw(top), Tw(width), Tw(height));
+QLabel* WrappingLabel(QWidget* parent, int left, int top, int width, int height) {
+    QLabel* l = Label(parent, left, top, width, height);
     l->setWordWrap(true);
-    l->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     return l;
 }
 
@@ -31,34 +33,37 @@ frmOptionen::frmOptionen(QWidget* parent) : QDialog(parent) {
     setModal(true);
     setFixedSize(Tw(6510), Tw(2535));
 
-    lblSprache = Label(this, 240, 240, 2055, 255);
+    lblSprache = WrappingLabel(this, 240, 240, 2055, 255);
     cboSprache = new QComboBox(this);
-    cboSprache->setGeometry(Tw(2400), Tw(240), Tw(2295), Tw(315));
+    Place(cboSprache, 2400, 240, 2295, 315);
     cboSprache->setEditable(true);
     cboSprache->setInsertPolicy(QComboBox::NoInsert);
     cboSprache->addItems({QStringLiteral("Deutsch"), QStringLiteral("English")});
 
-    lblLaufwerksbuchstabe = Label(this, 240, 720, 2055, 495);
+    lblLaufwerksbuchstabe = WrappingLabel(this, 240, 720, 2055, 495);
     // On Linux the drive preset is a mount point, a path, not one letter: the
     // box is as wide as the data folder's.
     txtLaufwerksbuchstabe = new QLineEdit(this);
-    txtLaufwerksbuchstabe->setGeometry(Tw(2400), Tw(720), Tw(3840), Tw(285));
+    Place(txtLaufwerksbuchstabe, 2400, 720, 3840, 285);
 
-    lblDatenpfad = Label(this, 240, 1440, 2055, 255);
+    lblDatenpfad = WrappingLabel(this, 240, 1440, 2055, 255);
     txtDatenpfad = new QLineEdit(this);
-    txtDatenpfad->setGeometry(Tw(2400), Tw(1440), Tw(3840), Tw(285));
+    Place(txtDatenpfad, 2400, 1440, 3840, 285);
 
     cmdSpeichern = new QPushButton(this);
-    cmdSpeichern->setGeometry(Tw(240), Tw(1920), Tw(1575), Tw(375));
+    Place(cmdSpeichern, 240, 1920, 1575, 375);
     cmdSpeichern->setDefault(true);
     QFont bold = cmdSpeichern->font();
     bold.setBold(true);
     cmdSpeichern->setFont(bold);
     cmdAbbrechen = new QPushButton(this);
-    cmdAbbrechen->setGeometry(Tw(4680), Tw(1920), Tw(1575), Tw(375));
+    Place(cmdAbbrechen, 4680, 1920, 1575, 375);
 
     connect(cmdSpeichern, &QPushButton::clicked, this, [this] { cmdSpeichern_Click(); });
     connect(cmdAbbrechen, &QPushButton::clicked, this, &QDialog::reject);
+    // The editable language box keeps Enter for itself; Enter saves here as
+    // it does in every other box of the window.
+    connect(cboSprache->lineEdit(), &QLineEdit::returnPressed, cmdSpeichern, &QPushButton::click);
 
     setTabOrder(cboSprache, txtLaufwerksbuchstabe);
     setTabOrder(txtLaufwerksbuchstabe, txtDatenpfad);
@@ -75,6 +80,9 @@ void frmOptionen::Form_Load() {
     lblDatenpfad->setText(ResourceText(10054));
     cmdSpeichern->setText(ResourceText(10055));
     cmdAbbrechen->setText(ResourceText(10004));
+    Caption(lblSprache, cboSprache);
+    Caption(lblLaufwerksbuchstabe, txtLaufwerksbuchstabe);
+    Caption(lblDatenpfad, txtDatenpfad);
     setWindowIcon(AppIcon());
     cboSprache->setCurrentIndex(Start::Language / 10000 == 1 ? 1 : 0);
     txtLaufwerksbuchstabe->setText(QString::fromStdString(Start::DriveLetter));
@@ -84,7 +92,7 @@ void frmOptionen::Form_Load() {
 
 void frmOptionen::cmdSpeichern_Click() {
     frmHaupt* haupt = MainWindow();
-    Busy();
+    const BusyScope busy;
 
     // A language typed over the list names neither entry: the language stays.
     const int entry = cboSprache->findText(cboSprache->currentText(), Qt::MatchExactly);
@@ -107,12 +115,14 @@ void frmOptionen::cmdSpeichern_Click() {
                     labels.push_back(haupt->lstDaten->List(i).toStdString());
             const MoveOutcome moved = MoveCatalogues(seams::Files(), labels, Start::DataFolder, newFolder);
             if (!moved.copied) {
+                // The copy reports its reason as a sentence of its own; the
+                // window says which copy failed in the language in force.
+                const Failure failure = Fail(FailCode::Copy, CataloguePath(Start::DataFolder, moved.failedLabel), 0,
+                                             CataloguePath(newFolder, moved.failedLabel));
                 seams::MessageBox(this, ResourceText(10096),
                                   ResourceText(10095) + QStringLiteral("\n\n") +
-                                      QString::fromStdString(moved.failedLabel) + QStringLiteral(".idx: ") +
-                                      QString::fromStdString(moved.error),
+                                      QString::fromStdString(FailureText(failure, Start::Language)),
                                   QMessageBox::Ok, QMessageBox::Ok, QMessageBox::Critical);
-                Normal();
                 return;
             }
             Start::DataFolder = newFolder;
@@ -138,7 +148,11 @@ void frmOptionen::cmdSpeichern_Click() {
     Start::DriveLetter = txtLaufwerksbuchstabe->text().toStdString();
     if (haupt) haupt->INI_Speichern();
     accept();
-    Normal();
+}
+
+void ShowOptionen() {
+    frmOptionen dialog(MainWindow());
+    dialog.exec();
 }
 
 }  // namespace ct

@@ -3,6 +3,7 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 
+#include "gui/layout.h"
 #include "gui/Start.h"
 #include "gui/frmHaupt.h"
 
@@ -17,12 +18,12 @@ frmSprache::frmSprache(QWidget* parent)
     const QString texts[2] = {QStringLiteral("Wählen Sie Ihre Sprache:"), QStringLiteral("Choose your language:")};
     for (int i = 0; i < 2; ++i) {
         lbl[i] = new QLabel(texts[i], this);
-        lbl[i]->setGeometry(Tw(240), Tw(240 + 240 * i), Tw(4215), Tw(255));
+        Place(lbl[i], 240, 240 + 240 * i, 4215, 255);
         lbl[i]->setAlignment(Qt::AlignCenter);
     }
 
     cboSprache = new QComboBox(this);
-    cboSprache->setGeometry(Tw(1200), Tw(960), Tw(2295), Tw(315));
+    Place(cboSprache, 1200, 960, 2295, 315);
     cboSprache->setEditable(true);
     cboSprache->setInsertPolicy(QComboBox::NoInsert);
     cboSprache->setCompleter(nullptr);
@@ -30,7 +31,7 @@ frmSprache::frmSprache(QWidget* parent)
     cboSprache->setCurrentIndex(-1);
 
     cmdOK = new QPushButton(QStringLiteral("OK"), this);
-    cmdOK->setGeometry(Tw(1560), Tw(1560), Tw(1515), Tw(375));
+    Place(cmdOK, 1560, 1560, 1515, 375);
     QFont bold = cmdOK->font();
     bold.setBold(true);
     cmdOK->setFont(bold);

@@ -12,14 +12,17 @@
 #include "gui/Start.h"
 #include "gui/appicon.h"
 #include "gui/frmHaupt.h"
+#include "gui/layout.h"
+#include "gui/windows.h"
 
 namespace ct {
 
 namespace {
 
-QLabel* Label(QWidget* parent, int left, int top, int width = 3135) {
+// The figures' column: all one width.
+QLabel* Figure(QWidget* parent, int left, int top, int width = 3135) {
     auto* l = new QLabel(parent);
-    l->setGeometry(Tw(left), Tw(top), Tw(width), Tw(255));
+    Place(l, left, top, width, 255);
     return l;
 }
 
@@ -32,26 +35,26 @@ frmStatistik::frmStatistik(QWidget* owner) : QDialog(owner) {
     setFixedSize(Tw(8295), Tw(3705));
 
     cmdStatistikErstellen = new QPushButton(this);
-    cmdStatistikErstellen->setGeometry(Tw(240), Tw(240), Tw(2295), Tw(615));
+    Place(cmdStatistikErstellen, 240, 240, 2295, 615);
     cmdStatistikErstellen->setDefault(true);
     QFont bold = cmdStatistikErstellen->font();
     bold.setBold(true);
     cmdStatistikErstellen->setFont(bold);
     cmdAbbrechen = new QPushButton(this);
-    cmdAbbrechen->setGeometry(Tw(5760), Tw(240), Tw(2295), Tw(615));
+    Place(cmdAbbrechen, 5760, 240, 2295, 615);
 
     const int tops[] = {1200, 1560, 1800, 2040, 2400, 2640, 2880};
     QLabel** captions[] = {&lblAnzahl, &lblGesamtgröße, &lblGesamtanzahlO, &lblGesamtanzahlD,
                            &lblDurchschnittsgröße, &lblDurchschnittsanzahlO, &lblDurchschnittsanzahlD};
     QLabel** values[] = {&lblA, &lblGG, &lblGAO, &lblGAD, &lblDG, &lblDAO, &lblDAD};
     for (int i = 0; i < 7; ++i) {
-        *captions[i] = Label(this, 960, tops[i]);
-        *values[i] = Label(this, 4200, tops[i]);
+        *captions[i] = Figure(this, 960, tops[i]);
+        *values[i] = Figure(this, 4200, tops[i]);
     }
 
     // The status line would reach 30 twips past the client area's bottom and
     // lose its lower edge; it stands that much higher, whole.
-    lblAktion = Label(this, 0, 3450, 1815);
+    lblAktion = Figure(this, 0, 3450, 1815);
     lblAktion->setAlignment(Qt::AlignCenter);
     // The narrow status label was made for a narrower font than today's
     // desktops use: its font shrinks until the longer of its two texts fits.
@@ -61,7 +64,7 @@ frmStatistik::frmStatistik(QWidget* owner) : QDialog(owner) {
         small.setPointSizeF(small.pointSizeF() - 0.5);
     lblAktion->setFont(small);
     ProgressBar = new QProgressBar(this);
-    ProgressBar->setGeometry(Tw(1800), Tw(3450), Tw(6495), Tw(255));
+    Place(ProgressBar, 1800, 3450, 6495, 255);
     ProgressBar->setTextVisible(false);
     ProgressBar->setRange(0, 1);
     ProgressBar->setValue(0);
@@ -93,7 +96,7 @@ void frmStatistik::cmdStatistikErstellen_Click() {
     frmHaupt* main = MainWindow();
     if (!main) return;
     running_ = true;
-    Busy();
+    const BusyScope busy;
     lblAktion->setText(QStringLiteral("Statistik wird erstellt:"));
     std::vector<std::string> labels;
     for (int i = 0; i < main->lstDaten->ListCount(); ++i) labels.push_back(main->lstDaten->List(i).toStdString());
@@ -108,7 +111,6 @@ void frmStatistik::cmdStatistikErstellen_Click() {
         });
     running_ = false;
     if (!totals.complete) {
-        Normal();
         QDialog::done(Rejected);
         return;
     }
@@ -122,7 +124,6 @@ void frmStatistik::cmdStatistikErstellen_Click() {
     lblDAD->setText(QString::fromStdString(f.averageFiles));
     ProgressBar->setValue(0);
     lblAktion->setText(QStringLiteral("Fertig!"));
-    Normal();
 }
 
 void frmStatistik::cmdAbbrechen_Click() { reject(); }
@@ -135,6 +136,11 @@ void frmStatistik::done(int result) {
         return;
     }
     QDialog::done(result);
+}
+
+void ShowStatistik() {
+    frmStatistik dialog(MainWindow());
+    dialog.exec();
 }
 
 }  // namespace ct

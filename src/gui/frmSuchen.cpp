@@ -1,3 +1,4 @@
+#include "gui/layout.h"
 #include "gui/frmSuchen.h"
 
 #include <QCloseEvent>
@@ -19,19 +20,6 @@ namespace {
 frmSuchen* g_search = nullptr;
 
 QString Q(const std::string& s) { return QString::fromStdString(s); }
-
-void Place(QWidget* w, int left, int top, int width, int height) {
-    w->setGeometry(Tw(left), Tw(top), Tw(width), Tw(height));
-}
-void SetLeft(QWidget* w, int left) { w->move(Tw(left), w->y()); }
-void SetWidth(QWidget* w, int width) { w->resize(Tw(width), w->height()); }
-
-QLabel* Label(QWidget* parent, int left, int top, int width, int height, Qt::Alignment align = Qt::AlignLeft) {
-    auto* l = new QLabel(parent);
-    Place(l, left, top, width, height);
-    l->setAlignment(align | Qt::AlignTop);
-    return l;
-}
 
 QComboBox* Combo(QWidget* parent, int left, int top, int width) {
     auto* c = new QComboBox(parent);
@@ -55,27 +43,40 @@ QCheckBox* Check(QWidget* parent, int left, int top, int width, int height) {
     return c;
 }
 
-QPushButton* Button(QWidget* parent, int left, int top, int width, int height) {
-    auto* b = new QPushButton(parent);
-    Place(b, left, top, width, height);
-    return b;
-}
-
 // The attribute combinations offered beside "no attributes": runs of the marks
 // R H S A T C. Each is compared with the whole Attributes field.
 const char* const kAttributeRows[] = {"R H",   "R H S",   "R H S A", "R H S A T", "R H S A T C",
                                       "H S",   "H S A",   "H S A T", "H S A T C", "S A",
                                       "S A T", "S A T C", "A T",     "A T C",     "T C"};
 
-// The hit list as the engine's receiver: each hit goes to its sorted place.
+// The hit list as the engine's receiver; the list takes kHitLimit hits. The
+// hits of one disc wait until the disc is done (the window shows nothing in
+// between anyway) and then go in at once: a large batch sorted on keys made
+// once and merged, a small one each at its sorted place.
 class ListSink : public HitSink {
 public:
     explicit ListSink(ListBox* list) : list_(list) {}
-    void Add(const std::string& hit) override { list_->AddItem(Q(hit)); }
-    std::size_t Count() const override { return static_cast<std::size_t>(list_->count()); }
+    bool Add(const std::string& hit) override {
+        if (Count() >= kHitLimit) return false;
+        pending_.push_back(hit);
+        return true;
+    }
+    std::size_t Count() const override { return static_cast<std::size_t>(list_->count()) + pending_.size(); }
+    void Flush() {
+        if (pending_.size() * 8 >= static_cast<std::size_t>(list_->count())) {
+            QStringList texts;
+            texts.reserve(static_cast<qsizetype>(pending_.size()));
+            for (const std::string& h : pending_) texts.append(Q(h));
+            list_->AddItems(std::move(texts));
+        } else {
+            for (const std::string& h : pending_) list_->AddItem(Q(h), SortKey(h));
+        }
+        pending_.clear();
+    }
 
 private:
     ListBox* list_;
+    std::vector<std::string> pending_;
 };
 
 }  // namespace
@@ -197,6 +198,13 @@ frmSuchen::frmSuchen(QWidget* parent)
         f.setStretch(qobject_cast<QLabel*>(w) ? QFont::Condensed : QFont::SemiCondensed);
         w->setFont(f);
     }
+    // The two comparison boxes are 113 px wide, and "does not begin with"
+    // is the longest entry of either language: they take the condensed cut.
+    for (QComboBox* box : {cboOperator, cboBeschreibung}) {
+        QFont f = box->font();
+        f.setStretch(QFont::Condensed);
+        box->setFont(f);
+    }
     // A chosen item is shown from its start, not scrolled to its end.
     for (QComboBox* box : {cboSuchen, cboOperator, cboDateigröße, cboAttribut, cboDatum, cboBeschreibung})
         connect(box, &QComboBox::currentIndexChanged, box, [box] { box->lineEdit()->setCursorPosition(0); });
@@ -265,6 +273,19 @@ void frmSuchen::Form_Load() {
     lblBeschreibung->setText(ResourceText(10042));
     cmdÄndern->setText(ResourceText(10003));
     lblTreffer->setText(ResourceText(10089));
+    Caption(lblSuchen, txtSuchen);
+    Caption(lblDaten, lstDaten);
+    Caption(lblDateien, lstDateien);
+    Caption(lblBeschreibung, txtBeschreibungText);
+    Caption(lblGröße, lblG);
+    Caption(lblAttribut, lblA);
+    Caption(lblDatum, lblD);
+    cboSuchen->setAccessibleName(TitleText(10064));
+    for (const auto& [box, check] : {std::pair<QWidget*, QAbstractButton*>{cboDateigröße, CheckDateigröße},
+                                     {cboAttribut, CheckAttribut}, {cboDatum, CheckDatum},
+                                     {cboBeschreibung, CheckBeschreibung}, {txtDateigröße, CheckDateigröße},
+                                     {txtDatum, CheckDatum}, {txtBeschreibung, CheckBeschreibung}})
+        box->setAccessibleName(check->text().remove(QLatin1Char('&')));
     for (QLabel* colon : {lblDP1, lblDP2, lblDP3, lblDP4}) colon->setText(QStringLiteral(":"));
     lblT->setText(QStringLiteral("-"));
 
@@ -376,24 +397,27 @@ SearchCriteria frmSuchen::CriteriaFromControls() const {
     auto text = [](const QString& s) { return s.toStdString(); };
     c.kind = cboSuchen->currentIndex();
     c.checkName = CheckDateiOrdner->isChecked();
-    c.nameOperator = text(cboOperator->currentText());
+    // The operator texts of the language in force name the operators; a
+    // text that is none of them (typed, emptied) turns its test off.
+    std::array<std::string, 10> operatorTexts;
+    for (int i = 0; i < 10; ++i) operatorTexts[static_cast<std::size_t>(i)] = text(ResourceText(kOperatorBaseId + i));
+    c.nameOperator = TextOperator(operatorTexts, text(cboOperator->currentText()));
     c.nameTerm = text(txtSuchen->text());
     c.checkSize = CheckDateigröße->isChecked();
     c.sizeOperatorChosen = cboDateigröße->currentIndex() >= 0;
-    c.sizeOperator = text(cboDateigröße->currentText());
+    c.sizeOperator = NumberOperator(operatorTexts, text(cboDateigröße->currentText()));
     c.sizeText = text(txtDateigröße->text());
     c.checkAttributes = CheckAttribut->isChecked();
     c.attributesChosen = cboAttribut->currentIndex() >= 0;
     c.attributes = text(cboAttribut->currentText());
     c.checkDate = CheckDatum->isChecked();
     c.dateOperatorChosen = cboDatum->currentIndex() >= 0;
-    c.dateOperator = text(cboDatum->currentText());
+    c.dateOperator = NumberOperator(operatorTexts, text(cboDatum->currentText()));
     c.dateText = text(txtDatum->text());
     c.checkDescription = CheckBeschreibung->isChecked();
     c.descriptionOperatorChosen = cboBeschreibung->currentIndex() >= 0;
-    c.descriptionOperator = text(cboBeschreibung->currentText());
+    c.descriptionOperator = TextOperator(operatorTexts, text(cboBeschreibung->currentText()));
     c.descriptionText = text(txtBeschreibung->text());
-    for (int i = 0; i < 10; ++i) c.operatorTexts[static_cast<std::size_t>(i)] = text(ResourceText(kOperatorBaseId + i));
     c.noAttributesText = text(ResourceText(kNoAttributesBaseId));
     for (int i = 0; i < lstDaten->count(); ++i)
         c.discs.push_back({text(lstDaten->item(i)->text()), lstDaten->item(i)->checkState() == Qt::Checked});
@@ -431,12 +455,14 @@ void frmSuchen::cmdSuchen_Click() {
     ListSink sink(lstDateien);
     SearchHooks hooks;
     hooks.stopRequested = &StopRequested;
-    hooks.afterDisc = [this](int discCounter, std::size_t hits) {
+    hooks.afterDisc = [this, &sink](int discCounter, std::size_t hits) {
+        sink.Flush();
         ProgressBar->setValue(discCounter);
         lblT->setText(QString::number(hits));
         QCoreApplication::processEvents();
     };
     const SearchEnd end = RunSearch(Start::DataFolder, criteria, sink, hooks);
+    sink.Flush();
     running_ = false;
     if (end == SearchEnd::Stopped) {
         Normal();
@@ -522,6 +548,11 @@ void frmSuchen::lstDateien_Click() {
 void frmSuchen::cmdÄndern_Click() {
     Start::EditTarget = "Suchen";
     ShowBeschreibungAendern();
+}
+
+void ShowSuchen() {
+    frmSuchen dialog(MainWindow());
+    dialog.exec();
 }
 
 }  // namespace ct

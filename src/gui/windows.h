@@ -1,6 +1,6 @@
 // The one place where frmHaupt reaches the other windows and commands. Each
-// function is defined in its own file (show_<window>.cpp, do_<command>.cpp),
-// so the window's author replaces that file alone and frmHaupt never changes.
+// Show function lives with its window (frm<window>.cpp), each command in its
+// own do_<command>.cpp, so frmHaupt never changes when a window does.
 // Each runs modally where its window is a dialog and returns when it closed.
 #pragma once
 

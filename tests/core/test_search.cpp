@@ -20,10 +20,20 @@ const std::array<std::string, 10> kOps = {"gleich",      "ungleich",         "en
                                           "endet mit",   "endet nicht mit",  "größer",
                                           "kleiner"};
 enum { EQ, NE, CONT, NCONT, BEG, NBEG, ENDS, NENDS, GT, LT };
+ct::SearchOp Op(int i) {
+    using enum ct::SearchOp;
+    constexpr ct::SearchOp kOp[] = {Equal,      NotEqual,      Contains, NotContains, BeginsWith,
+                                    NotBeginsWith, EndsWith,   NotEndsWith, Greater,  Less};
+    return kOp[i];
+}
 
 class VectorSink : public ct::HitSink {
 public:
-    void Add(const std::string& hit) override { hits.push_back(hit); }
+    bool Add(const std::string& hit) override {
+        if (hits.size() >= ct::kHitLimit) return false;
+        hits.push_back(hit);
+        return true;
+    }
     std::size_t Count() const override { return hits.size(); }
     std::vector<std::string> hits;
 };
@@ -71,9 +81,8 @@ ct::SearchCriteria Criteria(int kind, int op, const std::string& term) {
     ct::SearchCriteria c;
     c.kind = kind;
     c.checkName = true;
-    c.nameOperator = kOps[static_cast<std::size_t>(op)];
+    c.nameOperator = Op(op);
     c.nameTerm = term;
-    c.operatorTexts = kOps;
     c.noAttributesText = "(ohne Attribute)";
     c.discs = {{"Urlaub", true}, {"Archiv", true}};
     return c;
@@ -115,7 +124,7 @@ ct::SearchCriteria WithSize(int op, const std::string& value) {
     auto c = Criteria(0, CONT, ".");  // every file name has a dot, no label or description
     c.checkSize = true;
     c.sizeOperatorChosen = true;
-    c.sizeOperator = kOps[static_cast<std::size_t>(op)];
+    c.sizeOperator = Op(op);
     c.sizeText = value;
     return c;
 }
@@ -131,7 +140,7 @@ ct::SearchCriteria WithDate(int op, const std::string& value) {
     auto c = FieldsOnly();
     c.checkDate = true;
     c.dateOperatorChosen = true;
-    c.dateOperator = kOps[static_cast<std::size_t>(op)];
+    c.dateOperator = Op(op);
     c.dateText = value;
     return c;
 }
@@ -139,7 +148,7 @@ ct::SearchCriteria WithDescription(int op, const std::string& value) {
     auto c = FieldsOnly();
     c.checkDescription = true;
     c.descriptionOperatorChosen = true;
-    c.descriptionOperator = kOps[static_cast<std::size_t>(op)];
+    c.descriptionOperator = Op(op);
     c.descriptionText = value;
     return c;
 }
@@ -187,15 +196,15 @@ const Row kRows[] = {
      [] {
          auto c = WithSize(GT, "100");
          c.kind = 2;
-         c.nameOperator = kOps[CONT];
+         c.nameOperator = Op(CONT);
          c.nameTerm = "j";
          c.checkAttributes = c.attributesChosen = true;
          c.attributes = "R";
          c.checkDate = c.dateOperatorChosen = true;
-         c.dateOperator = kOps[GT];
+         c.dateOperator = Op(GT);
          c.dateText = "1.1.2003";
          c.checkDescription = c.descriptionOperatorChosen = true;
-         c.descriptionOperator = kOps[CONT];
+         c.descriptionOperator = Op(CONT);
          c.descriptionText = "First";
          return c;
      },

@@ -1,0 +1,93 @@
+#include "core/collate.h"
+
+#include <algorithm>
+#include <numeric>
+
+#include "core/text.h"
+
+namespace ct {
+
+namespace {
+
+// Base letters of U+00C0..U+00FF; "" keeps the character (× and ÷).
+const char* const kLatin1[64] = {
+    "a", "a", "a", "a", "a", "a", "ae", "c", "e", "e", "e", "e", "i", "i", "i", "i",  // À..Ï
+    "d", "n", "o", "o", "o", "o", "o", "",  "o", "u", "u", "u", "u", "y", "th", "ss",  // Ð..ß
+    "a", "a", "a", "a", "a", "a", "ae", "c", "e", "e", "e", "e", "i", "i", "i", "i",  // à..ï
+    "d", "n", "o", "o", "o", "o", "o", "",  "o", "u", "u", "u", "u", "y", "th", "y",  // ð..ÿ
+};
+// Base letters of U+0100..U+017F, one each; '1' stands for "ij", '2' for "oe".
+constexpr std::string_view kLatinA =
+    "aaaaaaccccccccddddeeeeeeeeeegggggggghhhhiiiiiiiiii11jjkkkllllllllllnnnnnnnnnoooooo22rrrrrrsssssssstttttt"
+    "uuuuuuuuuuuuwwyyyzzzzzzs";
+static_assert(kLatinA.size() == 128);
+
+bool Decode(std::string_view s, std::size_t i, char32_t& cp, std::size_t& len) {
+    const auto b = static_cast<unsigned char>(s[i]);
+    len = b >= 0xF0 ? 4 : b >= 0xE0 ? 3 : b >= 0xC2 ? 2 : 0;
+    if (len == 0 || i + len > s.size() || b > 0xF4) return false;
+    cp = b & (0x7F >> len);
+    for (std::size_t k = 1; k < len; ++k) {
+        const auto c = static_cast<unsigned char>(s[i + k]);
+        if ((c & 0xC0) != 0x80) return false;
+        cp = (cp << 6) | (c & 0x3F);
+    }
+    return true;
+}
+
+}  // namespace
+
+std::string SortKey(std::string_view utf8) {
+    std::string key;
+    key.reserve(utf8.size() * 2 + 1);
+    for (std::size_t i = 0; i < utf8.size();) {
+        const auto b = static_cast<unsigned char>(utf8[i]);
+        if (b < 0x80) {
+            // Lower case, so that '\' and '_' stand before the letters and a
+            // disc's hits follow the disc itself.
+            key += (b >= 'A' && b <= 'Z') ? static_cast<char>(b + 32) : static_cast<char>(b);
+            ++i;
+            continue;
+        }
+        char32_t cp;
+        std::size_t len;
+        if (!Decode(utf8, i, cp, len)) {  // a stray byte stands for itself
+            key += static_cast<char>(b);
+            ++i;
+            continue;
+        }
+        const char* base = nullptr;
+        char one[2] = {0, 0};
+        if (cp >= 0xC0 && cp <= 0xFF) {
+            base = kLatin1[cp - 0xC0];
+        } else if (cp >= 0x100 && cp <= 0x17F) {
+            const char c = kLatinA[cp - 0x100];
+            base = c == '1' ? "ij" : c == '2' ? "oe" : (one[0] = c, one);
+        }
+        if (base && *base)
+            key += base;
+        else  // beyond the Latin letters: case ignored, the rest as it is
+            key += UpperCase(utf8.substr(i, len));
+        i += len;
+    }
+    key += '\0';
+    key.append(utf8);
+    return key;
+}
+
+bool ListOrderLess(std::string_view a, std::string_view b) { return SortKey(a) < SortKey(b); }
+
+void SortForList(std::vector<std::string>& texts) {
+    std::vector<std::string> keys;
+    keys.reserve(texts.size());
+    for (const std::string& t : texts) keys.push_back(SortKey(t));
+    std::vector<std::size_t> order(texts.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::sort(order.begin(), order.end(), [&](std::size_t x, std::size_t y) { return keys[x] < keys[y]; });
+    std::vector<std::string> sorted;
+    sorted.reserve(texts.size());
+    for (std::size_t i : order) sorted.push_back(std::move(texts[i]));
+    texts = std::move(sorted);
+}
+
+}  // namespace ct

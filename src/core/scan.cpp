@@ -1,0 +1,266 @@
+#include "core/scan.h"
+
+#include <cstring>
+
+#if defined(__SSE2__) || defined(_M_X64)
+#include <emmintrin.h>
+#define CT_SCAN_SSE2 1
+#endif
+// Where the compiler can build a function for a wider unit than the
+// baseline, the line count takes AVX2 when the machine has it.
+#if defined(CT_SCAN_SSE2) && defined(__GNUC__) && defined(__x86_64__)
+#include <immintrin.h>
+#define CT_SCAN_AVX2 1
+#endif
+
+namespace ct::scan {
+
+namespace {
+
+#ifdef CT_SCAN_SSE2
+bool g_vectors = true;
+#else
+bool g_vectors = false;
+#endif
+
+constexpr char kCr = '\r', kLf = '\n';
+
+bool IsEol(char c) { return c == kCr || c == kLf; }
+unsigned char Upper(unsigned char c) { return c >= 'a' && c <= 'z' ? static_cast<unsigned char>(c - 32) : c; }
+
+#ifdef CT_SCAN_SSE2
+__m128i Load(const char* p) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)); }
+#endif
+
+#ifdef CT_SCAN_AVX2
+const bool kHasAvx2 = __builtin_cpu_supports("avx2");
+
+// The SSE2 loop below, 32 bytes a step; returns how far it got.
+__attribute__((target("avx2"))) std::size_t CountLineEndsAvx2(const char* p, std::size_t n, std::int64_t& count) {
+    const __m256i cr = _mm256_set1_epi8(kCr), lf = _mm256_set1_epi8(kLf), zero = _mm256_setzero_si256();
+    std::size_t i = 0;
+    while (i + 33 <= n) {
+        __m256i acc = zero;
+        for (int k = 0; k < 255 && i + 33 <= n; ++k, i += 32) {
+            const __m256i v = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p + i));
+            const __m256i next = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p + i + 1));
+            const __m256i isCr = _mm256_cmpeq_epi8(v, cr);
+            const __m256i ends = _mm256_or_si256(isCr, _mm256_cmpeq_epi8(v, lf));
+            const __m256i pair = _mm256_and_si256(isCr, _mm256_cmpeq_epi8(next, lf));
+            acc = _mm256_sub_epi8(acc, _mm256_andnot_si256(pair, ends));
+        }
+        const __m256i sums = _mm256_sad_epu8(acc, zero);
+        count += _mm256_extract_epi64(sums, 0) + _mm256_extract_epi64(sums, 1) + _mm256_extract_epi64(sums, 2) +
+                 _mm256_extract_epi64(sums, 3);
+    }
+    return i;
+}
+
+// NextEvent's vector loop, 32 bytes a step. Returns the place of the first
+// event, or through `reached` how far it looked without finding one.
+__attribute__((target("avx2"))) std::size_t NextEventAvx2(const char* p, std::size_t n, std::size_t m,
+                                                           const unsigned char ends[4], const Needle& needle,
+                                                           bool& emptyLine, std::size_t& reached) {
+    const __m256i cr = _mm256_set1_epi8(kCr), lf = _mm256_set1_epi8(kLf);
+    const __m256i firstOr = _mm256_set1_epi8(static_cast<char>(ends[0]));
+    const __m256i first = _mm256_set1_epi8(static_cast<char>(ends[1]));
+    const __m256i lastOr = _mm256_set1_epi8(static_cast<char>(ends[2]));
+    const __m256i last = _mm256_set1_epi8(static_cast<char>(ends[3]));
+    const std::size_t reach = m > 1 ? m - 1 : 1;
+    std::size_t i = 0;
+    for (; i + reach + 32 <= n; i += 32) {
+        const __m256i v = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p + i));
+        const __m256i next = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p + i + 1));
+        const __m256i tail = m > 0 ? _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p + i + m - 1)) : v;
+        const __m256i isCr = _mm256_cmpeq_epi8(v, cr);
+        const __m256i endsHere = _mm256_or_si256(isCr, _mm256_cmpeq_epi8(v, lf));
+        const __m256i nextEnds = _mm256_or_si256(_mm256_cmpeq_epi8(next, cr), _mm256_cmpeq_epi8(next, lf));
+        const __m256i crLf = _mm256_and_si256(isCr, _mm256_cmpeq_epi8(next, lf));
+        const unsigned empty = static_cast<unsigned>(
+            _mm256_movemask_epi8(_mm256_andnot_si256(crLf, _mm256_and_si256(endsHere, nextEnds))));
+        const unsigned cand = m == 0 ? 0u : static_cast<unsigned>(_mm256_movemask_epi8(
+            _mm256_and_si256(_mm256_cmpeq_epi8(_mm256_or_si256(v, firstOr), first),
+                             _mm256_cmpeq_epi8(_mm256_or_si256(tail, lastOr), last))));
+        unsigned any = empty | cand;
+        while (any) {
+            const unsigned bit = static_cast<unsigned>(__builtin_ctz(any));
+            if (empty >> bit & 1u) {
+                emptyLine = true;
+                return i + bit + 1;
+            }
+            if (needle.At(p + i + bit)) {
+                emptyLine = false;
+                return i + bit;
+            }
+            any &= any - 1;
+        }
+    }
+    reached = i;
+    return n;
+}
+#endif
+
+}  // namespace
+
+bool VectorsOn() { return g_vectors; }
+
+void UseVectors(bool on) {
+#ifdef CT_SCAN_SSE2
+    g_vectors = on;
+#else
+    (void)on;
+#endif
+}
+
+std::size_t FindLineEnd(const char* p, std::size_t n) {
+    std::size_t i = 0;
+#ifdef CT_SCAN_SSE2
+    if (g_vectors) {
+        const __m128i cr = _mm_set1_epi8(kCr), lf = _mm_set1_epi8(kLf);
+        for (; i + 16 <= n; i += 16) {
+            const __m128i v = Load(p + i);
+            const int m = _mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi8(v, cr), _mm_cmpeq_epi8(v, lf)));
+            if (m) return i + static_cast<std::size_t>(__builtin_ctz(static_cast<unsigned>(m)));
+        }
+    }
+#endif
+    for (; i < n; ++i)
+        if (IsEol(p[i])) return i;
+    return n;
+}
+
+std::int64_t CountLineEnds(const char* p, std::size_t n) {
+    std::int64_t count = 0;
+    std::size_t i = 0;
+#ifdef CT_SCAN_SSE2
+    if (g_vectors) {
+#ifdef CT_SCAN_AVX2
+        if (kHasAvx2) i = CountLineEndsAvx2(p, n, count);
+#endif
+        const __m128i cr = _mm_set1_epi8(kCr), lf = _mm_set1_epi8(kLf), zero = _mm_setzero_si128();
+        // Per byte lane one line end at most per step (a CR that a LF follows
+        // counts 0, its LF 1), so 255 steps fit in the lane's byte.
+        while (i + 17 <= n) {
+            __m128i acc = zero;
+            for (int k = 0; k < 255 && i + 17 <= n; ++k, i += 16) {
+                const __m128i v = Load(p + i), next = Load(p + i + 1);
+                const __m128i isCr = _mm_cmpeq_epi8(v, cr);
+                const __m128i ends = _mm_or_si128(isCr, _mm_cmpeq_epi8(v, lf));
+                const __m128i pair = _mm_and_si128(isCr, _mm_cmpeq_epi8(next, lf));
+                acc = _mm_sub_epi8(acc, _mm_andnot_si128(pair, ends));  // -(-1) per line end
+            }
+            const __m128i sums = _mm_sad_epu8(acc, zero);
+            count += _mm_cvtsi128_si32(sums) + _mm_cvtsi128_si32(_mm_srli_si128(sums, 8));
+        }
+    }
+#endif
+    for (; i < n; ++i) {
+        if (p[i] == kLf) ++count;
+        else if (p[i] == kCr && !(i + 1 < n && p[i + 1] == kLf)) ++count;
+    }
+    return count;
+}
+
+std::size_t FindBars(const char* p, std::size_t n, std::size_t* at, std::size_t max) {
+    std::size_t found = 0, i = 0;
+    if (max == 0) return 0;
+#ifdef CT_SCAN_SSE2
+    if (g_vectors) {
+        const __m128i bar = _mm_set1_epi8('|');
+        for (; i + 16 <= n; i += 16) {
+            unsigned m = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(Load(p + i), bar)));
+            while (m) {
+                at[found++] = i + static_cast<std::size_t>(__builtin_ctz(m));
+                if (found == max) return found;
+                m &= m - 1;
+            }
+        }
+    }
+#endif
+    for (; i < n; ++i)
+        if (p[i] == '|') {
+            at[found++] = i;
+            if (found == max) return found;
+        }
+    return found;
+}
+
+Needle::Needle(std::string_view term, bool foldCase) : term_(term), fold_(foldCase) {
+    if (fold_)
+        for (char& c : term_) c = static_cast<char>(Upper(static_cast<unsigned char>(c)));
+    if (term_.empty()) return;
+    auto part = [this](unsigned char b, unsigned char& orMask, unsigned char& value) {
+        const bool letter = fold_ && b >= 'A' && b <= 'Z';
+        orMask = letter ? 0x20 : 0;
+        value = letter ? static_cast<unsigned char>(b | 0x20) : b;
+    };
+    part(static_cast<unsigned char>(term_.front()), firstOr_, first_);
+    part(static_cast<unsigned char>(term_.back()), lastOr_, last_);
+}
+
+bool Needle::At(const char* p) const {
+    if (!fold_) return std::memcmp(p, term_.data(), term_.size()) == 0;
+    for (std::size_t i = 0; i < term_.size(); ++i)
+        if (Upper(static_cast<unsigned char>(p[i])) != static_cast<unsigned char>(term_[i])) return false;
+    return true;
+}
+
+std::size_t NextEvent(const char* p, std::size_t n, const Needle& needle, bool& emptyLine) {
+    const std::size_t m = needle.size();
+    std::size_t i = 0;
+#ifdef CT_SCAN_SSE2
+    if (g_vectors) {
+#ifdef CT_SCAN_AVX2
+        if (kHasAvx2) {
+            const unsigned char ends[4] = {needle.firstOr_, needle.first_, needle.lastOr_, needle.last_};
+            const std::size_t at = NextEventAvx2(p, n, m, ends, needle, emptyLine, i);
+            if (at != n) return at;
+        }
+#endif
+        const __m128i cr = _mm_set1_epi8(kCr), lf = _mm_set1_epi8(kLf);
+        const __m128i firstOr = _mm_set1_epi8(static_cast<char>(needle.firstOr_));
+        const __m128i first = _mm_set1_epi8(static_cast<char>(needle.first_));
+        const __m128i lastOr = _mm_set1_epi8(static_cast<char>(needle.lastOr_));
+        const __m128i last = _mm_set1_epi8(static_cast<char>(needle.last_));
+        const std::size_t reach = m > 1 ? m - 1 : 1;  // the farthest load starts this far on
+        for (; i + reach + 16 <= n; i += 16) {
+            const __m128i v = Load(p + i), next = Load(p + i + 1), tail = m > 0 ? Load(p + i + m - 1) : v;
+            const __m128i isCr = _mm_cmpeq_epi8(v, cr);
+            const __m128i ends = _mm_or_si128(isCr, _mm_cmpeq_epi8(v, lf));
+            const __m128i nextEnds = _mm_or_si128(_mm_cmpeq_epi8(next, cr), _mm_cmpeq_epi8(next, lf));
+            const __m128i crLf = _mm_and_si128(isCr, _mm_cmpeq_epi8(next, lf));
+            const unsigned empty = static_cast<unsigned>(
+                _mm_movemask_epi8(_mm_andnot_si128(crLf, _mm_and_si128(ends, nextEnds))));
+            const unsigned cand = m == 0 ? 0u : static_cast<unsigned>(_mm_movemask_epi8(
+                _mm_and_si128(_mm_cmpeq_epi8(_mm_or_si128(v, firstOr), first),
+                              _mm_cmpeq_epi8(_mm_or_si128(tail, lastOr), last))));
+            unsigned any = empty | cand;
+            while (any) {
+                const unsigned bit = static_cast<unsigned>(__builtin_ctz(any));
+                if (empty >> bit & 1u) {
+                    emptyLine = true;
+                    return i + bit + 1;
+                }
+                if (needle.At(p + i + bit)) {
+                    emptyLine = false;
+                    return i + bit;
+                }
+                any &= any - 1;
+            }
+        }
+    }
+#endif
+    for (; i < n; ++i) {
+        if (IsEol(p[i]) && i + 1 < n && IsEol(p[i + 1]) && !(p[i] == kCr && p[i + 1] == kLf)) {
+            emptyLine = true;
+            return i + 1;
+        }
+        if (m > 0 && i + m <= n && needle.At(p + i)) {
+            emptyLine = false;
+            return i;
+        }
+    }
+    return n;
+}
+
+}  // namespace ct::scan

@@ -1,0 +1,54 @@
+// Block scans for the readers: one pass over a buffer of whole lines, sixteen
+// bytes at a time where the machine has SSE2 (every x86-64 does), byte by byte
+// elsewhere. Both paths give the same answers; tests run both.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace ct::scan {
+
+// Whether the vector path is in use (false on machines without it, or after
+// UseVectors(false), which the tests call to run the portable path).
+bool VectorsOn();
+void UseVectors(bool on);
+
+// The first CR or LF in p[0..n), or n.
+std::size_t FindLineEnd(const char* p, std::size_t n);
+
+// Line ends in p[0..n): every LF, every CR, less the CRs that a LF follows in
+// the block (a CR LF is one line end). The caller handles the pair that a
+// block boundary splits.
+std::int64_t CountLineEnds(const char* p, std::size_t n);
+
+// The places of the first `max` bars ('|') of p[0..n), in one pass; returns
+// how many there are (at most `max`).
+std::size_t FindBars(const char* p, std::size_t n, std::size_t* at, std::size_t max);
+
+// A term whose lines are the only ones that can match: its bytes, compared
+// with ASCII letters folded or exactly.
+class Needle {
+public:
+    Needle() = default;
+    Needle(std::string_view term, bool foldCase);
+    std::size_t size() const { return term_.size(); }
+    // Whether p[0..size) is the term.
+    bool At(const char* p) const;
+
+private:
+    friend std::size_t NextEvent(const char*, std::size_t, const Needle&, bool&);
+    std::string term_;  // letters upper-cased when folding
+    bool fold_ = false;
+    unsigned char firstOr_ = 0, first_ = 0, lastOr_ = 0, last_ = 0;  // (b | or) == value
+};
+
+// In p[0..n), a buffer of whole lines that begins at a line start, the first
+// place where either the needle stands (`emptyLine` false: the place of its
+// first byte) or an empty line begins inside the buffer (`emptyLine` true: the
+// place of that line's line end). An empty line at p[0] itself is the
+// caller's to see. n when neither occurs.
+std::size_t NextEvent(const char* p, std::size_t n, const Needle& needle, bool& emptyLine);
+
+}  // namespace ct::scan

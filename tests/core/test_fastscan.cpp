@@ -1,0 +1,194 @@
+// The block scans against the plain line-by-line reading: the search with its
+// prefilter, on the vector and the portable path, at read blocks that put line
+// ends, CRs and terms across every boundary, must give the very same hits.
+// And the list order every list and the terminal tool share.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "core/collate.h"
+#include "core/scan.h"
+#include "core/search.h"
+#include "core/statistics.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+class Sink : public ct::HitSink {
+public:
+    bool Add(const std::string& hit) override {
+        if (hits.size() >= ct::kHitLimit) return false;
+        hits.push_back(hit);
+        return true;
+    }
+    std::size_t Count() const override { return hits.size(); }
+    std::vector<std::string> hits;
+};
+
+struct Catalogue {
+    const char* name;
+    std::string bytes;
+};
+
+const std::string kLines =  // folder lines, empty line, file lines; EOL stands for the line end
+    "1|2|UDF|3|1|2048|Konzert mit Xylophon EOL"
+    "EOL"
+    "\\Xylophon|R|01.02.2003 04:05:06|EOL"
+    "\\Musik\\xylophon|A|01.02.2003 04:05:06|Konzert EOL"
+    "\\Musik\\Orchester|A|01.02.2003 04:05:06|EOL"
+    "EOL"
+    "\\Musik\\Orchester\\XYLOPHON|12|A|01.02.2003 04:05:06|EOL"
+    "\\Musik\\xylophon\\alt Xylophon.mp3|-5|R H|31.12.1999 23:59:59|Konzert EOL"
+    "\\Xylophon\\Spiel|70000|A|01.02.2003 04:05:06|zwei | Xylophon EOL"
+    "\\Musik\\M\xe4rchen Xylophon|7|A|01.02.2003 04:05:06|\xc4rger EOL"
+    "\\Musik\\Gr\xc3\xbc\xc3\x9f\x65 xylophon|8|A|01.02.2003 04:05:06|Konzert EOL"
+    "\\ohne Trenner Xylophon EOL"
+    "\\Musik\\xylophonxylophon|9||01.02.2003 04:05:06|EOL";
+
+std::string With(std::string text, const std::string& eol) {
+    for (std::size_t at; (at = text.find("EOL")) != std::string::npos;) text.replace(at, 3, eol);
+    return text;
+}
+
+std::vector<Catalogue> Catalogues() {
+    std::string padded = kLines;  // a long line moves every later line across blocks
+    padded.insert(padded.find("\\Musik\\Orchester|"), "\\" + std::string(300, 'x') + "Xylophon|R||EOL");
+    return {
+        {"CrLf", With(kLines, "\r\n")},
+        {"LfOnly", With(kLines, "\n")},
+        {"LoneCr", With(kLines, "\r")},
+        {"NoFinalLineEnd", With(kLines.substr(0, kLines.size() - 3), "\r\n")},
+        {"LongLine", With(padded, "\r\n")},
+        {"EmptySections", With("1|2|||||EOLEOLEOL", "\r\n")},
+        {"NoFolders", With("1|2|||||EOLEOLEOL\\Xylophon.txt|1|||EOL", "\r\n")},
+        {"CutInFolders", With("1|2|||||EOLEOL\\Xylophon|||", "\r\n")},
+        {"EmptyLineAmongFiles", With("1|2|||||EOLEOLEOL\\a|1|||EOLEOL\\Xylophon|1|||EOL", "\r\n")},
+    };
+}
+
+struct Query {
+    const char* name;
+    int kind;
+    ct::SearchOp nameOp;
+    const char* term;
+    ct::SearchOp descriptionOp = ct::SearchOp::None;
+    const char* description = "";
+};
+
+const Query kQueries[] = {
+    {"Contains", 2, ct::SearchOp::Contains, "xYLOphon"},
+    {"ContainsFilesOnly", 0, ct::SearchOp::Contains, "xylophon"},
+    {"ContainsFoldersOnly", 1, ct::SearchOp::Contains, "Xylophon"},
+    {"Begins", 2, ct::SearchOp::BeginsWith, "xylophon"},
+    {"Ends", 2, ct::SearchOp::EndsWith, "XYLOPHON"},
+    {"EndsWithBackslashes", 2, ct::SearchOp::EndsWith, "xylophon\\\\"},
+    {"Equal", 2, ct::SearchOp::Equal, "\\musik\\xylophon"},
+    {"NotContains", 2, ct::SearchOp::NotContains, "xylophon"},
+    {"OneLetter", 2, ct::SearchOp::Contains, "n"},
+    {"DotlessIMayFold", 2, ct::SearchOp::Contains, "i"},
+    {"NonAsciiTerm", 2, ct::SearchOp::Contains, "\xc3\xa4rchen"},
+    {"Description", 2, ct::SearchOp::None, "", ct::SearchOp::Contains, "Konzert "},
+    {"DescriptionEquals", 2, ct::SearchOp::None, "", ct::SearchOp::Equal, "Konzert"},
+    {"NameAndDescription", 2, ct::SearchOp::Contains, "phon", ct::SearchOp::EndsWith, "Xylophon"},
+};
+
+std::vector<std::string> Hits(const std::string& folder, const Query& q, bool prefilter, std::size_t block) {
+    ct::SearchCriteria c;
+    c.kind = q.kind;
+    c.checkName = q.nameOp != ct::SearchOp::None;
+    c.nameOperator = q.nameOp;
+    c.nameTerm = q.term;
+    c.checkDescription = c.descriptionOperatorChosen = q.descriptionOp != ct::SearchOp::None;
+    c.descriptionOperator = q.descriptionOp;
+    c.descriptionText = q.description;
+    c.discs = {{"Disc", true}};
+    ct::SearchHooks hooks;
+    hooks.prefilter = prefilter;
+    hooks.readBlock = block;
+    Sink sink;
+    ct::RunSearch(folder, c, sink, hooks);
+    return sink.hits;
+}
+
+TEST(FastScan, SameHitsAsThePlainReader) {
+    const fs::path dir = fs::temp_directory_path() / ("ct_fastscan_" + std::to_string(std::random_device{}()));
+    fs::create_directories(dir);
+    for (const Catalogue& cat : Catalogues()) {
+        std::ofstream(dir / "Disc.idx", std::ios::binary | std::ios::trunc) << cat.bytes;
+        for (const Query& q : kQueries) {
+            ct::scan::UseVectors(true);
+            const std::vector<std::string> want = Hits(dir.string(), q, false, 1 << 16);
+            for (bool vectors : {true, false}) {
+                ct::scan::UseVectors(vectors);
+                for (std::size_t block : {1u, 5u, 16u, 17u, 33u, 64u, 1u << 16}) {
+                    SCOPED_TRACE(std::string(cat.name) + " " + q.name + (vectors ? " vector" : " scalar") +
+                                 " block " + std::to_string(block));
+                    EXPECT_EQ(Hits(dir.string(), q, true, block), want);
+                    if (block < 64) {
+                        EXPECT_EQ(Hits(dir.string(), q, false, block), want);
+                    }
+                }
+            }
+        }
+    }
+    ct::scan::UseVectors(true);
+    fs::remove_all(dir);
+}
+
+TEST(FastScan, LineEndsAndBarsFoundAlikeOnBothPaths) {
+    std::mt19937 random(7);
+    const char bytes[] = {'\r', '\n', 'a', '|'};
+    for (int round = 0; round < 200; ++round) {
+        std::string s(random() % 300, 'x');
+        for (char& c : s) c = bytes[random() % 4];
+        std::int64_t plain = 0;
+        for (std::size_t i = 0; i < s.size(); ++i)
+            plain += s[i] == '\n' || (s[i] == '\r' && (i + 1 == s.size() || s[i + 1] != '\n'));
+        for (bool vectors : {true, false}) {
+            ct::scan::UseVectors(vectors);
+            EXPECT_EQ(ct::scan::CountLineEnds(s.data(), s.size()), plain) << round << vectors;
+            EXPECT_EQ(ct::scan::FindLineEnd(s.data(), s.size()), s.find_first_of("\r\n") == std::string::npos
+                                                                     ? s.size()
+                                                                     : s.find_first_of("\r\n"));
+            std::size_t at[4], want[4], n = 0;
+            for (std::size_t i = 0; i < s.size() && n < 4; ++i)
+                if (s[i] == '|') want[n++] = i;
+            ASSERT_EQ(ct::scan::FindBars(s.data(), s.size(), at, 4), n);
+            EXPECT_TRUE(std::equal(at, at + n, want));
+        }
+    }
+    ct::scan::UseVectors(true);
+}
+
+struct OrderRow {
+    const char* name;
+    std::vector<std::string> sorted;  // the list order; the test sorts it reversed
+};
+
+class ListOrder : public ::testing::TestWithParam<OrderRow> {};
+
+TEST_P(ListOrder, SortsAsAReaderExpects) {
+    std::vector<std::string> v(GetParam().sorted.rbegin(), GetParam().sorted.rend());
+    ct::SortForList(v);
+    EXPECT_EQ(v, GetParam().sorted);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, ListOrder,
+    ::testing::Values(
+        OrderRow{"UmlautBesideItsBase", {"Apfel", "Äpfel", "Birne"}},
+        OrderRow{"AllThreeUmlauts", {"Ol", "Öl", "Oma", "Uber", "über", "Udo"}},
+        OrderRow{"SharpSAsSs", {"Strasse", "Straße", "Strasze"}},
+        OrderRow{"CaseIgnoredTiesByExactText", {"APFEL", "Apfel", "apfel", "Äpfel", "äpfel", "apfelbaum"}},
+        OrderRow{"OtherLatinLetters", {"Ærø", "Aesop", "Cote", "Côte", "Łódź", "Lodz2", "Œuvre", "Zoe"}},
+        OrderRow{"DiscBeforeItsHits", {"Urlaub", "Urlaub\\\\a", "urlaub\\\\B", "Urlaub_x", "Urlaubx"}},
+        OrderRow{"Windows1252LeftoverBytes", {"a", "a\xe4", "b"}}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+}  // namespace
