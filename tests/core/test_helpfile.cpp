@@ -18,34 +18,6 @@ using ct::HelpSpan;
 
 // ---------------------------------------------------------------- reader
 
-struct DamagedCase {
-    const char* name;
-    std::string text;
-    std::vector<std::string> topics;  // names in order
-    std::size_t problems;             // how many problems are reported
-};
-
-void PrintTo(const DamagedCase& c, std::ostream* os) { *os << c.name; }
-
-class HelpFileDamaged : public testing::TestWithParam<DamagedCase> {};
-
-TEST_P(HelpFileDamaged, SurvivesAndKeepsWhatItCan) {
-    const auto& c = GetParam();
-    const auto file = ct::ParseHelpFile(c.text);
-    EXPECT_EQ(file.TopicNames(), c.topics);
-    EXPECT_EQ(file.problems.size(), c.problems);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Cases, HelpFileDamaged,
-    testing::Values(
-        DamagedCase{"NoTopicsJustText", "Hello\nworld\n", {}, 2},
-        DamagedCase{"ByteOrderMarkAndCrLf", "\xEF\xBB\xBF@@ Inhalt\r\nText\r\n", {"Inhalt"}, 0},
-        DamagedCase{"DuplicateName", "@@ A\none\n@@ A\ntwo\n", {"A", "A"}, 1},
-        DamagedCase{"UnterminatedLink", "@@ A\nsee [[B\n", {"A"}, 1},
-        DamagedCase{"NameKeepsAmpersandAndBlanksInside", "@@  &Hinzufügen einer CD  \n", {"&Hinzufügen einer CD"}, 0}),
-    [](const testing::TestParamInfo<DamagedCase>& info) { return std::string(info.param.name); });
-
 // ---------------------------------------------------------------- arguments
 
 struct ArgCase {
