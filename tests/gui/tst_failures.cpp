@@ -1,4 +1,5 @@
 // A failure the windows report names what didn't happen and why, in the
+// language in force, with the system's own reason: an unreadable disc, a
 // re-read that can't set the old catalogue aside, a leftover of a crash that
 // can't go back at start, a move of the catalogues whose copy fails.
 #include <QLabel>
@@ -46,6 +47,8 @@ private slots:
         QTest::addColumn<QString>("head");
         QTest::addColumn<int>("reason");
         const QString de = QStringLiteral("0"), en = QStringLiteral("10000");
+        QTest::newRow("unreadable disc de") << "click" << de << "Der Datenträger „Geheim“ kann nicht angezeigt werden.\n\n„" << EACCES;
+        QTest::newRow("unreadable disc en") << "click" << en << "The disc \"Geheim\" cannot be shown.\n\nCannot read \"" << EACCES;
         QTest::newRow("re-read de") << "reread" << de << "Die CD / DVD wird nicht neu eingelesen.\n\n„" << EIO;
         QTest::newRow("re-read en") << "reread" << en << "The disc is not read anew.\n\nCannot set \"" << EIO;
         QTest::newRow("leftover en") << "start" << en << "The old catalogue could not be put back." << EIO;
