@@ -4,6 +4,7 @@
 // can't go back at start, a move of the catalogues whose copy fails.
 #include <QLabel>
 #include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QtTest>
 #include <cerrno>
@@ -13,11 +14,13 @@
 #include "core/fileops.h"
 #include "gui/Start.h"
 #include "gui/frmHaupt.h"
+#include "gui/frmHinzufuegen.h"
 #include "gui/frmOptionen.h"
 #include "gui/seams.h"
 #include "gui/windows.h"
 #include "support/GuiFixture.h"
 #include "support/faultyops.h"
+#include "support/scratch.h"
 
 using namespace ct;
 using namespace ct::test;
@@ -92,6 +95,41 @@ private slots:
         QVERIFY2(text.endsWith(QStringLiteral(" (%1).").arg(QString::fromLocal8Bit(std::strerror(reason)))),
                  qPrintable(text));
         QVERIFY(QGuiApplication::overrideCursor() == nullptr);  // a message box sees the normal pointer
+    }
+
+    // The add window's boxes come after the read: the wait pointer has gone.
+    void addWindowBoxesSeeTheNormalPointer_data() {
+        QTest::addColumn<int>("fault");
+        QTest::addColumn<QString>("title");
+        QTest::newRow("added") << int(Fault::None) << "Fertig!";
+        QTest::newRow("write failed") << int(Fault::Rename) << "Hinzufügen";
+    }
+    void addWindowBoxesSeeTheNormalPointer() {
+        QFETCH(int, fault);
+        QFETCH(QString, title);
+        GuiFixture fx(CARTULON_STAGE_DIR);
+        Scratch disc;
+        disc.Write("liesmich.txt", "Hallo");
+        frmHinzufügen::DriveList = [&disc] { return std::vector<Drive>{{disc.Path(), "EINS", disc.Path(), false}}; };
+        auto haupt = fx.StartMain();
+        std::vector<bool> busy;
+        seams::SetMessageBox([&](QWidget*, const QString& t, const QString&, QMessageBox::StandardButtons,
+                                 QMessageBox::StandardButton, QMessageBox::Icon) {
+            busy.push_back(QGuiApplication::overrideCursor() != nullptr);
+            fx.messages.push_back({t, {}, {}, {}, {}});
+            return QMessageBox::Ok;
+        });
+        FaultyOps ops{static_cast<Fault>(fault)};
+        seams::SetFiles(&ops);
+        {
+            frmHinzufügen d(haupt.get());
+            d.txtBezeichnung->setText(QStringLiteral("Fotos"));
+            d.cmdHinzufügen->click();
+        }
+        seams::SetFiles(nullptr);
+        frmHinzufügen::DriveList = {};
+        QCOMPARE(busy, std::vector<bool>{false});
+        QCOMPARE(fx.messages.back().title, title);
     }
 };
 
