@@ -79,7 +79,8 @@ public:
 // installs an opener that checks the opened file itself.
 std::FILE* OpenForReading(const std::string& path, Failure* failure = nullptr);
 using ReadOpener = std::FILE* (*)(const std::string& path, Failure* failure);
-void SetReadOpener(ReadOpener opener);
+// Returns the opener it replaces, so that a test can put it back.
+ReadOpener SetReadOpener(ReadOpener opener);
 
 // The real file system. Defined in the platform layer.
 FileOps& SystemFileOps();
