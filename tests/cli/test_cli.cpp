@@ -134,8 +134,6 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"TooManyArguments", "show a b c", 2, "cartulon-cli show: unerwartetes Argument „c“", "", ""},
         Row{"MissingDataFolderList", "list --data-folder {S}/nope", 2,
             "cartulon-cli list: den Datenordner „{S}/nope“ gibt es nicht", "", ""},
-        Row{"MissingDataFolderStats", "stats --data-folder {S}/nope", 2, "~„{S}/nope“ gibt es nicht", "", ""},
-        Row{"MissingDataFolderSearch", "search --data-folder {S}/nope", 2, "~„{S}/nope“ gibt es nicht", "", ""},
         // Sizes with units, dates in both forms, and refused values saying what was expected.
         Row{"SizeInK", "search --size greater 100K", 0, "Fotos\\\\Bilder\\p1.jpg", "", ""},
         Row{"SizeInKAboveAll", "search --size greater 200K --kind files", 1, "", "", ""},

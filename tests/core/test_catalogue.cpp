@@ -37,10 +37,6 @@ ct::WalkRecord Rec(std::string name, std::int64_t size, std::string attributes, 
                           std::move(date)};
 }
 
-struct TempFolder : ct::test::Scratch {
-    std::string File(const std::string& name, const std::string& content) const { return Write(name, content); }
-};
-
 struct Sections {
     std::string header;
     std::vector<std::string> folders, files;
@@ -160,7 +156,7 @@ TEST(CatalogueLines, SplitFromTheLeft) {
 // --- Reading ---------------------------------------------------------------
 
 TEST(CatalogueRead, ExampleBySections) {
-    TempFolder dir;
+    ct::test::Scratch dir;
     const std::string path = dir.File("Photos.idx", kExample);
     const Sections s = ReadSections(path);
     EXPECT_EQ(ct::SplitHeader(s.header).Description, "Photos 2003");
@@ -196,7 +192,7 @@ class CatalogueDamaged : public ::testing::TestWithParam<DamagedRow> {};
 
 TEST_P(CatalogueDamaged, ReadsWhatIsThere) {
     const DamagedRow& row = GetParam();
-    TempFolder dir;
+    ct::test::Scratch dir;
     const std::string path = dir.File("d.idx", row.content);
     const Sections s = ReadSections(path);
     EXPECT_EQ(s.header, row.header);
@@ -222,7 +218,7 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& info) { return std::string(info.param.name); });
 
 TEST(CatalogueRead, Windows1252RecordFoundByItsUtf8Path) {
-    TempFolder dir;
+    ct::test::Scratch dir;
     const std::string path =
         dir.File("w.idx", "h\r\n\r\n\r\n\\M\xFCll.txt|1|A|t|Gr\xFC\xDF" "e\r\n\\Mull.txt|2|A|t|\r\n");
     std::string line;

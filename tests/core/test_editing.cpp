@@ -6,9 +6,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <memory>
-#include <sstream>
 
 #include "core/catalogue.h"
 #include "core/editing.h"
@@ -22,15 +20,9 @@ namespace {
 using ct::test::Fault;
 using ct::test::FaultyOps;
 
-std::string ReadAll(const fs::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-}
+using ct::test::ReadAll;
 
-void WriteAll(const fs::path& path, std::string_view bytes) {
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-}
+void WriteAll(const std::string& path, const std::string& bytes) { std::ofstream(path, std::ios::binary) << bytes; }
 
 // Everything in a folder, by name, so a test sees any file left behind.
 std::vector<std::string> Names(const fs::path& folder) {
@@ -52,12 +44,10 @@ std::string Replaced(std::string text, std::string_view from, std::string_view t
 class Editing : public ::testing::Test {
 protected:
     void SetUp() override {
-        root = scratch.Path();
         program = scratch.Mkdir("prog");
         data = scratch.Mkdir("prog/Daten");
     }
     ct::test::Scratch scratch;
-    fs::path root;
     std::string program, data;
     FaultyOps ops;
 };

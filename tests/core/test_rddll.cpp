@@ -25,16 +25,9 @@ const std::string kWorkedExample =
     "#000020001" "0000000006" "0000000012"
     "0000000002";
 
-std::string ReadBytes(const fs::path& p) {
-    std::ifstream in(p, std::ios::binary);
-    std::ostringstream s;
-    s << in.rdbuf();
-    return s.str();
-}
+using ct::test::ReadAll;
 
-void WriteBytes(const fs::path& p, const std::string& bytes) {
-    std::ofstream(p, std::ios::binary) << bytes;
-}
+void WriteBytes(const fs::path& p, const std::string& bytes) { std::ofstream(p, std::ios::binary) << bytes; }
 
 std::string Record(int id, const std::string& start, const std::string& end) {
     std::string idText = std::to_string(id);
@@ -118,7 +111,7 @@ TEST_F(RDFileTest, ResourceTextAddsTheLanguageAndDecodesWindows1252) {
 std::map<int, std::string> SourceTexts(const char* file) {
     std::vector<ct::RDEntry> texts;
     std::string error;
-    const std::string content = ReadBytes(fs::path(CARTULON_SOURCE_DIR) / "data" / file);
+    const std::string content = ReadAll(fs::path(CARTULON_SOURCE_DIR) / "data" / file);
     EXPECT_TRUE(ct::ParseTexts(content, file, texts, &error)) << error;
     std::map<int, std::string> byId;
     for (const ct::RDEntry& e : texts) byId[e.id] = ct::Cp1252ToUtf8(e.body);

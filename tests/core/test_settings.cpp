@@ -15,12 +15,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-std::string ReadBytes(const fs::path& p) {
-    std::ifstream in(p, std::ios::binary);
-    std::ostringstream s;
-    s << in.rdbuf();
-    return s.str();
-}
+using ct::test::ReadAll;
 
 class SettingsTest : public ::testing::Test {
 protected:
@@ -29,7 +24,7 @@ protected:
 
     std::string Folder() const { return folder_.string(); }
     void WriteIni(const std::string& bytes) { std::ofstream(folder_ / "CT.ini", std::ios::binary) << bytes; }
-    std::string Ini() const { return ReadBytes(folder_ / "CT.ini"); }
+    std::string Ini() const { return ReadAll(folder_ / "CT.ini"); }
 
 };
 

@@ -81,6 +81,7 @@ private slots:
             Select(haupt->lstDaten, QStringLiteral("Fotos"));
             fx.answers.push_back(QMessageBox::Yes);
             DoNeuEinlesen();
+            QVERIFY(Items(haupt->lstDaten).contains(QStringLiteral("Fotos")));
         } else if (step == "move") {
             head = ResourceText(10095);
             fx.answers.push_back(QMessageBox::Yes);
@@ -92,6 +93,7 @@ private slots:
         QVERIFY(!fx.messages.empty());
         const QString text = fx.messages.back().text;
         QVERIFY2(text.startsWith(head), qPrintable(text));
+        if (step == "reread") QCOMPARE(fx.messages.back().title, TitleText(10011));  // the menu entry without its '&'
         QVERIFY2(text.endsWith(QStringLiteral(" (%1).").arg(QString::fromLocal8Bit(std::strerror(reason)))),
                  qPrintable(text));
         QVERIFY(QGuiApplication::overrideCursor() == nullptr);  // a message box sees the normal pointer

@@ -28,10 +28,8 @@
 #include "gui/frmSprache.h"
 #include "gui/frmStatistik.h"
 #include "gui/frmSuchen.h"
-#include "gui/seams.h"
 #include "gui/windows.h"
 #include "support/GuiFixture.h"
-#include "support/faultyops.h"
 
 using namespace ct;
 using namespace ct::test;
@@ -231,34 +229,6 @@ private slots:
         Start::Language = 10000;
         haupt->Sprache_Setzen();
         QCOMPARE(yes(), QStringLiteral("&Yes"));
-    }
-
-    // A re-read that can't set the old catalogue aside says so in the
-    // language in force, under the menu entry's title without its '&'.
-    void reReadFailureInOneLanguage_data() {
-        QTest::addColumn<QString>("language");
-        QTest::addColumn<QString>("head");
-        QTest::newRow("de") << "0" << "Die CD / DVD wird nicht neu eingelesen.\n\n„";
-        QTest::newRow("en") << "10000" << "The disc is not read anew.\n\nCannot set \"";
-    }
-    void reReadFailureInOneLanguage() {
-        QFETCH(QString, language);
-        QFETCH(QString, head);
-        GuiFixture fx(CARTULON_STAGE_DIR);
-        fx.WriteIni(language.toStdString(), "/media/cdrom", fx.DataFolder());
-        fx.WriteCatalogue("Fotos", ExampleCatalogue());
-        auto haupt = fx.StartMain();
-        QVERIFY(Select(haupt->lstDaten, QStringLiteral("Fotos")) >= 0);
-        FaultyOps ops(Fault::Rename);
-        seams::SetFiles(&ops);
-        fx.answers.push_back(QMessageBox::Yes);
-        DoNeuEinlesen();
-        seams::SetFiles(nullptr);
-        QVERIFY(!fx.messages.empty());
-        QCOMPARE(fx.messages.back().title, TitleText(10011));
-        QVERIFY(!fx.messages.back().title.contains(QLatin1Char('&')));
-        QVERIFY2(fx.messages.back().text.startsWith(head), qPrintable(fx.messages.back().text));
-        QCOMPARE(Items(haupt->lstDaten), QStringList{QStringLiteral("Fotos")});
     }
 
     // A window placed over the desktop's edge is moved inside when shown.
