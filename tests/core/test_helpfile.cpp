@@ -2,21 +2,20 @@
 // proof that every topic the program can open stands in both help files.
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <map>
 #include <set>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "core/helpfile.h"
+#include "core/rdpack.h"
+#include "core/text.h"
+#include "support/scratch.h"
 
 namespace {
 
 using ct::HelpBlock;
 using ct::HelpSpan;
-
-// ---------------------------------------------------------------- reader
 
 // ---------------------------------------------------------------- arguments
 
@@ -49,32 +48,13 @@ INSTANTIATE_TEST_SUITE_P(
 
 // ---------------------------------------------------------------- the real files
 
-// texts_<lang>.txt: "NNNNN<TAB>text", with \n and \\ escaped.
+// The texts the program shows, by id, as the packer reads them.
 std::map<int, std::string> ReadTexts(const std::string& path) {
+    std::vector<ct::RDEntry> entries;
+    std::string error;
+    EXPECT_TRUE(ct::ParseTexts(ct::test::ReadAll(path), path, entries, &error)) << error;
     std::map<int, std::string> texts;
-    std::ifstream in(path, std::ios::binary);
-    std::string line;
-    while (std::getline(in, line)) {
-        if (!line.empty() && line.back() == '\r') line.pop_back();
-        const auto tab = line.find('\t');
-        if (tab == std::string::npos || tab == 0) continue;
-        int id = 0;
-        try {
-            id = std::stoi(line.substr(0, tab));
-        } catch (...) {
-            continue;
-        }
-        std::string text;
-        for (std::size_t i = tab + 1; i < line.size(); ++i) {
-            if (line[i] == '\\' && i + 1 < line.size()) {
-                const char n = line[++i];
-                text += n == 'n' ? '\n' : n == 't' ? '\t' : n == 'r' ? '\r' : n;
-            } else {
-                text += line[i];
-            }
-        }
-        texts[id] = text;
-    }
+    for (const ct::RDEntry& e : entries) texts[e.id] = ct::Cp1252ToUtf8(e.body);
     return texts;
 }
 

@@ -1,7 +1,7 @@
 // The editing windows and commands: the description editor from its callers,
-// the label editor and deleting a disc — which line or file they change, which
-// topic a refusal opens, and that a failing disk loses nothing. How a line is
-// rewritten byte for byte is the core's test.
+// the label editor and deleting a disc — which line or file they change and
+// which topic a refusal opens. How a line is rewritten byte for byte, and that
+// a failing disk loses nothing, is the core's test.
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -13,10 +13,8 @@
 #include "gui/frmBezeichnungAendern.h"
 #include "gui/frmHaupt.h"
 #include "gui/frmSuchen.h"
-#include "gui/seams.h"
 #include "gui/windows.h"
 #include "support/GuiFixture.h"
-#include "support/faultyops.h"
 #include "support/scratch.h"
 
 using namespace ct;
@@ -31,11 +29,6 @@ std::string Joined(std::vector<std::string> lines, int index = -1, const std::st
     for (const std::string& l : lines) text += l + "\r\n";
     return text;
 }
-
-struct OpsScope {
-    explicit OpsScope(FileOps* ops) { seams::SetFiles(ops); }
-    ~OpsScope() { seams::SetFiles(nullptr); }
-};
 
 struct Setup {
     GuiFixture fx{CARTULON_STAGE_DIR};
