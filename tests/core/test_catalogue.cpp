@@ -129,28 +129,18 @@ INSTANTIATE_TEST_SUITE_P(
 
 // --- Line rules ------------------------------------------------------------
 
+// Every field in its place; whatever follows the last field's bar belongs to the description.
 TEST(CatalogueLines, SplitFromTheLeft) {
     const ct::DiscHeader h = ct::SplitHeader("654311424|-1029197328|CDFS|319488|1|2048|a|b");
-    EXPECT_EQ(h.HeaderSize, "654311424");
-    EXPECT_EQ(h.SerialNumber, "-1029197328");
-    EXPECT_EQ(h.FileSystem, "CDFS");
-    EXPECT_EQ(h.ClusterCount, "319488");
-    EXPECT_EQ(h.SectorsPerCluster, "1");
-    EXPECT_EQ(h.BytesPerSector, "2048");
-    EXPECT_EQ(h.Description, "a|b");
-
+    EXPECT_EQ((std::vector<std::string>{h.HeaderSize, h.SerialNumber, h.FileSystem, h.ClusterCount,
+                                        h.SectorsPerCluster, h.BytesPerSector, h.Description}),
+              (std::vector<std::string>{"654311424", "-1029197328", "CDFS", "319488", "1", "2048", "a|b"}));
     const ct::FolderRecord d = ct::SplitFolder("\\Bilder|R H|14.03.2003 09:12:40|x|y");
-    EXPECT_EQ(d.Path, "\\Bilder");
-    EXPECT_EQ(d.Attributes, "R H");
-    EXPECT_EQ(d.Time, "14.03.2003 09:12:40");
-    EXPECT_EQ(d.Description, "x|y");
-
+    EXPECT_EQ((std::vector<std::string>{d.Path, d.Attributes, d.Time, d.Description}),
+              (std::vector<std::string>{"\\Bilder", "R H", "14.03.2003 09:12:40", "x|y"}));
     const ct::FileRecord f = ct::SplitFile("\\a\\b.txt|12|A|01.01.2000 00:00:00|c:\\temp|z");
-    EXPECT_EQ(f.Path, "\\a\\b.txt");
-    EXPECT_EQ(f.Size, "12");
-    EXPECT_EQ(f.Attributes, "A");
-    EXPECT_EQ(f.Time, "01.01.2000 00:00:00");
-    EXPECT_EQ(f.Description, "c:\\temp|z");
+    EXPECT_EQ((std::vector<std::string>{f.Path, f.Size, f.Attributes, f.Time, f.Description}),
+              (std::vector<std::string>{"\\a\\b.txt", "12", "A", "01.01.2000 00:00:00", "c:\\temp|z"}));
 }
 
 // --- Reading ---------------------------------------------------------------

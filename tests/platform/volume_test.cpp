@@ -18,22 +18,15 @@ TEST(ParseMountInfo, FieldsEscapesAndOptionalTags) {
         "91 26 8:17 / /mnt/back\\134slash\\011tab rw - vfat /dev/sdb1 rw\n"
         "92 26 0:52 /home/anna/share /srv/bind rw - ext4 /dev/vda rw\n"
         "93 26 0:53 / /net rw - nfs4 server:/export\\040all rw,vers=4.2";  // no final newline
-    const auto m = ParseMountInfo(text);
-    ASSERT_EQ(m.size(), 5u);
-    EXPECT_EQ(m[0].mountPoint, "/");
-    EXPECT_EQ(m[0].fsType, "ext4");
-    EXPECT_EQ(m[0].source, "/dev/vda");
-    EXPECT_EQ(m[0].root, "/");
-    EXPECT_EQ(m[0].major, 254u);
-    EXPECT_EQ(m[0].minor, 0u);
-    EXPECT_EQ(m[1].mountPoint, "/media/anna/Urlaub 2003");
-    EXPECT_EQ(m[1].fsType, "iso9660");
-    EXPECT_EQ(m[1].source, "/dev/sr0");
-    EXPECT_EQ(m[1].major, 11u);
-    EXPECT_EQ(m[2].mountPoint, "/mnt/back\\slash\ttab");
-    EXPECT_EQ(m[2].minor, 17u);
-    EXPECT_EQ(m[3].root, "/home/anna/share");
-    EXPECT_EQ(m[4].source, "server:/export all");
+    std::vector<std::string> got;  // mount point|type|source|root|major:minor
+    for (const MountEntry& m : ParseMountInfo(text))
+        got.push_back(m.mountPoint + "|" + m.fsType + "|" + m.source + "|" + m.root + "|" + std::to_string(m.major) +
+                      ":" + std::to_string(m.minor));
+    EXPECT_EQ(got, (std::vector<std::string>{"/|ext4|/dev/vda|/|254:0",
+                                             "/media/anna/Urlaub 2003|iso9660|/dev/sr0|/|11:0",
+                                             "/mnt/back\\slash\ttab|vfat|/dev/sdb1|/|8:17",
+                                             "/srv/bind|ext4|/dev/vda|/home/anna/share|0:52",
+                                             "/net|nfs4|server:/export all|/|0:53"}));
 }
 
 std::vector<MountEntry> SampleMounts() {
