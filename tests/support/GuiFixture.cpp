@@ -3,13 +3,13 @@
 #include <QDir>
 #include <QFile>
 #include <fstream>
-#include <sstream>
 
 #include "gui/ListBox.h"
 #include "gui/Start.h"
 #include "gui/frmHaupt.h"
 #include "gui/seams.h"
 #include "platform/system.h"
+#include "scratch.h"
 
 namespace ct::test {
 
@@ -55,16 +55,10 @@ void GuiFixture::WriteIni(const std::string& line1, const std::string& line2, co
 
 void GuiFixture::WriteIniRaw(const std::string& bytes) { WriteFileRaw(Folder() + "/CT.ini", bytes); }
 
-std::string GuiFixture::ReadIni() const {
-    std::ifstream in(Folder() + "/CT.ini", std::ios::binary);
-    std::ostringstream out;
-    out << in.rdbuf();
-    return out.str();
-}
+std::string GuiFixture::ReadIni() const { return ReadAll(Folder() + "/CT.ini"); }
 
 void GuiFixture::WriteFileRaw(const std::string& path, const std::string& bytes) {
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    out << bytes;
+    std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
 }
 
 std::string GuiFixture::WriteCatalogue(const std::string& label, const std::vector<std::string>& lines,
