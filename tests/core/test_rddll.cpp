@@ -52,7 +52,6 @@ protected:
 TEST(RDPackLayout, WorkedExampleIsWrittenByteForByte) {
     std::string out, error;
     ASSERT_TRUE(ct::RDPack({{10001, "Hallo"}, {20001, "Hello!"}}, out, &error)) << error;
-    EXPECT_EQ(out.size(), 81u);
     EXPECT_EQ(out, kWorkedExample);
 }
 
@@ -61,8 +60,6 @@ TEST_F(RDFileTest, WorkedExampleReadsBothResources) {
     EXPECT_EQ(Get(kWorkedExample, 20001), "Hello!");
 }
 
-// Bodies that could trip a reader: bytes above 127, a '#', line breaks, a
-// NUL, and a body that spells out a record key of its own.
 TEST_F(RDFileTest, ShortIdNeverMatchesALongerOne) {
     // Only 100010 present: 10001 must not find it.
     const std::string onlyLong = "X" + Record(100010, "0000000001", "0000000002") + "0000000001";
