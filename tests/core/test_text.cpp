@@ -39,13 +39,10 @@ TEST(Cp1252, EveryByteRoundTrips) {
     }
 }
 
-TEST(DecodeLine, ValidUtf8StaysAsItIs) {
+// Valid UTF-8 stays; one byte that isn't makes the whole line Windows-1252,
+// the way a catalogue written on Windows reads.
+TEST(DecodeLine, Utf8StaysElseTheWholeLineIsWindows1252) {
     EXPECT_EQ(ct::DecodeLine("\\M\xC3\xBCll.txt|1|A|"), "\\M\xC3\xBCll.txt|1|A|");
-}
-
-TEST(DecodeLine, InvalidLineIsWindows1252AsAWhole) {
-    // One byte that isn't UTF-8 makes the whole line Windows-1252, the way a
-    // catalogue written on Windows reads.
     EXPECT_EQ(ct::DecodeLine("\\M\xFCll.txt|1|A|"), "\\M\xC3\xBCll.txt|1|A|");
     EXPECT_EQ(ct::DecodeLine("\xC3\xA4\xFC"), "\xC3\x83\xC2\xA4\xC3\xBC");
 }
