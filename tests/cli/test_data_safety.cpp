@@ -130,6 +130,9 @@ TEST(LabelArguments, HostileLabelsAreRefused) {
                  {"show", label}, {"describe", label, "x"}, {"rename", label, "New"}, {"delete", label, "--yes"}}) {
             const CliRun run = Cli(s, data, args);
             EXPECT_EQ(run.code, 2) << args[0] << " " << label << ": " << run.output;
+            // Refused as a label, not looked up as a disc that isn't there.
+            EXPECT_EQ(run.output.find("keine gültige Bezeichnung") != std::string::npos, label != std::string("nodisc"))
+                << args[0] << " " << label << ": " << run.output;
         }
     }
     EXPECT_EQ(ReadAll(victim), Catalogue("V", 1));
