@@ -27,6 +27,11 @@ std::int64_t CountLineEnds(const char* p, std::size_t n);
 // how many there are (at most `max`).
 std::size_t FindBars(const char* p, std::size_t n, std::size_t* at, std::size_t max);
 
+// One line's bars and end in one pass: the place of the first CR or LF in
+// p[0..n) (or n), and the places of the first `max` bars before it in `at`,
+// their number in `count`.
+std::size_t FindFields(const char* p, std::size_t n, std::size_t* at, std::size_t max, std::size_t& count);
+
 // A term whose lines are the only ones that can match: its bytes, compared
 // with ASCII letters folded or exactly.
 class Needle {

@@ -385,6 +385,8 @@ Matcher::Matcher(const SearchCriteria& c)
         wantedAttributes_ = c.attributes;
     if (checkDate_ && !ReadDate(c.dateText, dateLimit_)) dateOp_ = SearchOp::None;
     if (dateOp_ != SearchOp::None) FixedDateKey(DateText(dateLimit_), dateKey_);
+    quickSize_ = checkSize_ && sizeOp_ != SearchOp::None;
+    quickDate_ = checkDate_ && dateOp_ != SearchOp::None;
     // Raw bytes may be searched for an ASCII term whatever a line's encoding,
     // as long as no other letter upper-cases into one of the term's: only the
     // dotless i and the long s do, into I and S.
@@ -488,6 +490,37 @@ bool Matcher::FieldTests(std::string_view attributes, std::string_view time,
     }
     if (checkDescription_ && !CompareText(descriptionOp_, description, description_)) return false;
     return true;
+}
+
+bool Matcher::FileFieldsFail(const char* line, const std::size_t* bars, std::size_t count) const {
+    // A Size of plain digits (a minus at most) is read here; any other form,
+    // and a Size that is the rest of the line, go to the full test. Fourteen
+    // digits stay far inside the fixed-point range.
+    if (quickSize_ && count >= 2) {
+        const char* s = line + bars[0] + 1;
+        const char* e = line + bars[1];
+        const bool negative = s < e && *s == '-';
+        if (negative) ++s;
+        if (s < e && e - s <= 14) {
+            std::int64_t v = 0;
+            for (; s < e; ++s) {
+                const unsigned d = static_cast<unsigned char>(*s) - static_cast<unsigned>('0');
+                if (d > 9) break;
+                v = v * 10 + static_cast<std::int64_t>(d);
+            }
+            if (s == e && !CompareNumber(sizeOp_, Fixed{(negative ? -v : v) * Fixed::kScale}, sizeLimit_))
+                return true;
+        }
+    }
+    // The stored form is the only one judged here; its ordering number is
+    // what FieldTests compares too. The Time field is the fourth, ended by a
+    // bar (with fewer bars it is the rest of the line: not judged here).
+    if (quickDate_ && count >= 4 && bars[3] - bars[2] == 20) {
+        std::uint64_t key;
+        if (FixedDateKey(std::string_view(line + bars[2] + 1, 19), key) && !CompareNumber(dateOp_, key, dateKey_))
+            return true;
+    }
+    return false;
 }
 
 bool Matcher::NameTest(std::string_view t) {
@@ -646,6 +679,42 @@ Step ScanSection(LineReader& reader, const scan::Needle* needle, Test&& test) {
     }
 }
 
+// A file section whose lines all face a size or date test: each line's bars
+// and end are found in one pass over the block, and the lines whose fields
+// fail in place are passed over; the rest go to `test` as read.
+template <class Test>
+Step ScanFields(LineReader& reader, const Matcher& matcher, Test&& test) {
+    std::string_view line;
+    for (;;) {
+        const std::string_view block = reader.Buffered();
+        if (block.empty()) return Step::FileEnded;
+        const char* b = block.data();
+        const std::size_t n = block.size();
+        std::size_t i = 0;
+        bool handOut = false;
+        while (i < n) {
+            if (b[i] == '\r' || b[i] == '\n') {  // the empty line that ends the section
+                reader.Skip(i);
+                reader.NextRaw(line);
+                return Step::Next;
+            }
+            std::size_t bars[4], count;
+            const std::size_t eol = i + scan::FindFields(b + i, n - i, bars, 4, count);
+            if (count == 0 || !matcher.FileFieldsFail(b + i, bars, count)) {
+                handOut = true;
+                break;
+            }
+            i = eol + 1;
+            if (eol < n && b[eol] == '\r' && i < n && b[i] == '\n') ++i;
+        }
+        reader.Skip(std::min(i, n));
+        if (handOut) {
+            reader.NextRaw(line);
+            if (!test(line)) return Step::Stop;
+        }
+    }
+}
+
 }  // namespace
 
 SearchEnd RunSearch(const std::string& dataFolder, const SearchCriteria& c, HitSink& sink,
@@ -692,7 +761,9 @@ SearchEnd RunSearch(const std::string& dataFolder, const SearchCriteria& c, HitS
                     if (step == Step::Stop) return SearchEnd::HitLimit;
                     if (files && step == Step::Next) {
                         n = fast && matcher.SectionNeedle(false, needle) ? &needle : nullptr;
-                        if (ScanSection(reader, n, onFile) == Step::Stop) return SearchEnd::HitLimit;
+                        const Step s = !n && fast && matcher.QuickFields() ? ScanFields(reader, matcher, onFile)
+                                                                           : ScanSection(reader, n, onFile);
+                        if (s == Step::Stop) return SearchEnd::HitLimit;
                     }
                 }
             }
