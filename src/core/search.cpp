@@ -1,5 +1,6 @@
 #include "core/search.h"
 
+#include <bit>
 #include <cstring>
 
 #include "core/catalogue.h"
@@ -307,6 +308,26 @@ bool FixedDateKey(std::string_view s, std::uint64_t& key) {
     key = ((((static_cast<std::uint64_t>(year) * 100 + month) * 100 + day) * 100 + hour) * 100 + minute) * 100 + second;
     return true;
 }
+// Whether s[0..19) has the stored form's shape, "dd.mm.yyyy hh:mm:ss" with
+// any digits: three words of eight bytes, their separators turned into '0'
+// and every byte checked for a digit at once.
+bool FixedDateShape(const char* s) {
+    constexpr auto Sep = [](int at, char c) { return static_cast<std::uint64_t>(c ^ '0') << (8 * at); };
+    constexpr std::uint64_t kSeps[3] = {Sep(2, '.') | Sep(5, '.'),           // bytes 0..7
+                                        Sep(2, ' ') | Sep(5, ':'),           // bytes 8..15 ("yy hh:mm")
+                                        Sep(2, ':') | Sep(5, ':')};          // bytes 11..18 ("hh:mm:ss")
+    constexpr std::uint64_t kHigh = 0xF0F0F0F0F0F0F0F0ull, kZeros = 0x3030303030303030ull;
+    static const int kAt[3] = {0, 8, 11};
+    for (int k = 0; k < 3; ++k) {
+        std::uint64_t w;
+        std::memcpy(&w, s + kAt[k], 8);
+        if constexpr (std::endian::native != std::endian::little) w = __builtin_bswap64(w);
+        w ^= kSeps[k];
+        if ((w & kHigh) != kZeros || ((w + 0x0606060606060606ull) & kHigh) != kZeros) return false;
+    }
+    return true;
+}
+
 }  // namespace
 
 std::string DateText(SearchTime time) {
@@ -384,7 +405,7 @@ Matcher::Matcher(const SearchCriteria& c)
     if (c.attributes != kNoAttributesLiteral && c.attributes != c.noAttributesText)
         wantedAttributes_ = c.attributes;
     if (checkDate_ && !ReadDate(c.dateText, dateLimit_)) dateOp_ = SearchOp::None;
-    if (dateOp_ != SearchOp::None) FixedDateKey(DateText(dateLimit_), dateKey_);
+    if (dateOp_ != SearchOp::None && FixedDateKey(DateText(dateLimit_), dateKey_)) dateForm_ = DateText(dateLimit_);
     quickSize_ = checkSize_ && sizeOp_ != SearchOp::None;
     quickDate_ = checkDate_ && dateOp_ != SearchOp::None;
     // Raw bytes may be searched for an ASCII term whatever a line's encoding,
@@ -515,10 +536,19 @@ bool Matcher::FileFieldsFail(const char* line, const std::size_t* bars, std::siz
     // The stored form is the only one judged here; its ordering number is
     // what FieldTests compares too. The Time field is the fourth, ended by a
     // bar (with fewer bars it is the rest of the line: not judged here).
+    // A Time of that shape that isn't a date fails FieldTests' general
+    // reader too; one that is has the limit's very bytes exactly when it
+    // equals the limit, so "equal" and "not equal" compare bytes.
     if (quickDate_ && count >= 4 && bars[3] - bars[2] == 20) {
+        const char* t = line + bars[2] + 1;
+        if (!dateForm_.empty() && (dateOp_ == SearchOp::Equal || dateOp_ == SearchOp::NotEqual)) {
+            if (!FixedDateShape(t)) return false;  // the general reader's to judge
+            const bool same = std::memcmp(t, dateForm_.data(), 19) == 0;
+            if (dateOp_ == SearchOp::Equal) return !same;
+            if (same) return true;
+        }
         std::uint64_t key;
-        if (FixedDateKey(std::string_view(line + bars[2] + 1, 19), key) && !CompareNumber(dateOp_, key, dateKey_))
-            return true;
+        if (FixedDateKey(std::string_view(t, 19), key) && !CompareNumber(dateOp_, key, dateKey_)) return true;
     }
     return false;
 }

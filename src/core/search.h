@@ -185,6 +185,7 @@ private:
     Fixed sizeLimit_;
     SearchTime dateLimit_ = 0;
     std::uint64_t dateKey_ = 0;  // the limit as the stored form's ordering number
+    std::string dateForm_;  // the limit in the stored form (when it has one)
     std::string wantedAttributes_;
     std::string description_;
     // Skip distances by byte for "contains" (Horspool, case folded): most

@@ -52,7 +52,7 @@ const std::string kLines =  // folder lines, empty line, file lines; EOL stands 
     "\\Band|+12| A|1.2.2003 4:05:06|EOL"
     "\\Lied| 70000.5|A|31.02.2003 04:05:06|EOL"
     "\\Ende|-12|A|01.02.2003 04:05:06EOL"
-    "\\Gross|99999999999999999|A|01.02.2003 04:05:07|EOL"
+    "\\Gross|99999999999999999|A| 1.02.2003 04:05:06|EOL"
     "\\Musik\\xylophonxylophon|9||01.02.2003 04:05:06|EOL";
 
 std::string With(std::string text, const std::string& eol) {
