@@ -1,10 +1,11 @@
 // cartulon-cli list: the discs as the disc list shows them: every catalogue
-// in the data folder and its sub-folders, sorted without regard to case.
+// in the data folder and its sub-folders, in the list order of the windows.
 #include <algorithm>
 #include <ostream>
 
 #include "cli.h"
 #include "core/catalogue.h"
+#include "core/collate.h"
 #include "core/text.h"
 #include "output.h"
 #include "platform/walk.h"
@@ -17,7 +18,7 @@ int RunList(Context& ctx) {
     WalkList folders, files;
     WalkFolder(ctx.dataFolder, folders, files);
     std::vector<std::pair<std::string, std::string>> keyed;
-    for (std::string& label : LabelsOf(files)) keyed.emplace_back(UpperCase(DecodeLine(label)), std::move(label));
+    for (std::string& label : LabelsOf(files)) keyed.emplace_back(SortKey(DecodeLine(label)), std::move(label));
     std::stable_sort(keyed.begin(), keyed.end());
     if (FormatOf(ctx) == Format::Text) {
         for (const auto& [key, label] : keyed) *ctx.out << label << "\n";

@@ -6,6 +6,7 @@
 
 #include "cli.h"
 #include "core/catalogue.h"
+#include "core/collate.h"
 #include "core/fixed.h"
 #include "core/text.h"
 #include "output.h"
@@ -118,7 +119,7 @@ int RunShow(Context& ctx) {
         if (!LiesDirectlyIn(line, folder, &name)) continue;
         FileRecord file = SplitFile(line);
         sum += ParseLeadingDecimal(file.Size);
-        items.push_back({UpperCase(name), std::string(name), std::move(file)});
+        items.push_back({SortKey(name), std::string(name), std::move(file)});
     }
     std::stable_sort(items.begin(), items.end(),
                      [](const Item& a, const Item& b) { return a.key < b.key; });

@@ -1,36 +1,123 @@
 #include "core/duplicates.h"
 
 #include <algorithm>
+#include <bit>
 #include <charconv>
 #include <climits>
+#include <cstdio>
+#include <cstring>
+#include <memory>
 #include <string_view>
 
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
 #include "core/catalogue.h"
+#include "core/fileops.h"
+#include "core/scan.h"
 #include "core/search.h"
 #include "core/text.h"
 
 namespace ct {
 namespace {
 
-// One distinct (name, size): where its first copy stands. The raw bytes of
-// every kept path live in one arena, so a pair costs no allocation of its own.
-struct Pair {
-    std::uint64_t hash = 0;
-    std::int64_t size = 0;
-    std::uint32_t disc = 0;
-    std::uint32_t pathAt = 0, pathLen = 0;
-    std::uint32_t nameAt = 0;  // within the path
-    bool manyDiscs = false;
+// The pass keeps one of these per file line and nothing else: a hash of the
+// (name as compared, size) and where the line stands (the disc in the top 24
+// bits, the line's byte offset in its catalogue below). No string, no node:
+// the records go into one flat vector, and sorting them by hash brings every
+// possible copy together. Only hashes found on two discs are looked at again.
+struct Record {
+    std::uint64_t hash;
+    std::uint64_t where;
+};
+constexpr int kOffsetBits = 40;
+constexpr std::uint64_t kOffsetMask = (std::uint64_t{1} << kOffsetBits) - 1;
+constexpr std::size_t kMaxDiscs = std::size_t{1} << (64 - kOffsetBits);
+constexpr int kPartBits = 11;
+constexpr std::size_t kParts = std::size_t{1} << kPartBits;
+
+// The records of the pass in blocks that are never moved (a growing vector
+// would copy them all again and again), counted by the top bits of their hash
+// on the way, so that one pass can later part them.
+class Records {
+public:
+    void Add(std::uint64_t hash, std::uint64_t where) {
+        if (used_ == kBlock) {
+            blocks_.emplace_back(new Record[kBlock]);
+            used_ = 0;
+        }
+        blocks_.back()[used_++] = {hash, where};
+        ++counts_[hash >> (64 - kPartBits)];
+    }
+    std::size_t Size() const { return blocks_.empty() ? 0 : (blocks_.size() - 1) * kBlock + used_; }
+    const std::vector<std::size_t>& Counts() const { return counts_; }
+    template <typename F>
+    void ForEach(F&& f) const {
+        for (std::size_t b = 0; b < blocks_.size(); ++b) {
+            const Record* r = blocks_[b].get();
+            for (const Record* end = r + (b + 1 == blocks_.size() ? used_ : kBlock); r != end; ++r) f(*r);
+        }
+    }
+    void Clear() { blocks_.clear(); }
+
+private:
+    static constexpr std::size_t kBlock = std::size_t{1} << 16;
+    std::vector<std::unique_ptr<Record[]>> blocks_;
+    std::size_t used_ = kBlock;
+    std::vector<std::size_t> counts_ = std::vector<std::size_t>(kParts, 0);
 };
 
-// A later copy of a pair.
-struct Copy {
-    std::uint32_t pair = 0, disc = 0, pathAt = 0, pathLen = 0;
-};
+std::uint64_t gHashMask = ~std::uint64_t{0};
+std::size_t gBlock = std::size_t{1} << 18;  // one read of the pass
 
-std::string_view NameOf(std::string_view path) {
-    const std::size_t slash = path.rfind('\\');
-    return slash == std::string_view::npos ? path : path.substr(slash + 1);
+std::uint64_t Mum(std::uint64_t a, std::uint64_t b) {
+    const unsigned __int128 r = static_cast<unsigned __int128>(a) * b;
+    return static_cast<std::uint64_t>(r) ^ static_cast<std::uint64_t>(r >> 64);
+}
+
+constexpr std::uint64_t kHigh = 0x8080808080808080ULL;
+
+// Plain ASCII a-z made A-Z, eight bytes at once; every byte is below 0x80, so
+// the additions carry into no neighbour.
+std::uint64_t FoldWord(std::uint64_t w) {
+    const std::uint64_t atLeastA = w + 0x1f1f1f1f1f1f1f1fULL;  // high bit where byte >= 'a'
+    const std::uint64_t aboveZ = w + 0x0505050505050505ULL;    // high bit where byte > 'z'
+    return w ^ (((atLeastA & ~aboveZ) & kHigh) >> 2);
+}
+
+// The hash of the bytes of a name as compared, eight at a time. With `Fold`
+// the bytes are the stored ASCII name, upper-cased on the way; false then
+// means the name holds other bytes and must go the search's way first.
+template <bool Fold>
+bool HashName(const char* p, std::size_t n, std::int64_t size, std::uint64_t& out) {
+    std::uint64_t h = 0x243f6a8885a308d3ULL ^ n;
+    const auto add = [&h](std::uint64_t w) {
+        if constexpr (Fold) {
+            if (w & kHigh) return false;
+            w = FoldWord(w);
+        }
+        h = std::rotl((h ^ w) * 0x9fb21c651e98df25ULL, 29);
+        return true;
+    };
+    std::uint64_t w;
+    const std::size_t whole = n & ~std::size_t{7}, rest = n & 7;
+    for (std::size_t i = 0; i < whole; i += 8) {
+        std::memcpy(&w, p + i, 8);
+        if (!add(w)) return false;
+    }
+    w = 0;
+    if (rest && whole && std::endian::native == std::endian::little) {
+        // The last eight bytes of the name, shifted down to its last `rest`:
+        // one load instead of a copy of unknown length.
+        std::memcpy(&w, p + n - 8, 8);
+        w >>= 8 * (8 - rest);
+    } else {
+        std::memcpy(&w, p + whole, rest);
+    }
+    if (!add(w)) return false;
+    out = Mum(h ^ static_cast<std::uint64_t>(size), 0x8ebc6af09c88c6e3ULL) & gHashMask;
+    return true;
 }
 
 // The name as the name search compares it: plain ASCII upper-cased in
@@ -46,124 +133,372 @@ void UpperName(std::string& out, std::string_view raw) {
     }
 }
 
-std::uint64_t Mix(std::uint64_t h) {
-    h ^= h >> 33;
-    h *= 0xff51afd7ed558ccdULL;
-    h ^= h >> 33;
-    return h;
-}
-
-// Open addressing over indices into the pairs; grown at half load.
-class PairTable {
-public:
-    PairTable() : slots_(1 << 16, 0) {}
-    // The slot where `hash` stands or would stand, starting at its home.
-    std::uint32_t& Slot(std::uint64_t hash, std::size_t probe) {
-        return slots_[(Mix(hash) + probe) & (slots_.size() - 1)];
-    }
-    std::size_t Size() const { return slots_.size(); }
-    void Grow(const std::vector<Pair>& pairs) {
-        std::vector<std::uint32_t> old(slots_.size() * 2, 0);
-        old.swap(slots_);
-        for (const std::uint32_t index : old) {
-            if (!index) continue;
-            std::size_t probe = 0;
-            while (Slot(pairs[index - 1].hash, probe)) ++probe;
-            Slot(pairs[index - 1].hash, probe) = index;
-        }
-    }
-
-private:
-    std::vector<std::uint32_t> slots_;  // pair index + 1; 0 is free
+// A file line taken apart as far as a copy needs it.
+struct FileLine {
+    std::string_view path, name;
+    std::int64_t size = 0;
 };
 
+bool ParseFileLine(const char* p, std::size_t n, FileLine& out) {
+    const char* end = p + n;
+    const char* bar = static_cast<const char*>(std::memchr(p, '|', n));
+    if (!bar) return false;
+    const auto [after, ec] = std::from_chars(bar + 1, end, out.size);
+    if (ec != std::errc() || (after != end && *after != '|')) return false;
+    out.path = std::string_view(p, static_cast<std::size_t>(bar - p));
+    const std::size_t slash = out.path.rfind('\\');
+    out.name = slash == std::string_view::npos ? out.path : out.path.substr(slash + 1);
+    return true;
+}
+
+std::uint64_t HashOf(const FileLine& f, std::string& upper) {
+    std::uint64_t hash;
+    if (!HashName<true>(f.name.data(), f.name.size(), f.size, hash)) {
+        UpperName(upper, f.name);
+        HashName<false>(upper.data(), upper.size(), f.size, hash);
+    }
+    return hash;
+}
+
+using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
+
+File Open(const std::string& path) {
+    File file(OpenForReading(path), &std::fclose);
+    if (file) std::setvbuf(file.get(), nullptr, _IONBF, 0);  // our own blocks; a stdio buffer would only copy
+    return file;
+}
+
+// One file line's places in one pass: its end (the first CR or LF, or `end`),
+// its first '|' and the last '\' before that '|' (or before the end when the
+// line has no '|'); nullptr where there is none. Sixteen bytes a step where
+// the machine has the instructions, so a line costs a few steps, not a call
+// per character sought.
+struct Cut {
+    const char* eol;
+    const char* bar;
+    const char* slash;
+};
+
+Cut CutLine(const char* p, const char* end) {
+    const char* bar = nullptr;
+    const char* slash = nullptr;
+    const char* q = p;
+#ifdef __SSE2__
+    if (scan::VectorsOn()) {
+        const __m128i cr = _mm_set1_epi8('\r'), lf = _mm_set1_epi8('\n');
+        const __m128i vbar = _mm_set1_epi8('|'), vslash = _mm_set1_epi8('\\');
+        for (; end - q >= 16; q += 16) {
+            const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(q));
+            const auto e = static_cast<unsigned>(
+                _mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi8(v, cr), _mm_cmpeq_epi8(v, lf))));
+            if (!bar) {
+                const unsigned before = e ? (1u << __builtin_ctz(e)) - 1 : 0xffffu;
+                const unsigned b = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(v, vbar))) & before;
+                unsigned sl = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(v, vslash))) & before;
+                if (b) {
+                    bar = q + __builtin_ctz(b);
+                    sl &= (1u << __builtin_ctz(b)) - 1;
+                }
+                if (sl) slash = q + (31 - __builtin_clz(sl));
+            }
+            if (e) return {q + __builtin_ctz(e), bar, slash};
+        }
+    }
+#endif
+    for (; q < end; ++q) {
+        const char c = *q;
+        if (c == '\r' || c == '\n') return {q, bar, slash};
+        if (!bar) {
+            if (c == '|')
+                bar = q;
+            else if (c == '\\')
+                slash = q;
+        }
+    }
+    return {end, bar, slash};
+}
+
+// One catalogue's file lines into `records`: header, the line behind it, the
+// folder lines up to the first empty line, then the file lines up to the next
+// empty line or the end.
+void ScanDisc(std::FILE* file, std::uint64_t disc, std::int64_t minSize, std::vector<char>& buf,
+              Records& records) {
+    enum class At { Header, Line2, Folders, Files, Done } at = At::Header;
+    std::string upper;
+    std::uint64_t base = 0;  // file offset of buf[0]
+    std::size_t have = 0;    // bytes in buf
+    bool eof = false;
+    while (at != At::Done) {
+        if (!eof) {
+            if (have == buf.size()) buf.resize(buf.size() * 2);  // a line longer than the block
+            const std::size_t got = std::fread(buf.data() + have, 1, buf.size() - have, file);
+            if (got == 0) eof = true;  // the end, or a read error: both end the file
+            have += got;
+        }
+        if (have == 0) return;
+        const char* p = buf.data();
+        const char* end = p + have;
+        for (;;) {
+            Cut cut{};
+            const char* eol = at == At::Files ? (cut = CutLine(p, end)).eol
+                                              : p + scan::FindLineEnd(p, static_cast<std::size_t>(end - p));
+            // A CR as the block's last byte may have its LF still to come.
+            if (eol == end || (eol + 1 == end && *eol == '\r' && !eof)) {
+                if (!eof) break;
+                if (p == end) return;  // nothing after the last line end
+            }
+            switch (at) {
+            case At::Header: at = At::Line2; break;
+            case At::Line2: at = At::Folders; break;
+            case At::Folders:
+                if (eol == p) at = At::Files;
+                break;
+            case At::Files: {
+                if (eol == p) {
+                    at = At::Done;
+                    break;
+                }
+                if (!cut.bar) break;
+                std::int64_t size;
+                const auto [after, ec] = std::from_chars(cut.bar + 1, eol, size);
+                if (ec != std::errc() || (after != eol && *after != '|') || Bytes(size) < minSize) break;
+                const std::uint64_t offset = base + static_cast<std::uint64_t>(p - buf.data());
+                if (offset > kOffsetMask) {
+                    at = At::Done;
+                    break;
+                }
+                const char* name = cut.slash ? cut.slash + 1 : p;
+                const FileLine f{{p, static_cast<std::size_t>(cut.bar - p)},
+                                 {name, static_cast<std::size_t>(cut.bar - name)},
+                                 size};
+                records.Add(HashOf(f, upper), disc << kOffsetBits | offset);
+                break;
+            }
+            case At::Done: break;
+            }
+            if (at == At::Done || eol == end) return;
+            p = eol + 1;
+            if (*eol == '\r' && p < end && *p == '\n') ++p;
+        }
+        const std::size_t used = static_cast<std::size_t>(p - buf.data());
+        std::memmove(buf.data(), p, have - used);
+        have -= used;
+        base += used;
+    }
+}
+
+// A line whose hash the pass found on two discs or more, to be read again.
+struct Candidate {
+    std::uint64_t where, hash;
+};
+
+// The hashes met on more than one disc, and every line that gave one. The
+// records are first parted by the top bits of their hash (one stable pass, so
+// each part keeps disc and line order), then each part goes through a table
+// of its own that stays in the cache. A slot holds 32 further bits of the
+// hash, so two hashes may meet there wrongly: that only makes candidates the
+// names then tell apart.
+std::vector<Candidate> CandidatesOf(Records& records) {
+    std::vector<std::size_t> start(kParts + 1, 0);
+    for (std::size_t b = 0; b < kParts; ++b) start[b + 1] = start[b] + records.Counts()[b];
+    std::unique_ptr<Record[]> parted(new Record[records.Size()]);
+    {
+        std::vector<std::size_t> next(start.begin(), start.end() - 1);
+        records.ForEach([&](const Record& r) { parted[next[r.hash >> (64 - kPartBits)]++] = r; });
+        records.Clear();
+    }
+
+    struct Seen {
+        std::uint32_t hash;
+        std::uint32_t disc;  // the first disc + 1, the top bit set once met on another; 0: a free slot
+    };
+    constexpr std::uint32_t kMany = 0x80000000u;
+    const auto key = [](std::uint64_t hash) { return static_cast<std::uint32_t>(hash >> (32 - kPartBits)); };
+    std::vector<Seen> table;
+    std::vector<Candidate> candidates;
+    for (std::size_t b = 0; b < kParts; ++b) {
+        const Record* first = parted.get() + start[b];
+        const Record* last = parted.get() + start[b + 1];
+        if (last - first < 2) continue;
+        std::size_t size = 16;
+        while (size < 2 * static_cast<std::size_t>(last - first)) size *= 2;
+        table.assign(size, Seen{0, 0});
+        const auto slot = [&](std::uint64_t hash) -> Seen& {
+            for (std::size_t i = hash & (size - 1);; i = (i + 1) & (size - 1))
+                if (!table[i].disc || table[i].hash == key(hash)) return table[i];
+        };
+        bool any = false;
+        for (const Record* r = first; r != last; ++r) {
+            Seen& s = slot(r->hash);
+            const auto disc = static_cast<std::uint32_t>(r->where >> kOffsetBits) + 1;
+            if (!s.disc)
+                s = {key(r->hash), disc};
+            else if ((s.disc & ~kMany) != disc)
+                s.disc |= kMany, any = true;
+        }
+        if (!any) continue;
+        for (const Record* r = first; r != last; ++r)
+            if (slot(r->hash).disc & kMany) candidates.push_back({r->where, r->hash});
+    }
+    return candidates;
+}
+
+// A candidate read again: what its group and hit need, as places in one
+// arena of bytes.
+struct Fetched {
+    std::uint64_t where, hash;
+    std::int64_t size;
+    std::uint32_t upperAt, upperLen, nameAt, nameLen, pathAt, pathLen;
+};
+
+// Reads the lines of one disc's candidates (in offset order) from its
+// catalogue: one read covers a candidate and those close behind it, so lines
+// far apart cost a small read each and a dense run a few large ones. A
+// catalogue rewritten since the pass may hold another line there now: a line
+// that no longer gives its hash is left out, never taken for a copy.
+void FetchDisc(const std::string& path, const Candidate* first, const Candidate* last, std::vector<char>& buf,
+               std::string& arena, std::vector<Fetched>& out) {
+    File file = Open(path);
+    if (!file) return;
+    // A read costs about as much as copying a few kilobytes: lines closer
+    // than that share one.
+    const std::uint64_t kLine = std::min<std::uint64_t>(gBlock, 512), kGap = 4 * kLine, kMost = 512 * kLine;
+    std::uint64_t winStart = 0;
+    std::size_t winLen = 0;
+    bool winEof = false;
+    std::string upper;
+    for (const Candidate* c = first; c != last; ++c) {
+        const std::uint64_t offset = c->where & kOffsetMask;
+        const char* line = nullptr;
+        const char* eol = nullptr;
+        for (std::size_t want = 0;;) {
+            if (offset >= winStart && offset < winStart + winLen) {
+                const char* p = buf.data() + (offset - winStart);
+                const char* end = buf.data() + winLen;
+                const char* e = p + scan::FindLineEnd(p, static_cast<std::size_t>(end - p));
+                if (e != end || winEof) {
+                    line = p, eol = e;
+                    break;
+                }
+                if (winStart == offset) want = 2 * winLen;  // a line longer than the read
+            }
+            if (!want) {
+                std::uint64_t end = offset + kLine;
+                for (const Candidate* n = c + 1; n != last; ++n) {
+                    const std::uint64_t at = n->where & kOffsetMask;
+                    if (at > end + kGap || at - offset > kMost) break;
+                    end = at + kLine;
+                }
+                want = static_cast<std::size_t>(end - offset);
+            }
+            if (buf.size() < want) buf.resize(want);
+            if (std::fseek(file.get(), static_cast<long>(offset), SEEK_SET) != 0) return;
+            winStart = offset;
+            winLen = std::fread(buf.data(), 1, want, file.get());
+            winEof = winLen < want;
+            if (winLen == 0) return;  // cut short since the pass: so is every later candidate
+        }
+        FileLine f;
+        if (!ParseFileLine(line, static_cast<std::size_t>(eol - line), f)) continue;
+        if (HashOf(f, upper) != c->hash) continue;
+        UpperName(upper, f.name);
+        const auto at = static_cast<std::uint32_t>(arena.size());
+        arena += upper;
+        arena += f.path;
+        const auto pathAt = static_cast<std::uint32_t>(at + upper.size());
+        out.push_back({c->where, c->hash, f.size, at, static_cast<std::uint32_t>(upper.size()),
+                       static_cast<std::uint32_t>(pathAt + (f.name.data() - f.path.data())),
+                       static_cast<std::uint32_t>(f.name.size()), pathAt,
+                       static_cast<std::uint32_t>(f.path.size())});
+    }
+}
+
 }  // namespace
+
+void SetDuplicateSeamsForTesting(int hashBits, std::size_t block) {
+    gHashMask = hashBits >= 64 ? ~std::uint64_t{0} : ~(~std::uint64_t{0} >> hashBits);
+    gBlock = std::max<std::size_t>(1, block);
+}
 
 std::int64_t Bytes(std::int64_t storedSize) {
     return storedSize < 0 && storedSize >= INT32_MIN ? storedSize + (std::int64_t{1} << 32) : storedSize;
 }
 
-std::vector<DuplicateGroup> FindDuplicates(
-    const std::string& dataFolder, const std::vector<std::string>& labels, std::int64_t minSize,
-    const std::function<bool(std::size_t, std::size_t)>& progress) {
-    std::vector<Pair> pairs;
-    std::vector<Copy> copies;
-    std::string arena, upper, other;
-    PairTable table;
-    for (std::size_t disc = 0; disc < labels.size(); ++disc) {
+std::vector<DuplicateGroup> FindDuplicates(const std::string& dataFolder,
+                                           const std::vector<std::string>& labels, std::int64_t minSize,
+                                           const std::function<bool(std::size_t, std::size_t)>& progress) {
+    Records records;
+    std::vector<char> buf(gBlock);
+    const std::size_t discs = std::min(labels.size(), kMaxDiscs);
+    for (std::size_t disc = 0; disc < discs; ++disc) {
         if (progress && !progress(disc + 1, labels.size())) break;
-        // A block of a typical catalogue's size: a fresh megabyte per disc
-        // would cost more in page faults than the reading itself.
-        LineReader lines(CataloguePath(dataFolder, labels[disc]), std::size_t{1} << 17);
-        if (!lines.IsOpen()) continue;
-        std::string_view line;
-        // Header, the empty line, the folders up to the next empty line.
-        if (!lines.NextRaw(line) || !lines.NextRaw(line)) continue;
-        while (lines.NextRaw(line) && !line.empty()) {}
-        while (lines.NextRaw(line) && !line.empty()) {
-            const std::size_t bar = line.find('|');
-            if (bar == std::string_view::npos) continue;
-            const char* first = line.data() + bar + 1;
-            const char* last = line.data() + line.size();
-            std::int64_t size = 0;
-            const auto [end, ec] = std::from_chars(first, last, size);
-            if (ec != std::errc() || (end != last && *end != '|') || Bytes(size) < minSize) continue;
-            const std::string_view path = line.substr(0, bar), name = NameOf(path);
-            UpperName(upper, name);
-            const std::uint64_t hash = std::hash<std::string_view>{}(upper) ^ Mix(static_cast<std::uint64_t>(size));
+        const File file = Open(CataloguePath(dataFolder, labels[disc]));
+        if (file) ScanDisc(file.get(), disc, minSize, buf, records);
+    }
+    std::vector<Candidate> candidates = CandidatesOf(records);
+    std::sort(candidates.begin(), candidates.end(),
+              [](const Candidate& a, const Candidate& b) { return a.where < b.where; });
 
-            std::size_t probe = 0;
-            std::uint32_t found = 0;
-            for (;; ++probe) {
-                const std::uint32_t index = table.Slot(hash, probe);
-                if (!index) break;
-                const Pair& p = pairs[index - 1];
-                if (p.hash != hash || p.size != size) continue;
-                // Equal hashes: the names decide.
-                const std::string_view kept(arena.data() + p.pathAt + p.nameAt, p.pathLen - p.nameAt);
-                UpperName(other, kept);
-                if (other == upper) {
-                    found = index;
-                    break;
-                }
+    std::vector<Fetched> fetched;
+    std::string arena;
+    buf.clear();
+    for (std::size_t i = 0, j; i < candidates.size(); i = j) {
+        const std::uint64_t disc = candidates[i].where >> kOffsetBits;
+        for (j = i + 1; j < candidates.size() && (candidates[j].where >> kOffsetBits) == disc;) ++j;
+        FetchDisc(CataloguePath(dataFolder, labels[disc]), candidates.data() + i, candidates.data() + j, buf,
+                  arena, fetched);
+    }
+    candidates = {};
+
+    // The copies of one hash in disc and line order; a hash may stand for
+    // more than one (name, size) when hashes meet, so the names decide.
+    // (They stand in line order already; an order of small keys is sorted, not them.)
+    std::vector<std::pair<std::uint64_t, std::uint32_t>> order(fetched.size());
+    for (std::size_t i = 0; i < fetched.size(); ++i)
+        order[i] = {fetched[i].hash, static_cast<std::uint32_t>(i)};
+    std::sort(order.begin(), order.end());
+    const auto bytes = [&](std::uint32_t at, std::uint32_t len) {
+        return std::string_view(arena.data() + at, len);
+    };
+    std::vector<DuplicateGroup> groups;
+    std::vector<bool> taken;
+    std::vector<std::size_t> members;
+    for (std::size_t i = 0, j; i < order.size(); i = j) {
+        for (j = i + 1; j < order.size() && order[j].first == order[i].first;) ++j;
+        taken.assign(j - i, false);
+        for (std::size_t a = i; a < j; ++a) {
+            if (taken[a - i]) continue;
+            const Fetched& head = fetched[order[a].second];
+            const std::string_view upper = bytes(head.upperAt, head.upperLen);
+            bool manyDiscs = false;
+            members.clear();
+            for (std::size_t b = a; b < j; ++b) {
+                const Fetched& f = fetched[order[b].second];
+                if (taken[b - i] || f.size != head.size || bytes(f.upperAt, f.upperLen) != upper) continue;
+                taken[b - i] = true;
+                members.push_back(order[b].second);
+                manyDiscs = manyDiscs || (f.where >> kOffsetBits) != (head.where >> kOffsetBits);
             }
-            const auto at = static_cast<std::uint32_t>(arena.size());
-            if (found) {
-                Pair& p = pairs[found - 1];
-                p.manyDiscs = p.manyDiscs || p.disc != disc;
-                arena.append(path);
-                copies.push_back({found - 1, static_cast<std::uint32_t>(disc), at,
-                                  static_cast<std::uint32_t>(path.size())});
-                continue;
+            if (!manyDiscs) continue;
+            DuplicateGroup g;
+            g.name = DecodeLine(bytes(head.nameAt, head.nameLen));
+            g.size = head.size;
+            g.hits.reserve(members.size());
+            for (const std::size_t m : members) {
+                const std::string& label = labels[fetched[m].where >> kOffsetBits];
+                const std::string_view path = bytes(fetched[m].pathAt, fetched[m].pathLen);
+                std::string& hit = g.hits.emplace_back();
+                hit.reserve(label.size() + 1 + path.size());
+                hit += label;
+                hit += '\\';
+                if (IsValidUtf8(path))
+                    hit += path;  // as DecodeLine takes it, without a copy between
+                else
+                    hit += DecodeLine(path);
             }
-            arena.append(path);
-            pairs.push_back({hash, size, static_cast<std::uint32_t>(disc), at,
-                             static_cast<std::uint32_t>(path.size()),
-                             static_cast<std::uint32_t>(path.size() - name.size()), false});
-            table.Slot(hash, probe) = static_cast<std::uint32_t>(pairs.size());
-            if (pairs.size() * 2 > table.Size()) table.Grow(pairs);
+            groups.push_back(std::move(g));
         }
     }
-
-    // Only the pairs on more than one disc become groups, with their copies
-    // in the order they were met.
-    std::vector<std::int32_t> groupOf(pairs.size(), -1);
-    std::vector<DuplicateGroup> groups;
-    auto hit = [&](std::uint32_t disc, std::uint32_t pathAt, std::uint32_t pathLen) {
-        return labels[disc] + "\\" + DecodeLine(std::string_view(arena.data() + pathAt, pathLen));
-    };
-    for (std::size_t i = 0; i < pairs.size(); ++i) {
-        const Pair& p = pairs[i];
-        if (!p.manyDiscs) continue;
-        groupOf[i] = static_cast<std::int32_t>(groups.size());
-        DuplicateGroup g;
-        g.name = DecodeLine(std::string_view(arena.data() + p.pathAt + p.nameAt, p.pathLen - p.nameAt));
-        g.size = p.size;
-        g.hits.push_back(hit(p.disc, p.pathAt, p.pathLen));
-        groups.push_back(std::move(g));
-    }
-    for (const Copy& c : copies)
-        if (groupOf[c.pair] >= 0) groups[static_cast<std::size_t>(groupOf[c.pair])].hits.push_back(hit(c.disc, c.pathAt, c.pathLen));
 
     std::sort(groups.begin(), groups.end(), [](const DuplicateGroup& a, const DuplicateGroup& b) {
         if (a.size != b.size) return Bytes(a.size) > Bytes(b.size);

@@ -1,8 +1,9 @@
 // Copies across discs: files that stand on more than one disc under the same
 // name and size, the name compared without regard to case as the search's
-// name test compares it. One pass over the catalogues; what is kept is one
-// entry per distinct (name, size) pair plus the copies of the pairs found
-// again, so memory follows the collection's variety, not its size.
+// name test compares it. One pass over the catalogues keeps sixteen bytes per
+// file line (a hash of the name and size, and where the line stands); only the
+// lines whose hash turns up on two discs are read again, for their names and
+// paths, so that no string is kept for a file that has no copy.
 #pragma once
 
 #include <cstdint>
@@ -31,5 +32,12 @@ std::int64_t Bytes(std::int64_t storedSize);
 std::vector<DuplicateGroup> FindDuplicates(
     const std::string& dataFolder, const std::vector<std::string>& labels, std::int64_t minSize,
     const std::function<bool(std::size_t disc, std::size_t discs)>& progress = {});
+
+// Tests only: keep just the top `hashBits` bits of the hash that brings copies
+// together (0 makes every file meet every other), so that files whose hashes
+// meet must still be told apart by their names; and read `block` bytes at a
+// time, so that lines and line ends straddle reads. (64, 1 << 18) is the
+// program's own setting.
+void SetDuplicateSeamsForTesting(int hashBits, std::size_t block);
 
 }  // namespace ct

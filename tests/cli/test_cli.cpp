@@ -89,6 +89,8 @@ INSTANTIATE_TEST_SUITE_P(
     Commands, Cli,
     testing::Values(
         Row{"ListsBothDiscs", "list", 0, "Fotos", "", ""},
+        Row{"ListPutsUmlautsBesideTheirLetter", "rename Leer Äpfel >/dev/null && echo $({S}/cartulon-cli --data-folder {D} list)",
+            0, "Äpfel Fotos", "", ""},
         Row{"ShowsTheHeader", "show Fotos", 0, "Seriennummer: -1029197328", "", ""},
         Row{"ShowsAFolder", "show Fotos Bilder", 0, "Dateien: 1", "", ""},
         Row{"ShowOfAnUnknownDisc", "show Keine", 2, "", "", ""},

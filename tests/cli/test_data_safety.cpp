@@ -8,6 +8,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <map>
 #include <set>
@@ -39,6 +40,7 @@ CliRun Cli(const Scratch& s, const std::string& data, std::vector<std::string> a
     const pid_t pid = fork();
     if (pid == 0) {
         alarm(3);  // survives exec: a blocked open ends here
+        setenv("LC_ALL", "de_DE.UTF-8", 1);  // no CT.ini beside the built tool: the locale picks German
         const int fd = open(log.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
         dup2(fd, 1);
         dup2(fd, 2);

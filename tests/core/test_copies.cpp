@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "core/duplicates.h"
+#include "core/scan.h"
 #include "core/verify.h"
 #include "support/scratch.h"
 
@@ -77,6 +78,10 @@ TEST(FindDuplicates, SameNameAndSizeOnTwoDiscsLargestFirst) {
                                "\\Foto.jpg|501|R||\r\n\\gross.iso|-2|R||\r\n\\\xC3\x84RGER.TXT|4|R||\r\n");
     // Two copies on one disc are no copy across discs.
     s.Write("Drei.idx", head + "\\nur hier.txt|9|R||\r\n\\x\\nur hier.txt|9|R||\r\n");
+    // Line ends of other systems, a folder-less disc, lines that can't be files,
+    // other names of the same size.
+    s.Write("Vier.idx", "0|0||0|0|0|\n\n\\A|||\n\n\\KLEIN.TXT|3|R||\n\\anders.txt|3||\n|x||\nkein Strich\n\n\\klein.txt|3|R||");
+    s.Write("F\xC3\xBCnf.idx", "0|0||0|0|0|\r\r\r\\x\\Klein.txt|3|R||\r\\sonst.txt|3||\r\\y\\klein.txt|3||");
     const struct {
         const char* name;
         std::vector<std::string> labels;
@@ -92,9 +97,16 @@ TEST(FindDuplicates, SameNameAndSizeOnTwoDiscsLargestFirst) {
         {"MinSize", {"Eins", "Zwei"}, 5,
          {"gross.iso -2: Eins\\\\A\\gross.iso Zwei\\\\gross.iso", "Foto.JPG 500: Eins\\\\A\\Foto.JPG Zwei\\\\foto.jpg Zwei\\\\B\\foto.jpg"}},
         {"OneDisc", {"Drei"}, 0, {}},
+        {"LineEnds", {"Vier", "F\xC3\xBCnf"}, 0,
+         {"KLEIN.TXT 3: Vier\\\\KLEIN.TXT F\xC3\xBCnf\\\\x\\Klein.txt F\xC3\xBCnf\\\\y\\klein.txt"}},
     };
+    // Hashes that all meet, and reads of a few bytes, must change nothing.
+    // So must the portable path of the line cutting.
+    for (const auto& [bits, block, vectors] : {std::tuple{64, 1 << 18, true}, {0, 1, true}, {1, 5, false}, {3, 64, true}})
     for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
+        SCOPED_TRACE(std::string(row.name) + " bits " + std::to_string(bits) + " block " + std::to_string(block));
+        SetDuplicateSeamsForTesting(bits, static_cast<std::size_t>(block));
+        scan::UseVectors(vectors);
         std::vector<std::string> said;
         for (const DuplicateGroup& g : FindDuplicates(s.Path(), row.labels, row.minSize)) {
             std::string text = g.name + " " + std::to_string(g.size) + ":";
@@ -103,6 +115,8 @@ TEST(FindDuplicates, SameNameAndSizeOnTwoDiscsLargestFirst) {
         }
         EXPECT_EQ(said, row.expected);
     }
+    SetDuplicateSeamsForTesting(64, 1 << 18);
+    scan::UseVectors(true);
 }
 
 }  // namespace
