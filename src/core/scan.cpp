@@ -157,6 +157,28 @@ std::size_t FindFields(const char* p, std::size_t n, std::size_t* at, std::size_
     return n;
 }
 
+void Masks64(const char* p, std::uint64_t& bars, std::uint64_t& ends) {
+    bars = ends = 0;
+#ifdef CT_SCAN_SSE2
+    if (g_vectors) {
+        const __m128i cr = _mm_set1_epi8(kCr), lf = _mm_set1_epi8(kLf), bar = _mm_set1_epi8('|');
+        for (int k = 0; k < 4; ++k) {
+            const __m128i v = Load(p + 16 * k);
+            const auto e = static_cast<std::uint64_t>(static_cast<unsigned>(
+                _mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi8(v, cr), _mm_cmpeq_epi8(v, lf)))));
+            const auto b = static_cast<std::uint64_t>(static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(v, bar))));
+            ends |= e << (16 * k);
+            bars |= b << (16 * k);
+        }
+        return;
+    }
+#endif
+    for (int k = 0; k < 64; ++k) {
+        bars |= static_cast<std::uint64_t>(p[k] == '|') << k;
+        ends |= static_cast<std::uint64_t>(IsEol(p[k])) << k;
+    }
+}
+
 std::int64_t CountLineEnds(const char* p, std::size_t n) {
     std::int64_t count = 0;
     std::size_t i = 0;

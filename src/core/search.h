@@ -155,6 +155,8 @@ public:
 
     // Whether FileFieldsFail can judge lines: a size or date test is on.
     bool QuickFields() const { return quickSize_ || quickDate_; }
+    // How many of a file line's first bars FileFieldsFail looks at.
+    std::size_t QuickBars() const { return quickDate_ ? 4 : 2; }
     // Whether the file line at `line`, whose first `count` bars (at most 4)
     // stand at `bars`, surely fails its size or date test, judged in place
     // from the raw bytes of those fields alone. False when it can't tell:
