@@ -257,6 +257,7 @@ CatalogueCounts CountCatalogue(const std::string& path) {
     CatalogueCounts counts;
     LineReader lines(path);
     counts.opened = lines.IsOpen();
+    counts.failure = lines.OpenFailure();
     std::string_view raw;
     if (!lines.NextRaw(raw)) return counts;
     counts.headerLine = DecodeLine(raw);

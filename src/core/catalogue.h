@@ -142,6 +142,7 @@ private:
 
 struct CatalogueCounts {
     bool opened = false;
+    Failure failure;  // why it couldn't be opened (NotFound, NotACatalogue, Unreadable)
     std::string headerLine;
     std::int64_t folders = 0;  // lines between the first and the second empty line
     std::int64_t files = 0;    // lines behind the second empty line, to the end of the file

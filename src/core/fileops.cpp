@@ -49,7 +49,7 @@ std::FILE* OpenForReading(const std::string& path, Failure* failure, std::uint64
     return gOpener.load()(path, failure, size);
 }
 
-void SetReadOpener(ReadOpener opener) { gOpener.store(opener ? opener : &StandardOpener); }
+ReadOpener SetReadOpener(ReadOpener opener) { return gOpener.exchange(opener ? opener : &StandardOpener); }
 
 // The plain versions, for file systems in memory: a name that is free now, no
 // lock, and a check before the rename. The platform layer does each in one
@@ -78,7 +78,7 @@ std::unique_ptr<WriteLock> FileOps::Lock(const std::string& path, Failure* failu
 Failure FileOps::RenameNew(const std::string& from, const std::string& to) {
     if (Exists(to)) return Fail(FailCode::Rename, from, EEXIST, to);
     std::string why;
-    if (!Rename(from, to, &why)) return Fail(FailCode::Rename, from, 0, to);
+    if (!Rename(from, to, &why)) return Fail(FailCode::Rename, from, errno, to);
     return {};
 }
 

@@ -83,7 +83,8 @@ public:
 constexpr std::uint64_t kUnknownSize = UINT64_MAX;
 std::FILE* OpenForReading(const std::string& path, Failure* failure = nullptr, std::uint64_t* size = nullptr);
 using ReadOpener = std::FILE* (*)(const std::string& path, Failure* failure, std::uint64_t* size);
-void SetReadOpener(ReadOpener opener);
+// Returns the opener it replaces, so that a test can put it back.
+ReadOpener SetReadOpener(ReadOpener opener);
 
 // The real file system. Defined in the platform layer.
 FileOps& SystemFileOps();

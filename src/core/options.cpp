@@ -1,5 +1,6 @@
 #include "core/options.h"
 
+#include <cerrno>
 #include <filesystem>
 #include <system_error>
 
@@ -32,7 +33,8 @@ MoveOutcome MoveCatalogues(FileOps& ops, const std::vector<std::string>& labels,
         const std::string source = CataloguePath(from, labels[i]);
         const std::string copy = CataloguePath(target, labels[i]);
         if (SameFile(source, copy)) continue;
-        if (!ops.Copy(source, copy, &outcome.error)) {
+        if (!ops.Copy(source, copy, nullptr)) {
+            outcome.failure = Fail(FailCode::Copy, source, errno, copy);
             outcome.failedLabel = labels[i];
             return outcome;
         }
@@ -41,8 +43,7 @@ MoveOutcome MoveCatalogues(FileOps& ops, const std::vector<std::string>& labels,
     outcome.copied = true;
     for (std::size_t i = 0; i < labels.size(); ++i) {
         if (!moved[i]) continue;
-        std::string error;
-        if (!ops.Remove(CataloguePath(from, labels[i]), &error)) outcome.kept.push_back(labels[i]);
+        if (!ops.Remove(CataloguePath(from, labels[i]), nullptr)) outcome.kept.push_back(labels[i]);
     }
     return outcome;
 }

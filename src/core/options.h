@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "core/failure.h"
 #include "core/fileops.h"
 
 namespace ct {
@@ -14,7 +15,7 @@ namespace ct {
 struct MoveOutcome {
     bool copied = false;             // every catalogue stands in the new folder
     std::string failedLabel;         // the catalogue whose copy failed
-    std::string error;               // why
+    Failure failure;                 // why: Copy of the failed catalogue to its target
     std::vector<std::string> kept;   // old catalogues that couldn't be deleted after all copies
 };
 

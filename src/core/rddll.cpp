@@ -39,7 +39,6 @@ bool ReadAt(std::ifstream& in, std::int64_t offset, std::size_t length, std::str
 
 }  // namespace
 
-RDDLL::RDDLL(std::string programFolder) : programFolder_(std::move(programFolder)) {}
 
 std::string RDDLL::RDString(const std::string& RessourceFile, std::int32_t ID) {
     if (ID < 0 || ID > 999'999'999) return {};
@@ -77,19 +76,6 @@ std::string RDDLL::RDString(const std::string& RessourceFile, std::int32_t ID) {
     return body;
 }
 
-void RDDLL::RDFile(const std::string& RessourceFile, std::int32_t ID, std::string& DestinationFile) {
-    if (DestinationFile.empty())
-        DestinationFile = programFolder_.empty() ? std::string("temp") : programFolder_ + "/temp";
-    // Opened for update so an existing file isn't cut: a shorter body
-    // overwrites only its beginning. A file that isn't there yet is created.
-    std::fstream out(DestinationFile, std::ios::in | std::ios::out | std::ios::binary);
-    if (!out.is_open()) out.open(DestinationFile, std::ios::out | std::ios::binary);
-    if (!out.is_open()) return;
-    const std::string body = RDString(RessourceFile, ID);
-    out.seekp(0);
-    out.write(body.data(), static_cast<std::streamsize>(body.size()));
-}
-
 std::string RDDLL::Version() {
     return std::to_string(CARTULON_VERSION_MAJOR) + "." + std::to_string(CARTULON_VERSION_MINOR);
 }
@@ -99,7 +85,7 @@ std::string ResourcePath(const std::string& programFolder) { return programFolde
 std::string ResourceText(const std::string& programFolder, int language, int baseId) {
     const std::int64_t id = static_cast<std::int64_t>(language) + baseId;
     if (id < 0 || id > 999'999'999) return {};
-    RDDLL rd(programFolder);
+    RDDLL rd;
     return Cp1252ToUtf8(rd.RDString(ResourcePath(programFolder), static_cast<std::int32_t>(id)));
 }
 

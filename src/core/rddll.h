@@ -12,21 +12,11 @@ namespace ct {
 
 class RDDLL {
 public:
-    // `programFolder` is where an empty destination or temporary file goes
-    // ("<folder>/temp").
-    explicit RDDLL(std::string programFolder = {});
-
     // The body of resource `ID`, byte for byte. A missing or damaged file, or
     // an id it lacks, gives the empty string: the program carries on.
     std::string RDString(const std::string& RessourceFile, std::int32_t ID);
-    // Writes the body at the start of `DestinationFile` without cutting the
-    // file first. An empty destination becomes "<programFolder>/temp".
-    void RDFile(const std::string& RessourceFile, std::int32_t ID, std::string& DestinationFile);
     // "major.minor" of this program.
     static std::string Version();
-
-private:
-    std::string programFolder_;
 };
 
 std::string ResourcePath(const std::string& programFolder);  // <folder>/CT.rd

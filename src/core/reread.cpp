@@ -45,10 +45,10 @@ bool IsSetAsideName(const std::string& name, std::string* label) {
 }
 
 bool SetAside(FileOps& ops, const std::string& dataFolder, const std::string& label,
-              SetAsideFile& out, std::string* error) {
+              SetAsideFile& out, Failure* failure) {
     const std::string home = Join(dataFolder, label + ".idx");
     if (!ops.Exists(home)) {
-        if (error) *error = "Der Katalog " + home + " ist nicht da.";
+        if (failure) *failure = Fail(FailCode::NotFound, home);
         return false;
     }
     // An older set-aside file of this label (one that couldn't be restored)
@@ -59,10 +59,11 @@ bool SetAside(FileOps& ops, const std::string& dataFolder, const std::string& la
         if (!ops.Exists(path)) break;
     }
     // Not in the middle of another program's edit of it.
-    Failure failure;
-    const std::unique_ptr<WriteLock> lock = ops.Lock(home, &failure);
-    if (!lock || (failure = ops.RenameNew(home, path))) {
-        if (error) *error = FailureText(failure, 0);
+    Failure why;
+    const std::unique_ptr<WriteLock> lock = ops.Lock(home, &why);
+    if (lock && (why = ops.RenameNew(home, path))) why = Fail(FailCode::SetAside, home, why.sysError);
+    if (why || !lock) {
+        if (failure) *failure = why ? why : Fail(FailCode::SetAside, home);
         return false;
     }
     out = SetAsideFile{path, home, label};
@@ -70,21 +71,23 @@ bool SetAside(FileOps& ops, const std::string& dataFolder, const std::string& la
 }
 
 RestoreResult Restore(DiscSource& source, FileOps& ops, const std::string& dataFolder,
-                      const SetAsideFile& file, std::string* error) {
+                      const SetAsideFile& file, Failure* failure) {
     if (ops.Exists(file.home) || LabelInUse(source, dataFolder, file.label))
         return RestoreResult::LabelTaken;
     // Never over a catalogue that appeared under the label just now.
-    const Failure failure = ops.RenameNew(file.path, file.home);
-    if (failure.sysError == EEXIST) return RestoreResult::LabelTaken;
-    if (failure) {
-        if (error) *error = FailureText(failure, 0);
+    const Failure why = ops.RenameNew(file.path, file.home);
+    if (why.sysError == EEXIST) return RestoreResult::LabelTaken;
+    if (why) {
+        if (failure) *failure = Fail(FailCode::Rename, file.path, why.sysError, file.home);
         return RestoreResult::Failed;
     }
     return RestoreResult::Restored;
 }
 
-bool Discard(FileOps& ops, const SetAsideFile& file, std::string* error) {
-    return ops.Remove(file.path, error);
+bool Discard(FileOps& ops, const SetAsideFile& file, Failure* failure) {
+    if (ops.Remove(file.path, nullptr)) return true;
+    if (failure) *failure = Fail(FailCode::Remove, file.path, errno);
+    return false;
 }
 
 std::vector<LeftoverOutcome> RestoreLeftovers(DiscSource& source, FileOps& ops,
@@ -97,7 +100,7 @@ std::vector<LeftoverOutcome> RestoreLeftovers(DiscSource& source, FileOps& ops,
         if (!IsSetAsideName(NameOf(record.Name), &label)) continue;
         LeftoverOutcome outcome;
         outcome.file = SetAsideFile{record.Name, Join(FolderOf(record.Name), label + ".idx"), label};
-        outcome.result = Restore(source, ops, dataFolder, outcome.file, &outcome.error);
+        outcome.result = Restore(source, ops, dataFolder, outcome.file, &outcome.failure);
         outcomes.push_back(std::move(outcome));
     }
     return outcomes;

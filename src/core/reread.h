@@ -30,29 +30,31 @@ struct SetAsideFile {
 
 // Renames <dataFolder>/<label>.idx to a free set-aside name in the same folder.
 // False, with nothing changed, when the catalogue isn't there or can't be
-// renamed; `error` says why.
+// renamed: `failure` is NotFound, Busy or NotACatalogue for the catalogue, or
+// SetAside with the system's reason.
 bool SetAside(FileOps& ops, const std::string& dataFolder, const std::string& label,
-              SetAsideFile& out, std::string* error);
+              SetAsideFile& out, Failure* failure);
 
 enum class RestoreResult {
     Restored,    // back under its own name
     LabelTaken,  // a catalogue of that label appeared meanwhile; the set-aside file stays
-    Failed,      // the rename failed; the set-aside file stays, `error` says why
+    Failed,      // the rename failed; the set-aside file stays, `failure` says why (Rename)
 };
 
 // Puts a set-aside catalogue back under its label, but only while the label
 // is free in the whole data folder (the add dialog's own check), so that
 // nothing is ever overwritten.
 RestoreResult Restore(DiscSource& source, FileOps& ops, const std::string& dataFolder,
-                      const SetAsideFile& file, std::string* error);
+                      const SetAsideFile& file, Failure* failure);
 
-// Drops a set-aside catalogue once its disc has been read anew.
-bool Discard(FileOps& ops, const SetAsideFile& file, std::string* error);
+// Drops a set-aside catalogue once its disc has been read anew; on false
+// `failure` is Remove with the system's reason.
+bool Discard(FileOps& ops, const SetAsideFile& file, Failure* failure);
 
 struct LeftoverOutcome {
     SetAsideFile file;
     RestoreResult result = RestoreResult::Restored;
-    std::string error;
+    Failure failure;  // why it stays, when the rename failed
 };
 
 // Finds every set-aside file in the data folder (sub-folders included, as the

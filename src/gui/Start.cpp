@@ -34,7 +34,7 @@ std::string DataFolder;
 bool WideLayout = false;
 
 RDDLL& RD() {
-    static RDDLL rd(ct::ProgramFolder());
+    static RDDLL rd;
     return rd;
 }
 

@@ -18,15 +18,14 @@ namespace {
 
 QString Q(const std::string& text) { return QString::fromStdString(text); }
 
-// Titled by the menu entry, without its access-key mark.
-// The re-read steps word their reasons in one language; the window names the
-// failed step by its code instead, in the language in force.
+// Titled by the menu entry, without its access-key mark: what didn't happen,
+// then the core's failure in the language in force, with the system's reason.
 void Warn(QWidget* parent, const QString& head, const Failure& reason) {
     ReportFailure(parent, TitleText(10011), head, Q(FailureText(reason, Start::Language)));
 }
 
 // Tells the user what became of a set-aside catalogue that couldn't go back.
-void ReportKept(QWidget* parent, const SetAsideFile& file, RestoreResult result) {
+void ReportKept(QWidget* parent, const SetAsideFile& file, RestoreResult result, const Failure& why) {
     if (result == RestoreResult::Restored) return;
     if (result == RestoreResult::LabelTaken)
         Warn(parent,
@@ -40,7 +39,7 @@ void ReportKept(QWidget* parent, const SetAsideFile& file, RestoreResult result)
              Say("Der alte Katalog konnte nicht zurückgelegt werden. Er bleibt erhalten als „%1“.",
                  "The old catalogue could not be put back. It is kept as \"%1\".")
                  .arg(Q(file.path)),
-             Fail(FailCode::Rename, file.path, 0, file.home));
+             why ? why : Fail(FailCode::Rename, file.path, 0, file.home));
 }
 
 }  // namespace
@@ -72,18 +71,17 @@ void DoNeuEinlesen() {
     // The old catalogue leaves the disc list and the label check, but not the
     // disk, until the dialog shows whether a new reading took its place.
     SetAsideFile aside;
-    std::string error;
-    if (!SetAside(seams::Files(), Start::DataFolder, label.toStdString(), aside, &error)) {
+    Failure failure;
+    if (!SetAside(seams::Files(), Start::DataFolder, label.toStdString(), aside, &failure)) {
         Normal();
-        Warn(haupt, Say("Die CD / DVD wird nicht neu eingelesen.", "The disc is not read anew."),
-             Fail(FailCode::SetAside, CataloguePath(Start::DataFolder, label.toStdString())));
+        Warn(haupt, Say("Die CD / DVD wird nicht neu eingelesen.", "The disc is not read anew."), failure);
         return;
     }
     bool settled = false;
     auto settle = [&aside, &settled](frmHinzufügen& closing) {
         if (settled) return;
         settled = true;
-        std::string why;
+        Failure why;
         if (closing.AddedCount() > 0) {
             // Read anew (under this label or another): the old reading goes.
             if (!Discard(seams::Files(), aside, &why))
@@ -91,11 +89,11 @@ void DoNeuEinlesen() {
                      Say("Der alte Katalog konnte nicht gelöscht werden. Er liegt noch als „%1“.",
                          "The old catalogue could not be deleted. It still lies as \"%1\".")
                          .arg(Q(aside.path)),
-                     Fail(FailCode::Remove, aside.path));
+                     why);
             return;
         }
         const RestoreResult result = Restore(AddDiscSource(), seams::Files(), Start::DataFolder, aside, &why);
-        ReportKept(&closing, aside, result);
+        ReportKept(&closing, aside, result, why);
     };
     // Before the dialog's own refresh of the disc list, so a disc that was
     // only put back shows there again.
@@ -117,7 +115,7 @@ void DoNeuEinlesen() {
 
 void RestoreSetAsideCatalogues() {
     for (const LeftoverOutcome& outcome : RestoreLeftovers(AddDiscSource(), seams::Files(), Start::DataFolder))
-        ReportKept(MainWindow(), outcome.file, outcome.result);
+        ReportKept(MainWindow(), outcome.file, outcome.result, outcome.failure);
 }
 
 }  // namespace ct

@@ -456,11 +456,19 @@ void frmHaupt::lstDaten_Click() {
     const CatalogueCounts counts = CountCatalogue(chosenCataloguePath());
     CurrentLine = counts.headerLine;
     if (!counts.opened) {
-        // The catalogue has gone since the list was filled: nothing to show.
+        // Gone since the list was filled, or not readable (no permission, an
+        // I/O error): the panes stay empty and the user learns which and why,
+        // rather than seeing a disc without folders.
         for (QLabel* l : {lblGC, lblDA, lblOA, lblSerC, lblDC, lblCC, lblSekC, lblBC}) l->clear();
         txtBeschreibungC->clear();
         OrdnerInfoLöschen();
         DateiInfoLöschen();
+        Normal();  // the message box sees the normal pointer
+        ReportFailure(this, windowTitle(),
+                      Say("Der Datenträger „%1“ kann nicht angezeigt werden.",
+                          "The disc \"%1\" cannot be shown.")
+                          .arg(lstDaten->Text()),
+                      Q(FailureText(counts.failure, Start::Language)));
         return;
     }
     const DiscHeader header = SplitHeader(CurrentLine);

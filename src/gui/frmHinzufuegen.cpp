@@ -16,6 +16,7 @@
 #include "gui/Start.h"
 #include "gui/appicon.h"
 #include "gui/frmHaupt.h"
+#include "gui/layout.h"
 #include "gui/seams.h"
 #include "platform/image.h"
 #include "platform/walk.h"
@@ -66,42 +67,35 @@ frmHinzufügen::frmHinzufügen(QWidget* owner) : QDialog(owner) {
     setModal(true);
     setFixedSize(Tw(6510), Tw(2895));
 
-    lblLaufwerk = new QLabel(this);
-    lblLaufwerk->setGeometry(Tw(240), Tw(240), Tw(3135), Tw(255));
+    lblLaufwerk = Label(this, 240, 240, 3135);
     DriveLaufwerk = new DriveListBox(this);
-    DriveLaufwerk->setGeometry(Tw(3480), Tw(240), Tw(2775), Tw(315));
+    Place(DriveLaufwerk, 3480, 240, 2775, 315);
     DriveLaufwerk->setEditable(false);
     // Long mount points and volume names stay readable in the open list.
     DriveLaufwerk->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     DriveLaufwerk->view()->setMinimumWidth(Tw(2775));
     DriveLaufwerk->view()->setTextElideMode(Qt::ElideMiddle);
 
-    lblBezeichnung = new QLabel(this);
-    lblBezeichnung->setGeometry(Tw(240), Tw(720), Tw(3135), Tw(255));
+    lblBezeichnung = Label(this, 240, 720, 3135);
     txtBezeichnung = new QLineEdit(this);
-    txtBezeichnung->setGeometry(Tw(3480), Tw(720), Tw(2775), Tw(285));
+    Place(txtBezeichnung, 3480, 720, 2775, 285);
 
-    lblBeschreibung = new QLabel(this);
-    lblBeschreibung->setGeometry(Tw(240), Tw(1200), Tw(3135), Tw(255));
+    lblBeschreibung = Label(this, 240, 1200, 3135);
     txtBeschreibung = new QPlainTextEdit(this);
-    txtBeschreibung->setGeometry(Tw(3480), Tw(1200), Tw(2775), Tw(735));
+    Place(txtBeschreibung, 3480, 1200, 2775, 735);
     txtBeschreibung->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     txtBeschreibung->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     txtBeschreibung->setTabChangesFocus(true);
 
-    cmdHinzufügen = new QPushButton(this);
-    cmdHinzufügen->setGeometry(Tw(240), Tw(2280), Tw(1575), Tw(375));
+    cmdHinzufügen = Button(this, 240, 2280, 1575, 375);
     cmdHinzufügen->setDefault(true);
-    QFont bold = cmdHinzufügen->font();
-    bold.setBold(true);
-    cmdHinzufügen->setFont(bold);
+    Bold(cmdHinzufügen);
 
-    cmdAbbrechen = new QPushButton(this);
-    cmdAbbrechen->setGeometry(Tw(4680), Tw(2280), Tw(1575), Tw(375));
+    cmdAbbrechen = Button(this, 4680, 2280, 1575, 375);
 
     // Between the two buttons, where nothing else stands.
     lblFortschritt = new QLabel(this);
-    lblFortschritt->setGeometry(Tw(1935), Tw(2280), Tw(2625), Tw(375));
+    Place(lblFortschritt, 1935, 2280, 2625, 375);
     lblFortschritt->setAlignment(Qt::AlignCenter);
 
     setTabOrder(DriveLaufwerk, txtBezeichnung);
@@ -228,70 +222,70 @@ void frmHinzufügen::cmdHinzufügen_Click() {
         DriveLaufwerk_Activated(DriveLaufwerk->count() - 1);
         return;
     }
-    Busy();
-    if (txtBezeichnung->text().isEmpty()) {
-        HilfeZeigen(ResourceText(10099));
-        Normal();
-        return;
-    }
-
-    AddRequest request;
-    request.root = Drive().toStdString();
-    request.label = txtBezeichnung->text().toStdString();
-    request.description = txtBeschreibung->toPlainText().toStdString();
-    request.dataFolder = Start::DataFolder;
-    // The walker tells every thousand entries; painting at most ten times a
-    // second keeps a fast disk fast.
-    QElapsedTimer sinceShown;
-    request.progress = [&](std::size_t entries) {
-        if (sinceShown.isValid() && sinceShown.elapsed() < 100) return;
-        sinceShown.start();
-        ShowProgress(entries);
-    };
-
-    request.cancelled = [this, &sinceShown] {
-        // A walk without many entries still looks at clicks now and then.
-        if (!sinceShown.isValid() || sinceShown.elapsed() >= 100) {
-            sinceShown.start();
-            QCoreApplication::processEvents();
+    AddOutcome outcome;
+    {
+        // The wait pointer for the read; it is gone before the dialog closes
+        // or a message box asks for a click.
+        const BusyScope busy;
+        if (txtBezeichnung->text().isEmpty()) {
+            HilfeZeigen(ResourceText(10099));
+            return;
         }
-        return cancelRequested_;
-    };
-    reading_ = true;
-    cancelRequested_ = false;
-    for (QWidget* control : {static_cast<QWidget*>(DriveLaufwerk), static_cast<QWidget*>(txtBezeichnung),
-                             static_cast<QWidget*>(txtBeschreibung), static_cast<QWidget*>(cmdHinzufügen)})
-        control->setEnabled(false);
-    const AddOutcome outcome = AddDisc(request, AddDiscSource(), seams::Files());
-    for (QWidget* control : {static_cast<QWidget*>(DriveLaufwerk), static_cast<QWidget*>(txtBezeichnung),
-                             static_cast<QWidget*>(txtBeschreibung), static_cast<QWidget*>(cmdHinzufügen)})
-        control->setEnabled(true);
-    reading_ = false;
-    lblFortschritt->clear();
-    if (outcome.result == AddResult::Cancelled) {
-        // Nothing was written; a re-read puts the old catalogue back as the
-        // dialog closes.
-        Normal();
-        reject();
-        return;
-    }
 
-    if (outcome.result == AddResult::EmptyLabel) {
-        HilfeZeigen(ResourceText(10099));
-        Normal();
-        return;
+        AddRequest request;
+        request.root = Drive().toStdString();
+        request.label = txtBezeichnung->text().toStdString();
+        request.description = txtBeschreibung->toPlainText().toStdString();
+        request.dataFolder = Start::DataFolder;
+        // The walker tells every thousand entries; painting at most ten times
+        // a second keeps a fast disk fast.
+        QElapsedTimer sinceShown;
+        request.progress = [&](std::size_t entries) {
+            if (sinceShown.isValid() && sinceShown.elapsed() < 100) return;
+            sinceShown.start();
+            ShowProgress(entries);
+        };
+
+        request.cancelled = [this, &sinceShown] {
+            // A walk without many entries still looks at clicks now and then.
+            if (!sinceShown.isValid() || sinceShown.elapsed() >= 100) {
+                sinceShown.start();
+                QCoreApplication::processEvents();
+            }
+            return cancelRequested_;
+        };
+        reading_ = true;
+        cancelRequested_ = false;
+        QWidget* const inputs[] = {DriveLaufwerk, txtBezeichnung, txtBeschreibung, cmdHinzufügen};
+        for (QWidget* control : inputs) control->setEnabled(false);
+        outcome = AddDisc(request, AddDiscSource(), seams::Files());
+        for (QWidget* control : inputs) control->setEnabled(true);
+        reading_ = false;
+        lblFortschritt->clear();
+
+        if (outcome.result == AddResult::EmptyLabel) {
+            HilfeZeigen(ResourceText(10099));
+            return;
+        }
+        if (outcome.result != AddResult::Cancelled) {
+            // From here on the label is what the box shows, and so is the
+            // description.
+            txtBezeichnung->setText(QString::fromStdString(outcome.label));
+            txtBeschreibung->setPlainText(QString::fromStdString(outcome.description));
+        }
+        if (outcome.result == AddResult::LabelInUse) {
+            HilfeZeigen(ResourceText(10100));
+            return;
+        }
     }
-    // From here on the label is what the box shows, and so is the description.
-    txtBezeichnung->setText(QString::fromStdString(outcome.label));
-    txtBeschreibung->setPlainText(QString::fromStdString(outcome.description));
 
     switch (outcome.result) {
-    case AddResult::LabelInUse:
-        HilfeZeigen(ResourceText(10100));
-        Normal();
+    case AddResult::Cancelled:
+        // Nothing was written; a re-read puts the old catalogue back as the
+        // dialog closes.
+        reject();
         return;
     case AddResult::WriteFailed:
-        Normal();
         // The reason names the file step that failed; the head only says
         // what didn't happen, so the cause is told once.
         ReportFailure(this, windowTitle(), Say("Die CD / DVD wurde nicht aufgenommen.", "The disc was not added."),
@@ -299,7 +293,7 @@ void frmHinzufügen::cmdHinzufügen_Click() {
         return;
     case AddResult::Added:
     case AddResult::EmptyLabel:
-    case AddResult::Cancelled:
+    case AddResult::LabelInUse:
         break;
     }
 
@@ -315,7 +309,6 @@ void frmHinzufügen::cmdHinzufügen_Click() {
                       : QStringLiteral("\n\n") + n + QStringLiteral(" Ordner oder Einträge konnten nicht gelesen werden und fehlen im Katalog.");
     }
     seams::MessageBox(this, QStringLiteral("Fertig!"), report, QMessageBox::Ok);
-    Normal();
 }
 
 void frmHinzufügen::cmdAbbrechen_Click() {

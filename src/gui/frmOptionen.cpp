@@ -115,13 +115,10 @@ void frmOptionen::cmdSpeichern_Click() {
                     labels.push_back(haupt->lstDaten->List(i).toStdString());
             const MoveOutcome moved = MoveCatalogues(seams::Files(), labels, Start::DataFolder, newFolder);
             if (!moved.copied) {
-                // The copy reports its reason as a sentence of its own; the
-                // window says which copy failed in the language in force.
-                const Failure failure = Fail(FailCode::Copy, CataloguePath(Start::DataFolder, moved.failedLabel), 0,
-                                             CataloguePath(newFolder, moved.failedLabel));
+                // Which copy failed and the system's reason, in the language in force.
                 seams::MessageBox(this, ResourceText(10096),
                                   ResourceText(10095) + QStringLiteral("\n\n") +
-                                      QString::fromStdString(FailureText(failure, Start::Language)),
+                                      QString::fromStdString(FailureText(moved.failure, Start::Language)),
                                   QMessageBox::Ok, QMessageBox::Ok, QMessageBox::Critical);
                 return;
             }

@@ -254,7 +254,11 @@ public:
             SetError(error, "Cannot write", to, errno);
             ok = false;
         }
-        if (!ok && !direct) unlink(scratch.c_str());  // never leave half a copy behind
+        if (!ok && !direct) {
+            const int code = errno;  // the failed step's reason, for the caller
+            unlink(scratch.c_str());  // never leave half a copy behind
+            errno = code;
+        }
         return ok;
     }
 

@@ -91,6 +91,7 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"ListsBothDiscs", "list", 0, "Fotos", "", ""},
         Row{"ListPutsUmlautsBesideTheirLetter", "rename Leer Äpfel >/dev/null && echo $({S}/cartulon-cli --data-folder {D} list)",
             0, "Äpfel Fotos", "", ""},
+        Row{"ListOfNothing", "list --data-folder {S}/disc", 1, "", "", ""},
         Row{"ShowsTheHeader", "show Fotos", 0, "Seriennummer: -1029197328", "", ""},
         Row{"ShowsAFolder", "show Fotos Bilder", 0, "Dateien: 1", "", ""},
         Row{"ShowOfAnUnknownDisc", "show Keine", 2, "", "", ""},

@@ -41,14 +41,6 @@ struct TempFolder : ct::test::Scratch {
     std::string File(const std::string& name, const std::string& content) const { return Write(name, content); }
 };
 
-std::vector<std::string> AllLines(const std::string& path, std::size_t block = ct::LineReader::kDefaultBlock) {
-    ct::LineReader r(path, block);
-    std::vector<std::string> lines;
-    std::string_view line;
-    while (r.NextRaw(line)) lines.emplace_back(line);
-    return lines;
-}
-
 struct Sections {
     std::string header;
     std::vector<std::string> folders, files;
@@ -221,28 +213,13 @@ INSTANTIATE_TEST_SUITE_P(
     Rows, CatalogueDamaged,
     ::testing::Values(
         DamagedRow{"Empty", "", "", 0, 0, 0, 0},
-        DamagedRow{"HeaderWithoutLineEnd", "0|0||0|0|0|x", "0|0||0|0|0|x", 0, 0, 0, 0},
         DamagedRow{"CutShortInFiles", "h\r\n\r\n\\a|R|t|\r\n\r\n\\a\\f|1|A|t|\r\n\\a\\g|", "h", 1, 2,
                    1, 2},
         // The section readers stop at an empty line; the counting way goes on
         // to the end of the file.
-        DamagedRow{"LfOnly", "h\n\n\\a|R|t|\n\n\\a\\f|1|A|t|\n", "h", 1, 1, 1, 1},
         DamagedRow{"Windows1252Header", "0|0||0|0|0|M\xFCll\r\n", "0|0||0|0|0|M\xC3\xBCll", 0, 0, 0,
                    0}),
     [](const auto& info) { return std::string(info.param.name); });
-
-TEST(CatalogueRead, LinesAcrossBlockBoundaries) {
-    // Every block size cuts lines, CR LF pairs and multi-byte characters at
-    // every possible place; the lines must come out the same.
-    TempFolder dir;
-    const std::string content =
-        "h|\xC3\xA4\r\n\r\n\\a|R|t|\r\n\\b|R|t|x\r\r\n\r\n\\a\\f|1|A|t|\n\\b\\g|2|A|t|\r";
-    const std::string path = dir.File("b.idx", content);
-    const std::vector<std::string> expected = {"h|\xC3\xA4", "", "\\a|R|t|", "\\b|R|t|x", "",
-                                               "", "\\a\\f|1|A|t|", "\\b\\g|2|A|t|"};
-    for (std::size_t block = 1; block <= content.size() + 1; ++block)
-        EXPECT_EQ(AllLines(path, block), expected) << "block " << block;
-}
 
 TEST(CatalogueRead, Windows1252RecordFoundByItsUtf8Path) {
     TempFolder dir;

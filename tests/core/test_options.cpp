@@ -2,6 +2,7 @@
 // catalogue is deleted, so a failure at any point loses nothing.
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <filesystem>
 
 #include "core/options.h"
@@ -44,6 +45,9 @@ TEST_F(MoveCatalogues, FailedLastCopyLeavesEveryCatalogueInTheOldFolder) {
     const ct::MoveOutcome out = ct::MoveCatalogues(ops, labels, old, to);
     EXPECT_FALSE(out.copied);
     EXPECT_EQ(out.failedLabel, "Gamma");
+    EXPECT_EQ(out.failure.code, ct::FailCode::Copy);  // with both files and the system's reason
+    EXPECT_EQ(out.failure.path + " " + out.failure.other, old + "/Gamma.idx " + to + "/Gamma.idx");
+    EXPECT_EQ(out.failure.sysError, EIO);
     for (const auto& l : labels) EXPECT_EQ(ReadAll(old + "/" + l + ".idx"), Body(l)) << l;
 }
 

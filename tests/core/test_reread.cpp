@@ -2,6 +2,7 @@
 // ever replaced, and what a crash left behind comes back at the next start.
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <filesystem>
 #include <map>
 
@@ -49,8 +50,8 @@ TEST_F(Reread, SetAsideAndRestoreUnchanged) {
     dir.Write("data/FOTOS.idx", "old");
     dir.Write("data/.FOTOS.idx.reread", "older");  // an older one is never replaced
     SetAsideFile file;
-    std::string error;
-    ASSERT_TRUE(ct::SetAside(ops, data, "FOTOS", file, &error)) << error;
+    ct::Failure error;
+    ASSERT_TRUE(ct::SetAside(ops, data, "FOTOS", file, &error)) << ct::FailureText(error, 10000);
     EXPECT_EQ(file.path, At(".FOTOS.idx.reread2"));
     EXPECT_FALSE(fs::exists(At("FOTOS.idx")));
     EXPECT_FALSE(ct::LabelInUse(source, data, "FOTOS"));  // the add dialog lets the disc's own label pass
@@ -59,17 +60,38 @@ TEST_F(Reread, SetAsideAndRestoreUnchanged) {
     EXPECT_EQ(ReadAll(At(".FOTOS.idx.reread")), "older");
 }
 
-TEST_F(Reread, FailuresChangeNothing) {
+// Each failure comes back as its code, the file and the system's reason, so
+// that the window can word it in the user's language.
+TEST_F(Reread, FailuresChangeNothingAndSayWhy) {
     SetAsideFile file;
-    std::string error;
-    EXPECT_FALSE(ct::SetAside(ops, data, "FOTOS", file, &error));  // no catalogue
-    EXPECT_NE(error.find(At("FOTOS.idx")), std::string::npos) << error;
+    ct::Failure aside, restore, discard;
+    EXPECT_FALSE(ct::SetAside(ops, data, "FOTOS", file, &aside));  // no catalogue
     dir.Write("data/FOTOS.idx", "old");
-    FaultyOps failing(Fault::Rename);
-    EXPECT_FALSE(ct::SetAside(failing, data, "FOTOS", file, &error));
-    ASSERT_TRUE(ct::SetAside(ops, data, "FOTOS", file, &error));
-    EXPECT_EQ(ct::Restore(source, failing, data, file, &error), RestoreResult::Failed);
+    FaultyOps failing(Fault::Rename), undeletable(Fault::Remove);
+    ct::Failure renamed;
+    EXPECT_FALSE(ct::SetAside(failing, data, "FOTOS", file, &renamed));
+    ASSERT_TRUE(ct::SetAside(ops, data, "FOTOS", file, nullptr));
+    EXPECT_EQ(ct::Restore(source, failing, data, file, &restore), RestoreResult::Failed);
+    EXPECT_FALSE(ct::Discard(undeletable, file, &discard));
     EXPECT_EQ(ReadAll(file.path), "old");
+    struct Row {
+        const char* step;
+        ct::Failure got;
+        ct::FailCode code;
+        std::string path, other;
+        int sysError;
+    } rows[] = {
+        {"missing", aside, ct::FailCode::NotFound, At("FOTOS.idx"), "", 0},
+        {"set aside", renamed, ct::FailCode::SetAside, At("FOTOS.idx"), "", EIO},
+        {"restore", restore, ct::FailCode::Rename, file.path, At("FOTOS.idx"), EIO},
+        {"discard", discard, ct::FailCode::Remove, file.path, "", EIO},
+    };
+    for (const Row& r : rows) {
+        EXPECT_EQ(r.got.code, r.code) << r.step;
+        EXPECT_EQ(r.got.path, r.path) << r.step;
+        EXPECT_EQ(r.got.other, r.other) << r.step;
+        EXPECT_EQ(r.got.sysError, r.sysError) << r.step;
+    }
 }
 
 TEST_F(Reread, LabelTakenMeanwhileKeepsTheSetAsideFile) {

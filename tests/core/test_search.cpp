@@ -214,47 +214,6 @@ const Row kRows[] = {
 INSTANTIATE_TEST_SUITE_P(Search, SearchTable, ::testing::ValuesIn(kRows),
                          [](const auto& info) { return std::string(info.param.name); });
 
-// --- Entry checks ------------------------------------------------------------------
-
-struct CheckRow {
-    const char* name;
-    std::function<void(ct::SearchCriteria&)> change;
-    int topic;
-};
-
-class EntryChecks : public ::testing::TestWithParam<CheckRow> {};
-
-TEST_P(EntryChecks, FirstFailingCheckNamesTheTopic) {
-    auto c = Criteria(2, CONT, "x");
-    GetParam().change(c);
-    EXPECT_EQ(ct::CheckCriteria(c), GetParam().topic);
-}
-
-// Each row breaks its own check and every later one, so the order shows.
-void BreakFrom(ct::SearchCriteria& c, int from) {
-    if (from <= 1) c.kind = -1;
-    if (from <= 2) c.nameTerm.clear();
-    c.checkSize = c.checkAttributes = c.checkDate = c.checkDescription = true;
-    c.sizeOperatorChosen = from > 3;
-    c.attributesChosen = from > 4;
-    c.dateOperatorChosen = from > 5;
-    c.descriptionOperatorChosen = from > 6;
-    c.sizeText = from > 7 ? "1" : "";
-    c.dateText = from > 8 ? "no date" : "";
-    c.descriptionText = from > 9 ? "d" : "";
-    if (from <= 10)
-        for (auto& d : c.discs) d.marked = false;
-}
-
-const CheckRow kCheckRows[] = {
-    {"NoDiscMarked", [](auto& c) { BreakFrom(c, 10); }, 10110},
-    {"BadDate", [](auto& c) { BreakFrom(c, 11); }, 10112},
-    {"OperatorBoxIsNotChecked", [](auto& c) { c.nameOperator = ct::SearchOp::None; }, 0},
-};
-
-INSTANTIATE_TEST_SUITE_P(Search, EntryChecks, ::testing::ValuesIn(kCheckRows),
-                         [](const auto& info) { return std::string(info.param.name); });
-
 TEST(SearchOperators, EmptyTermRules) {
     EXPECT_TRUE(ct::CompareText(ct::SearchOp::Contains, "A", ""));
     EXPECT_FALSE(ct::CompareText(ct::SearchOp::Contains, "", ""));
@@ -290,30 +249,6 @@ INSTANTIATE_TEST_SUITE_P(Search, Dates, ::testing::ValuesIn(kDateRows),
                          [](const auto& info) { return std::string(info.param.name); });
 
 // --- The run ------------------------------------------------------------------------------
-
-TEST(SearchRun, DamagedCataloguesArePassedOver) {
-    TempDir dir;
-    dir.WriteRaw("Leer", "");
-    dir.WriteRaw("Kopf", "0|0||0|0|0|nur kopf");  // no line end, nothing behind
-    // Cut short in the middle of its last line.
-    dir.WriteRaw("Kurz", "0|0||0|0|0|kurz\r\n\r\n\\kurz1|A|01.01.2001 00:00:00|\r\n\r\n"
-                         "\\kurz.txt|1|A|01.01.2001 00:00:00|\r\n\\ku");
-    dir.WriteRaw("Wirr", "kein kopf\r\n\r\nohne striche\r\n\\wirr|||\r\n\r\nnoch ohne\r\n\\wirr.txt|x|||\r\n");
-    dir.Write("Ende", {"0|0||0|0|0|", "", "", "\\ende.txt|1|A|01.01.2001 00:00:00|"});
-    auto c = Criteria(2, CONT, "k");
-    c.discs = {{"Fehlt", true}, {"Leer", true}, {"Kopf", true}, {"Kurz", true}, {"Wirr", true},
-               {"Ende", true}};
-    c.nameTerm = "";
-    c.checkName = false;
-    std::vector<int> counters;
-    VectorSink sink;
-    ct::SearchHooks hooks;
-    hooks.afterDisc = [&](int n, std::size_t) { counters.push_back(n); };
-    EXPECT_EQ(ct::RunSearch(dir.str(), c, sink, hooks), ct::SearchEnd::Normal);
-    EXPECT_EQ(sink.hits, (std::vector<std::string>{"Kopf", "Kurz", "Kurz\\\\kurz1\\", "Kurz\\\\kurz.txt", "Wirr\\\\wirr\\",
-                                                   "Wirr\\\\wirr.txt", "Ende", "Ende\\\\ende.txt"}));
-    EXPECT_EQ(counters, (std::vector<int>{1, 2, 3, 4, 5, 6}));
-}
 
 TEST(SearchRun, StopEndsAfterTheDiscInHand) {
     TempDir dir;

@@ -39,23 +39,6 @@ TEST(Cp1252, EveryByteRoundTrips) {
     }
 }
 
-struct Cp1252Row {
-    const char* name;
-    std::string cp1252;
-    std::string utf8;
-};
-
-class Cp1252Table : public ::testing::TestWithParam<Cp1252Row> {};
-
-TEST_P(Cp1252Table, ToUtf8) { EXPECT_EQ(ct::Cp1252ToUtf8(GetParam().cp1252), GetParam().utf8); }
-
-INSTANTIATE_TEST_SUITE_P(
-    Rows, Cp1252Table,
-    ::testing::Values(Cp1252Row{"Umlauts", "Gr\xFC\xDF" "e", "Gr\xC3\xBC\xC3\x9F" "e"},
-                      Cp1252Row{"Euro", "\x80", "\xE2\x82\xAC"},
-                      Cp1252Row{"HoleIsC1Control", "\x81", "\xC2\x81"}),
-    [](const auto& info) { return std::string(info.param.name); });
-
 TEST(DecodeLine, ValidUtf8StaysAsItIs) {
     EXPECT_EQ(ct::DecodeLine("\\M\xC3\xBCll.txt|1|A|"), "\\M\xC3\xBCll.txt|1|A|");
 }

@@ -53,13 +53,10 @@ INSTANTIATE_TEST_SUITE_P(
     Rows, TimeText,
     ::testing::Values(
         TimeRow{"Zero", 0, "01.01.1601 00:00:00"},
-        TimeRow{"NewYear2000", 125911584000000000, "01.01.2000 00:00:00"},
         TimeRow{"PaddedFields", 127177957890000000, "05.01.2004 17:03:09"},
         TimeRow{"LeapDay", 125963423990000000, "29.02.2000 23:59:59"},
-        TimeRow{"FractionDropped", 125911584000000000 + 9999999, "01.01.2000 00:00:00"},
         TimeRow{"LastSecondWindowsTakes", 9223149887990000000, "31.12.30827 23:59:59"},
         TimeRow{"PastYear30827", 9223149888000000000, "00.00.0 00:00:00"},
-        TimeRow{"Largest", std::numeric_limits<std::int64_t>::max(), "00.00.0 00:00:00"},
         TimeRow{"Negative", -1, "00.00.0 00:00:00"}),
     [](const auto& info) { return std::string(info.param.name); });
 

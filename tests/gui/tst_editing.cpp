@@ -108,26 +108,6 @@ private slots:
                  Joined(ExampleCatalogue(), 6, "\\Bilder\\Urlaub\\p1.jpg|183442|R|14.03.2003 09:12:41|aus der Suche"));
     }
 
-    void descriptionFailureKeepsEverything() {
-        Setup s;
-        FaultyOps ops(Fault::Rename);
-        OpsScope scope(&ops);
-        bool stillOpen = false;
-        WhenUp<frmBeschreibungÄndern>([&](frmBeschreibungÄndern& d) {
-            d.txtNeueBeschreibung->setPlainText(Q("verloren?"));
-            d.cmdÄndern->click();
-            stillOpen = d.isVisible() && d.txtNeueBeschreibung->toPlainText() == "verloren?";
-            d.cmdAbbrechen->click();
-        });
-        s.main->cmdÄndernC->click();
-        QVERIFY(stillOpen);
-        QCOMPARE(s.fx.messages.size(), std::size_t{1});
-        QCOMPARE(s.fx.messages[0].icon, QMessageBox::Warning);
-        QCOMPARE(s.main->txtBeschreibungC->toPlainText(), Q("Photos 2003"));
-        QCOMPARE(ReadAll(s.catalogue), Joined(ExampleCatalogue()));
-        QCOMPARE(DataFiles(s.fx), (QStringList{"CD1.idx", "CD2.idx"}));
-    }
-
     void labelEditor_data() {
         QTest::addColumn<QString>("typed");
         QTest::addColumn<bool>("closes");
@@ -185,18 +165,6 @@ private slots:
         }
         QCOMPARE(DataFiles(s.fx), files);
         QCOMPARE(Items(s.main->lstDaten), QStringList(files).replaceInStrings(".idx", ""));
-    }
-
-    void deleteThatFailsKeepsTheEntry() {
-        Setup s;
-        FaultyOps ops(Fault::Remove);
-        OpsScope scope(&ops);
-        s.fx.answers.push_back(QMessageBox::Yes);
-        s.main->mnuLöschen->trigger();
-        QCOMPARE(s.fx.messages.size(), std::size_t{2});
-        QCOMPARE(s.fx.messages[1].icon, QMessageBox::Warning);
-        QCOMPARE(DataFiles(s.fx), (QStringList{"CD1.idx", "CD2.idx"}));
-        QCOMPARE(s.main->lstDaten->Text(), Q("CD1"));
     }
 
     void helpKeysOpenTheDialogsTopics() {

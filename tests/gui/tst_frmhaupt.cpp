@@ -144,27 +144,6 @@ private slots:
         QTest::keyClick(edit, Qt::Key_F1, Qt::ShiftModifier);
         QVERIFY(HelpShows(fx, 10018));
     }
-
-    void buttonsSetEditTarget() {
-        GuiFixture fx(CARTULON_STAGE_DIR);
-        auto h = fx.StartMain();
-        h->cmdÄndernC_Click();
-        QCOMPARE(Start::EditTarget, std::string("CD"));
-        h->cmdÄndernO_Click();
-        QCOMPARE(Start::EditTarget, std::string("Ordner"));
-        h->cmdÄndernD_Click();
-        QCOMPARE(Start::EditTarget, std::string("Datei"));
-    }
-
-    void quittingWritesNothing() {
-        GuiFixture fx(CARTULON_STAGE_DIR);
-        const std::string before = fx.ReadIni();
-        auto h = fx.StartMain();
-        h->show();
-        h->mnuBeenden->trigger();
-        QVERIFY(!h->isVisible());
-        QCOMPARE(fx.ReadIni(), before);
-    }
 };
 
 QTEST_MAIN(TstFrmHaupt)

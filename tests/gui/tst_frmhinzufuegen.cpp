@@ -140,27 +140,6 @@ private slots:
         QCOMPARE(DataFiles(s.fx), QStringList{});
     }
 
-    void f1OpensTheTopic() {
-        AddSetup s;
-        auto h = s.fx.StartMain();
-        frmHinzufügen d(h.get());
-        d.show();
-        QTest::keyClick(d.txtBezeichnung, Qt::Key_F1);
-        QVERIFY(HelpShows(s.fx, 10010));
-    }
-
-    void rereadNeedsAChosenDisc() {
-        AddSetup s;
-        s.fx.WriteCatalogue("Fotos", ExampleCatalogue());
-        auto h = s.fx.StartMain();
-        bool opened = false;
-        WhenUp<frmHinzufügen>([](frmHinzufügen& d) { d.reject(); }, &opened);
-        h->mnuNeuEinlesen->trigger();
-        QCoreApplication::processEvents();
-        QVERIFY(!opened);
-        QVERIFY(HelpShows(s.fx, 10098));
-    }
-
     // Answered No, left without adding, or completed: the catalogue is
     // either back byte for byte or read anew with the disc's description.
     void reread_data() {

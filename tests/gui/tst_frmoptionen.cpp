@@ -67,14 +67,6 @@ private slots:
         QCOMPARE(fs::exists(old + "/Alpha.idx"), !moved);
         if (messages == 2) QCOMPARE(fx.messages[1].icon, QMessageBox::Critical);
     }
-
-    void f1OpensItsTopic() {
-        GuiFixture fx(CARTULON_STAGE_DIR);
-        auto haupt = fx.StartMain();
-        frmOptionen o(haupt.get());
-        QTest::keyClick(o.txtDatenpfad, Qt::Key_F1);
-        QVERIFY(HelpShows(fx, 10017));
-    }
 };
 
 QTEST_MAIN(TstFrmOptionen)

@@ -65,14 +65,6 @@ private slots:
         QVERIFY(!w.Running());
         QCOMPARE(w.lblGG->text(), QString("-"));  // the run ended before its figures
     }
-
-    void f1OpensItsTopic() {
-        GuiFixture fx(CARTULON_STAGE_DIR);
-        auto main = fx.StartMain();
-        frmStatistik w(main.get());
-        QTest::keyClick(w.cmdStatistikErstellen, Qt::Key_F1);
-        QVERIFY(HelpShows(fx, 10018));
-    }
 };
 
 QTEST_MAIN(TstFrmStatistik)

@@ -50,25 +50,6 @@ private slots:
         QCOMPARE(outer.Text(), QString("x"));
         QCOMPARE(trace.size(), 3);
     }
-
-    void userClicksRunOnce() {
-        ListBox list;
-        list.resize(200, 200);
-        list.show();
-        int clicks = 0;
-        list.Click = [&] { ++clicks; };
-        list.AddItems({"a", "b", "c"});
-        auto at = [&](int row) { return list.visualItemRect(list.item(row)).center(); };
-        QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, at(0));
-        QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, at(0));  // the chosen item again counts
-        QCOMPARE(clicks, 2);
-        QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, at(2));
-        QCOMPARE(list.ListIndex(), 2);
-        list.setFocus();
-        QTest::keyClick(&list, Qt::Key_Up);
-        QCOMPARE(list.ListIndex(), 1);
-        QCOMPARE(clicks, 4);
-    }
 };
 
 QTEST_MAIN(TstListBox)

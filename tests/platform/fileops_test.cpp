@@ -13,26 +13,6 @@ namespace {
 using test::ReadAll;
 using test::Scratch;
 
-TEST(SystemFileOps, CreateWritesSyncsAndClosesTwiceHarmlessly) {
-    Scratch s;
-    FileOps& ops = SystemFileOps();
-    std::string error;
-    auto out = ops.Create(s / "a.idx", &error);
-    ASSERT_NE(out, nullptr) << error;
-    EXPECT_TRUE(out->Write("0|0||0|0|0|\r\n"));
-    EXPECT_TRUE(out->Write(std::string("\0|\xE4", 3)));
-    EXPECT_TRUE(out->Sync());
-    EXPECT_TRUE(out->Close());
-    EXPECT_TRUE(out->Close());
-    EXPECT_FALSE(out->Write("late"));
-    EXPECT_EQ(ReadAll(s / "a.idx"), std::string("0|0||0|0|0|\r\n\0|\xE4", 16));
-    struct stat st{};
-    ASSERT_EQ(stat((s / "a.idx").c_str(), &st), 0);
-    const mode_t mask = umask(0);
-    umask(mask);
-    EXPECT_EQ(st.st_mode & 0777, 0644u & ~mask);
-}
-
 TEST(SystemFileOps, CopyReplacesAndKeepsTheSource) {
     Scratch s;
     std::string big(300 * 1024, 'x');

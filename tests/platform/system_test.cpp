@@ -62,25 +62,5 @@ TEST(StartCommandLine, HandsTheRestOverAsOneArgumentAndLeavesNoChild) {
     EXPECT_EQ(errno, ECHILD);
 }
 
-TEST(StartCommandLine, FalseWhenNothingCanBeStarted) {
-    Scratch s;
-    EXPECT_FALSE(StartCommandLine(s.Path() + "/nothing.exe topic"));
-    // Executable by its mode but no program the system can run.
-    const std::string broken = Executable(s, "broken", "#!/no/such/interpreter\n");
-    EXPECT_FALSE(StartCommandLine(broken + " topic"));
-}
-
-TEST(ProgramFolder, TheFolderOfTheRunningProgramUnlessSet) {
-    char buf[4096];
-    const ssize_t n = readlink("/proc/self/exe", buf, sizeof buf - 1);
-    ASSERT_GT(n, 0);
-    const std::string exe(buf, static_cast<std::size_t>(n));
-    EXPECT_EQ(ProgramFolder(), exe.substr(0, exe.rfind('/')));
-    SetProgramFolderForTesting("/opt/Cartulon");
-    EXPECT_EQ(ProgramFolder(), "/opt/Cartulon");
-    SetProgramFolderForTesting("");
-    EXPECT_EQ(ProgramFolder(), exe.substr(0, exe.rfind('/')));
-}
-
 }  // namespace
 }  // namespace ct

@@ -76,20 +76,6 @@ TEST(MountOf, LongestMountByWholeComponents) {
     EXPECT_FALSE(MountOf(mounts, "relative/path", m));
 }
 
-TEST(WindowsFileSystemName, LinuxTypesAsWindowsNamesThem) {
-    const struct {
-        const char* type;
-        bool fat32;
-        const char* name;
-    } rows[] = {
-        {"iso9660", false, "CDFS"}, {"udf", false, "UDF"},     {"vfat", false, "FAT"},
-        {"vfat", true, "FAT32"},    {"msdos", false, "FAT"},   {"exfat", false, "exFAT"},
-        {"ntfs", false, "NTFS"},    {"ntfs3", false, "NTFS"},  {"ext4", false, "ext4"},
-        {"btrfs", false, "btrfs"},  {"fuseblk", false, "fuseblk"},
-    };
-    for (const auto& row : rows) EXPECT_EQ(WindowsFileSystemName(row.type, row.fat32), row.name) << row.type;
-}
-
 TEST(ReadVolumeInfo, FolderOnThisMachineGivesItsVolumesFigures) {
     test::Scratch s;
     const std::string sub = s.Folder("sub");

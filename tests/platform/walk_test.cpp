@@ -73,37 +73,6 @@ TEST(WalkFolder, DepthFirstInDeliveryOrderGoingDownAtOnce) {
     EXPECT_EQ(Names(gotFolders).size(), 3u);
 }
 
-TEST(WalkFolder, UnreadableFolderAddsItsRecordOnly) {
-    Scratch s;
-    s.Folder("closed");
-    s.File("closed/secret");
-    s.File("after");
-    ASSERT_EQ(chmod((s / "closed").c_str(), 0), 0);
-    ASSERT_EQ(chmod(s.Path().c_str(), 0755), 0);
-    auto walkAndCheck = [&] {
-        WalkList folders, files;
-        WalkFolder(s.Path(), folders, files);
-        return Names(folders) == std::vector<std::string>{s / "closed"} &&
-               Names(files) == std::vector<std::string>{s / "after"};
-    };
-    if (geteuid() != 0) {
-        EXPECT_TRUE(walkAndCheck());
-        return;
-    }
-    // Root reads every folder: walk as an ordinary user in a child.
-    const pid_t child = fork();
-    ASSERT_GE(child, 0);
-    if (child == 0) {
-        if (setgid(65534) != 0 || setuid(65534) != 0) _exit(2);
-        _exit(walkAndCheck() ? 0 : 1);
-    }
-    int status = 0;
-    ASSERT_EQ(waitpid(child, &status, 0), child);
-    ASSERT_TRUE(WIFEXITED(status));
-    if (WEXITSTATUS(status) == 2) GTEST_SKIP() << "can't become an ordinary user";
-    EXPECT_EQ(WEXITSTATUS(status), 0);
-}
-
 // Samba keeps the hidden and system flags a Windows client set in an xattr.
 TEST(WalkFolder, SambaHiddenAndSystemFlagsCount) {
     Scratch s;

@@ -4,6 +4,7 @@
 // half of its bytes land first, as a full disk does.
 #pragma once
 
+#include <cerrno>
 #include <memory>
 #include <string>
 #include <vector>
@@ -72,6 +73,7 @@ private:
     bool Fails(Fault op, std::string* e) {
         if (op != fault || ++calls_ < at) return false;
         if (e) *e = "Input/output error";
+        errno = EIO;  // where the callers read the reason, as after a real call
         return true;
     }
 
