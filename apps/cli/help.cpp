@@ -83,6 +83,25 @@ std::string Synopsis(const Option& o, bool shortFirst) {
     return s;
 }
 
+// The words of `text` from column `indent` on, wrapped at 79 columns, each
+// new line indented the same; no line end behind the last word.
+void Wrap(std::ostream& os, const std::string& text, std::size_t indent) {
+    std::istringstream words(text);
+    std::string word;
+    std::size_t column = indent;
+    for (bool first = true; words >> word; first = false) {
+        if (!first && column + 1 + CharCount(word) > 79) {
+            os << "\n" << std::string(indent, ' ');
+            column = indent;
+        } else if (!first) {
+            os << ' ';
+            ++column;
+        }
+        os << word;
+        column += CharCount(word);
+    }
+}
+
 // A two-column list: items indented by 2, texts aligned after the longest
 // item (up to a limit), wrapped at 79 columns.
 void Columns(std::ostream& os, const std::vector<std::pair<std::string, std::string>>& rows) {
@@ -97,29 +116,12 @@ void Columns(std::ostream& os, const std::vector<std::pair<std::string, std::str
             column = 0;
         }
         os << std::string(width + 4 - column, ' ');
-        column = width + 4;
-        std::istringstream words(text);
-        std::string word;
-        bool first = true;
-        while (words >> word) {
-            if (!first && column + 1 + CharCount(word) > 79) {
-                os << "\n" << std::string(width + 4, ' ');
-                column = width + 4;
-            } else if (!first) {
-                os << ' ';
-                ++column;
-            }
-            os << word;
-            column += CharCount(word);
-            first = false;
-        }
+        Wrap(os, text, width + 4);
         os << "\n";
     }
 }
 
 void Paragraph(std::ostream& os, std::string_view text) {
-    std::size_t column = 0;
-    std::string word;
     std::istringstream lines{std::string(text)};
     std::string line;
     bool firstLine = true;
@@ -127,26 +129,11 @@ void Paragraph(std::ostream& os, std::string_view text) {
         if (!firstLine) os << "\n";
         if (line.empty()) {  // a blank line in the text: a new paragraph
             os << "\n";
-            column = 0;
             firstLine = true;
             continue;
         }
         firstLine = false;
-        column = 0;
-        std::istringstream words(line);
-        bool first = true;
-        while (words >> word) {
-            if (!first && column + 1 + CharCount(word) > 79) {
-                os << "\n";
-                column = 0;
-            } else if (!first) {
-                os << ' ';
-                ++column;
-            }
-            os << word;
-            column += CharCount(word);
-            first = false;
-        }
+        Wrap(os, line, 0);
     }
     os << "\n";
 }

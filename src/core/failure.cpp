@@ -1,5 +1,6 @@
 #include "core/failure.h"
 
+#include <cerrno>
 #include <cstring>
 
 namespace ct {
@@ -40,6 +41,36 @@ constexpr Wording kWordings[] = {
      "A description can't hold a line break; \"%1\" stays unchanged."},
 };
 
+// The system's reasons a catalogue's file steps meet, in German: the C
+// library words them in the locale of the process, which needn't be the
+// language the user chose in the program. Others keep the library's words.
+struct Reason {
+    int number;
+    const char* german;
+};
+constexpr Reason kGermanReasons[] = {
+    {EACCES, "Zugriff verweigert"},
+    {EPERM, "Vorgang nicht erlaubt"},
+    {ENOENT, "Datei oder Ordner nicht gefunden"},
+    {ENOSPC, "Kein Platz mehr auf dem Gerät"},
+    {EROFS, "Das Dateisystem ist nur lesbar"},
+    {EIO, "Ein-/Ausgabefehler"},
+    {EEXIST, "Die Datei gibt es schon"},
+    {EISDIR, "Ist ein Ordner"},
+    {ENOTDIR, "Ist kein Ordner"},
+    {ENAMETOOLONG, "Der Dateiname ist zu lang"},
+    {EMFILE, "Zu viele offene Dateien"},
+    {EBUSY, "Gerät oder Datei ist belegt"},
+    {EXDEV, "Verschieben zwischen Dateisystemen nicht möglich"},
+};
+
+std::string ReasonText(int number, int language) {
+    if (language == 0)
+        for (const Reason& r : kGermanReasons)
+            if (r.number == number) return r.german;
+    return std::strerror(number);
+}
+
 // One pass, so that a file name holding "%2" stays as it is.
 std::string Fill(const char* pattern, const Failure& f) {
     std::string out;
@@ -64,7 +95,7 @@ std::string FailureText(const Failure& failure, int language) {
     if (failure.sysError != 0) {
         text.pop_back();  // the full stop: the reason follows
         text += " (";
-        text += std::strerror(failure.sysError);
+        text += ReasonText(failure.sysError, language);
         text += ").";
     }
     return text;

@@ -32,7 +32,7 @@ TEST(Unreadable, SaidSoWithTheReasonInBothLanguages) {
         EXPECT_EQ(f.code, ct::FailCode::Unreadable);
         EXPECT_EQ(f.sysError, EACCES);
         EXPECT_EQ(ct::FailureText(f, 10000), "Cannot read \"" + data + "/Geheim.idx\" (Permission denied).");
-        EXPECT_EQ(ct::FailureText(f, 0), "„" + data + "/Geheim.idx“ kann nicht gelesen werden (Permission denied).");
+        EXPECT_EQ(ct::FailureText(f, 0), "„" + data + "/Geheim.idx“ kann nicht gelesen werden (Zugriff verweigert).");
     }
     EXPECT_FALSE(counts.opened);
 }
