@@ -112,7 +112,7 @@ LineReader::LineReader(const std::string& path, std::size_t blockSize)
     : block_(blockSize == 0 ? 1 : blockSize) {
     // Never blocks, and takes nothing but a regular file (a FIFO named
     // "*.idx" would hang the reader forever).
-    file_ = OpenForReading(path, &openFailure_);
+    file_ = OpenForReading(path, &openFailure_, &left_);
     // We read in blocks of our own; a second buffer in stdio would only copy.
     if (file_) std::setvbuf(file_, nullptr, _IONBF, 0);
 }
@@ -141,11 +141,14 @@ bool LineReader::Fill() {
     if (!buf_) Grow(std::min(block_, kFirstBlock));
     for (;;) {
         if (end_ == size_) Grow(size_ * 2);
-        const std::size_t want = size_ - end_;
-        const std::size_t n = std::fread(buf_.get() + end_, 1, want, file_);
+        // Up to the size the file had when opened: the read that would only
+        // see the end is saved (one system call of a few per small catalogue).
+        const std::size_t want = static_cast<std::size_t>(std::min<std::uint64_t>(size_ - end_, left_));
+        const std::size_t n = want == 0 ? 0 : std::fread(buf_.get() + end_, 1, want, file_);
         end_ += n;
+        left_ -= n;
         // A short read is the end, or a read error: both end the file for us.
-        if (n < want) {
+        if (n < want || left_ == 0) {
             eof_ = true;
             cut_ = end_;
             return end_ > 0;

@@ -113,6 +113,7 @@ private:
     std::size_t cut_ = 0;  // end of the whole lines in buf_
     std::size_t end_ = 0;  // end of the bytes in buf_
     bool eof_ = false;
+    std::uint64_t left_ = 0;  // bytes of the file not yet read, as its size at opening said
     std::size_t block_;
 };
 

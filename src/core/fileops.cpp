@@ -20,7 +20,8 @@ std::string Join(const std::string& folder, std::string_view name) {
 
 // Without a platform opener the check comes before the open: it can't see a
 // file swapped in between, but it never opens a FIFO it has seen.
-std::FILE* StandardOpener(const std::string& path, Failure* failure) {
+std::FILE* StandardOpener(const std::string& path, Failure* failure, std::uint64_t* size) {
+    if (size) *size = kUnknownSize;
     std::error_code ec;
     const auto status = std::filesystem::status(path, ec);
     if (ec || !std::filesystem::exists(status)) {
@@ -44,8 +45,8 @@ bool EndsWith(std::string_view text, std::string_view end) {
 
 }  // namespace
 
-std::FILE* OpenForReading(const std::string& path, Failure* failure) {
-    return gOpener.load()(path, failure);
+std::FILE* OpenForReading(const std::string& path, Failure* failure, std::uint64_t* size) {
+    return gOpener.load()(path, failure, size);
 }
 
 ReadOpener SetReadOpener(ReadOpener opener) { return gOpener.exchange(opener ? opener : &StandardOpener); }

@@ -4,6 +4,7 @@
 // (with fsync and rename) lives in the platform layer.
 #pragma once
 
+#include <cstdint>
 #include <cstdio>
 #include <memory>
 #include <string>
@@ -76,9 +77,12 @@ public:
 // a FIFO, a device, a socket or a folder is refused as NotACatalogue; what
 // can't be opened is NotFound or Unreadable with the system's reason. The
 // standard library alone can only check before it opens; the platform layer
-// installs an opener that checks the opened file itself.
-std::FILE* OpenForReading(const std::string& path, Failure* failure = nullptr);
-using ReadOpener = std::FILE* (*)(const std::string& path, Failure* failure);
+// installs an opener that checks the opened file itself. `size`, when given,
+// receives the file's size at opening (kUnknownSize when the opener can't
+// tell): a reader that stops there needs no last read to see the end.
+constexpr std::uint64_t kUnknownSize = UINT64_MAX;
+std::FILE* OpenForReading(const std::string& path, Failure* failure = nullptr, std::uint64_t* size = nullptr);
+using ReadOpener = std::FILE* (*)(const std::string& path, Failure* failure, std::uint64_t* size);
 // Returns the opener it replaces, so that a test can put it back.
 ReadOpener SetReadOpener(ReadOpener opener);
 

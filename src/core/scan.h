@@ -27,6 +27,15 @@ std::int64_t CountLineEnds(const char* p, std::size_t n);
 // how many there are (at most `max`).
 std::size_t FindBars(const char* p, std::size_t n, std::size_t* at, std::size_t max);
 
+// One line's bars and end in one pass: the place of the first CR or LF in
+// p[0..n) (or n), and the places of the first `max` bars before it in `at`,
+// their number in `count`.
+std::size_t FindFields(const char* p, std::size_t n, std::size_t* at, std::size_t max, std::size_t& count);
+
+// Bit k of `bars` set when p[k] is a bar, of `ends` when it is a CR or LF,
+// for k in 0..63; p[0..64) must be readable.
+void Masks64(const char* p, std::uint64_t& bars, std::uint64_t& ends);
+
 // A term whose lines are the only ones that can match: its bytes, compared
 // with ASCII letters folded or exactly.
 class Needle {

@@ -1,5 +1,6 @@
 #include "core/search.h"
 
+#include <bit>
 #include <cstring>
 
 #include "core/catalogue.h"
@@ -307,6 +308,26 @@ bool FixedDateKey(std::string_view s, std::uint64_t& key) {
     key = ((((static_cast<std::uint64_t>(year) * 100 + month) * 100 + day) * 100 + hour) * 100 + minute) * 100 + second;
     return true;
 }
+// Whether s[0..19) has the stored form's shape, "dd.mm.yyyy hh:mm:ss" with
+// any digits: three words of eight bytes, their separators turned into '0'
+// and every byte checked for a digit at once.
+bool FixedDateShape(const char* s) {
+    constexpr auto Sep = [](int at, char c) { return static_cast<std::uint64_t>(c ^ '0') << (8 * at); };
+    constexpr std::uint64_t kSeps[3] = {Sep(2, '.') | Sep(5, '.'),           // bytes 0..7
+                                        Sep(2, ' ') | Sep(5, ':'),           // bytes 8..15 ("yy hh:mm")
+                                        Sep(2, ':') | Sep(5, ':')};          // bytes 11..18 ("hh:mm:ss")
+    constexpr std::uint64_t kHigh = 0xF0F0F0F0F0F0F0F0ull, kZeros = 0x3030303030303030ull;
+    static const int kAt[3] = {0, 8, 11};
+    for (int k = 0; k < 3; ++k) {
+        std::uint64_t w;
+        std::memcpy(&w, s + kAt[k], 8);
+        if constexpr (std::endian::native != std::endian::little) w = __builtin_bswap64(w);
+        w ^= kSeps[k];
+        if ((w & kHigh) != kZeros || ((w + 0x0606060606060606ull) & kHigh) != kZeros) return false;
+    }
+    return true;
+}
+
 }  // namespace
 
 std::string DateText(SearchTime time) {
@@ -384,7 +405,9 @@ Matcher::Matcher(const SearchCriteria& c)
     if (c.attributes != kNoAttributesLiteral && c.attributes != c.noAttributesText)
         wantedAttributes_ = c.attributes;
     if (checkDate_ && !ReadDate(c.dateText, dateLimit_)) dateOp_ = SearchOp::None;
-    if (dateOp_ != SearchOp::None) FixedDateKey(DateText(dateLimit_), dateKey_);
+    if (dateOp_ != SearchOp::None && FixedDateKey(DateText(dateLimit_), dateKey_)) dateForm_ = DateText(dateLimit_);
+    quickSize_ = checkSize_ && sizeOp_ != SearchOp::None;
+    quickDate_ = checkDate_ && dateOp_ != SearchOp::None;
     // Raw bytes may be searched for an ASCII term whatever a line's encoding,
     // as long as no other letter upper-cases into one of the term's: only the
     // dotless i and the long s do, into I and S.
@@ -488,6 +511,46 @@ bool Matcher::FieldTests(std::string_view attributes, std::string_view time,
     }
     if (checkDescription_ && !CompareText(descriptionOp_, description, description_)) return false;
     return true;
+}
+
+bool Matcher::FileFieldsFail(const char* line, const std::size_t* bars, std::size_t count) const {
+    // A Size of plain digits (a minus at most) is read here; any other form,
+    // and a Size that is the rest of the line, go to the full test. Fourteen
+    // digits stay far inside the fixed-point range.
+    if (quickSize_ && count >= 2) {
+        const char* s = line + bars[0] + 1;
+        const char* e = line + bars[1];
+        const bool negative = s < e && *s == '-';
+        if (negative) ++s;
+        if (s < e && e - s <= 14) {
+            std::int64_t v = 0;
+            for (; s < e; ++s) {
+                const unsigned d = static_cast<unsigned char>(*s) - static_cast<unsigned>('0');
+                if (d > 9) break;
+                v = v * 10 + static_cast<std::int64_t>(d);
+            }
+            if (s == e && !CompareNumber(sizeOp_, Fixed{(negative ? -v : v) * Fixed::kScale}, sizeLimit_))
+                return true;
+        }
+    }
+    // The stored form is the only one judged here; its ordering number is
+    // what FieldTests compares too. The Time field is the fourth, ended by a
+    // bar (with fewer bars it is the rest of the line: not judged here).
+    // A Time of that shape that isn't a date fails FieldTests' general
+    // reader too; one that is has the limit's very bytes exactly when it
+    // equals the limit, so "equal" and "not equal" compare bytes.
+    if (quickDate_ && count >= 4 && bars[3] - bars[2] == 20) {
+        const char* t = line + bars[2] + 1;
+        if (!dateForm_.empty() && (dateOp_ == SearchOp::Equal || dateOp_ == SearchOp::NotEqual)) {
+            if (!FixedDateShape(t)) return false;  // the general reader's to judge
+            const bool same = std::memcmp(t, dateForm_.data(), 19) == 0;
+            if (dateOp_ == SearchOp::Equal) return !same;
+            if (same) return true;
+        }
+        std::uint64_t key;
+        if (FixedDateKey(std::string_view(t, 19), key) && !CompareNumber(dateOp_, key, dateKey_)) return true;
+    }
+    return false;
 }
 
 bool Matcher::NameTest(std::string_view t) {
@@ -646,6 +709,75 @@ Step ScanSection(LineReader& reader, const scan::Needle* needle, Test&& test) {
     }
 }
 
+// A file section whose lines all face a size or date test: each line's bars
+// and end are found in one pass over the block, and the lines whose fields
+// fail in place are passed over; the rest go to `test` as read.
+template <class Test>
+Step ScanFields(LineReader& reader, const Matcher& matcher, Test&& test) {
+    std::string_view line;
+    for (;;) {
+        const std::string_view block = reader.Buffered();
+        if (block.empty()) return Step::FileEnded;
+        const char* b = block.data();
+        const std::size_t n = block.size();
+        std::size_t i = 0;
+        bool handOut = false;
+        // Sixty-four bytes a step: the bars and line ends of the step as bit
+        // masks, taken in order; a line's bars are counted until its end.
+        // Once a line has the bars the test needs, the step's other bars are
+        // dropped until its end, where those of the later lines come back.
+        std::size_t bars[4], count = 0;
+        const std::size_t need = matcher.QuickBars();
+        for (std::size_t base = 0; base + 64 <= n && !handOut; base += 64) {
+            std::uint64_t barBits, endBits;
+            scan::Masks64(b + base, barBits, endBits);
+            for (std::uint64_t all = barBits | endBits; all; all &= all - 1) {
+                const unsigned k = static_cast<unsigned>(__builtin_ctzll(all));
+                const std::size_t at = base + k;
+                if (at < i) continue;  // the LF of a CR LF
+                if (b[at] == '|') {
+                    if (count < need) bars[count++] = at - i;
+                    if (count == need) all &= endBits | std::uint64_t{1} << k;  // (this bar's own bit the loop clears)
+                    continue;
+                }
+                all |= barBits & ~((std::uint64_t{2} << k) - 1);
+                if (at == i) {  // the empty line that ends the section
+                    reader.Skip(i);
+                    reader.NextRaw(line);
+                    return Step::Next;
+                }
+                if (count == 0 || !matcher.FileFieldsFail(b + i, bars, count)) {
+                    handOut = true;
+                    break;
+                }
+                count = 0;
+                i = at + 1;
+                if (b[at] == '\r' && i < n && b[i] == '\n') ++i;
+            }
+        }
+        // The lines that end in the block's last bytes, one by one.
+        while (!handOut && i < n) {
+            if (b[i] == '\r' || b[i] == '\n') {  // the empty line that ends the section
+                reader.Skip(i);
+                reader.NextRaw(line);
+                return Step::Next;
+            }
+            const std::size_t eol = i + scan::FindFields(b + i, n - i, bars, need, count);
+            if (count == 0 || !matcher.FileFieldsFail(b + i, bars, count)) {
+                handOut = true;
+                break;
+            }
+            i = eol + 1;
+            if (eol < n && b[eol] == '\r' && i < n && b[i] == '\n') ++i;
+        }
+        reader.Skip(std::min(i, n));
+        if (handOut) {
+            reader.NextRaw(line);
+            if (!test(line)) return Step::Stop;
+        }
+    }
+}
+
 }  // namespace
 
 SearchEnd RunSearch(const std::string& dataFolder, const SearchCriteria& c, HitSink& sink,
@@ -692,7 +824,9 @@ SearchEnd RunSearch(const std::string& dataFolder, const SearchCriteria& c, HitS
                     if (step == Step::Stop) return SearchEnd::HitLimit;
                     if (files && step == Step::Next) {
                         n = fast && matcher.SectionNeedle(false, needle) ? &needle : nullptr;
-                        if (ScanSection(reader, n, onFile) == Step::Stop) return SearchEnd::HitLimit;
+                        const Step s = !n && fast && matcher.QuickFields() ? ScanFields(reader, matcher, onFile)
+                                                                           : ScanSection(reader, n, onFile);
+                        if (s == Step::Stop) return SearchEnd::HitLimit;
                     }
                 }
             }

@@ -153,6 +153,16 @@ public:
     // lines without it need not be looked at. False when none applies.
     bool SectionNeedle(bool folderSection, scan::Needle& needle) const;
 
+    // Whether FileFieldsFail can judge lines: a size or date test is on.
+    bool QuickFields() const { return quickSize_ || quickDate_; }
+    // How many of a file line's first bars FileFieldsFail looks at.
+    std::size_t QuickBars() const { return quickDate_ ? 4 : 2; }
+    // Whether the file line at `line`, whose first `count` bars (at most 4)
+    // stand at `bars`, surely fails its size or date test, judged in place
+    // from the raw bytes of those fields alone. False when it can't tell:
+    // then TestFileLine decides, as for every line that isn't refused here.
+    bool FileFieldsFail(const char* line, const std::size_t* bars, std::size_t count) const;
+
     // The term as the next test sees it (upper-cased; a folder test with
     // "ends with" may have taken closing backslashes off).
     const std::string& SearchTerm() const { return term_; }
@@ -172,10 +182,12 @@ private:
     bool needFields_;
     bool textFields_;  // a field is compared as text: a line not plain ASCII is decoded
     bool termRawSafe_ = false;  // the term can be sought in undecoded bytes
+    bool quickSize_ = false, quickDate_ = false;  // FileFieldsFail judges Size, Time
     SearchOp sizeOp_, dateOp_, descriptionOp_;
     Fixed sizeLimit_;
     SearchTime dateLimit_ = 0;
     std::uint64_t dateKey_ = 0;  // the limit as the stored form's ordering number
+    std::string dateForm_;  // the limit in the stored form (when it has one)
     std::string wantedAttributes_;
     std::string description_;
     // Skip distances by byte for "contains" (Horspool, case folded): most

@@ -49,6 +49,10 @@ const std::string kLines =  // folder lines, empty line, file lines; EOL stands 
     "\\Musik\\M\xe4rchen Xylophon|7|A|01.02.2003 04:05:06|\xc4rger EOL"
     "\\Musik\\Gr\xc3\xbc\xc3\x9f\x65 xylophon|8|A|01.02.2003 04:05:06|Konzert EOL"
     "\\ohne Trenner Xylophon EOL"
+    "\\Band|+12| A|1.2.2003 4:05:06|EOL"
+    "\\Lied| 70000.5|A|31.02.2003 04:05:06|EOL"
+    "\\Ende|-12|A|01.02.2003 04:05:06EOL"
+    "\\Gross|99999999999999999|A| 1.02.2003 04:05:06|EOL"
     "\\Musik\\xylophonxylophon|9||01.02.2003 04:05:06|EOL";
 
 std::string With(std::string text, const std::string& eol) {
@@ -79,7 +83,12 @@ struct Query {
     const char* term;
     ct::SearchOp descriptionOp = ct::SearchOp::None;
     const char* description = "";
+    ct::SearchOp sizeOp = ct::SearchOp::None;
+    const char* size = "";
+    ct::SearchOp dateOp = ct::SearchOp::None;
+    const char* date = "";
 };
+constexpr ct::SearchOp kNone = ct::SearchOp::None;
 
 const Query kQueries[] = {
     {"Contains", 2, ct::SearchOp::Contains, "xYLOphon"},
@@ -96,6 +105,13 @@ const Query kQueries[] = {
     {"Description", 2, ct::SearchOp::None, "", ct::SearchOp::Contains, "Konzert "},
     {"DescriptionEquals", 2, ct::SearchOp::None, "", ct::SearchOp::Equal, "Konzert"},
     {"NameAndDescription", 2, ct::SearchOp::Contains, "phon", ct::SearchOp::EndsWith, "Xylophon"},
+    {"DateEqual", 0, kNone, "", kNone, "", kNone, "", ct::SearchOp::Equal, "1.2.03 4:05:06"},
+    {"DateGreater", 2, kNone, "", kNone, "", kNone, "", ct::SearchOp::Greater, "31.12.1999 23:59:59"},
+    {"DateNotEqual", 0, kNone, "", kNone, "", kNone, "", ct::SearchOp::NotEqual, "01.02.2003 04:05:06"},
+    {"SizeLess", 0, kNone, "", kNone, "", ct::SearchOp::Less, "12"},
+    {"SizeGreater", 0, kNone, "", kNone, "", ct::SearchOp::Greater, "70000.4"},
+    {"SizeEqualAndDateLess", 0, kNone, "", kNone, "", ct::SearchOp::Equal, "-12", ct::SearchOp::Less, "2.2.2003"},
+    {"NameAndSize", 0, ct::SearchOp::Contains, "xylophon", kNone, "", ct::SearchOp::NotEqual, "8"},
 };
 
 std::vector<std::string> Hits(const std::string& folder, const Query& q, bool prefilter, std::size_t block) {
@@ -107,6 +123,12 @@ std::vector<std::string> Hits(const std::string& folder, const Query& q, bool pr
     c.checkDescription = c.descriptionOperatorChosen = q.descriptionOp != ct::SearchOp::None;
     c.descriptionOperator = q.descriptionOp;
     c.descriptionText = q.description;
+    c.checkSize = c.sizeOperatorChosen = q.sizeOp != kNone;
+    c.sizeOperator = q.sizeOp;
+    c.sizeText = q.size;
+    c.checkDate = c.dateOperatorChosen = q.dateOp != kNone;
+    c.dateOperator = q.dateOp;
+    c.dateText = q.date;
     c.discs = {{"Disc", true}};
     ct::SearchHooks hooks;
     hooks.prefilter = prefilter;

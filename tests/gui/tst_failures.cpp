@@ -30,12 +30,12 @@ ReadOpener gReal = nullptr;
 
 // As root reads every file, a catalogue without read permission is played by
 // an opener that refuses it as the system would.
-std::FILE* DenyGeheim(const std::string& path, Failure* failure) {
+std::FILE* DenyGeheim(const std::string& path, Failure* failure, std::uint64_t* size) {
     if (path.ends_with("/Geheim.idx")) {
         if (failure) *failure = Fail(FailCode::Unreadable, path, EACCES);
         return nullptr;
     }
-    return gReal(path, failure);
+    return gReal(path, failure, size);
 }
 
 }  // namespace
