@@ -97,9 +97,9 @@ WalkSummary DiscSource::Walk(const std::string& path, WalkSink& sink) {
     // Folders and files come as two lists here; each goes to the sink in its
     // own order, which is all a catalogue keeps of the walk.
     for (const WalkRecord& r : folders)
-        if (!sink.Folder(r)) return WalkSummary{0, true};
+        if (!sink.Folder(r)) return WalkSummary{0, true, {}};
     for (const WalkRecord& r : files)
-        if (!sink.File(r)) return WalkSummary{0, true};
+        if (!sink.File(r)) return WalkSummary{0, true, {}};
     return summary;
 }
 
@@ -161,6 +161,8 @@ AddOutcome AddDisc(const AddRequest& request, DiscSource& source, FileOps& ops) 
     folderLines.Line("");
     CatalogueSink sink(request, folderLines, fileLines);
     const WalkSummary walked = source.Walk(request.root, sink);
+    // An unreadable source must not become an empty catalogue under the label.
+    if (walked.failure) return drop(walked.failure, AddResult::WriteFailed);
     outcome.folders = sink.folders;
     outcome.files = sink.files;
     outcome.unreadable = walked.unreadable;

@@ -23,6 +23,7 @@ public:
 struct WalkSummary {
     std::size_t unreadable = 0;  // folders or entries that couldn't be read
     bool stopped = false;        // the sink said stop
+    Failure failure;             // the source couldn't be read at all (nothing was walked)
 };
 
 // What reading a disc needs of the system; the platform layer gives the real
@@ -45,7 +46,7 @@ enum class AddResult {
     Added,
     EmptyLabel,   // the raw label was empty (help topic 10099)
     LabelInUse,   // a catalogue of this label lies in the data folder (topic 10100)
-    WriteFailed,  // nothing was left under the label; `failure` says why
+    WriteFailed,  // nothing was left under the label; `failure` says why (a file step, or a disc that couldn't be read)
     Cancelled,    // stopped by the user during the walk; nothing was written
 };
 

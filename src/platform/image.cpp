@@ -365,7 +365,14 @@ public:
     // A folder streams as the machine's walker does; an image is read into
     // lists first (its reader holds the tree anyway) and then handed on.
     WalkSummary Walk(const std::string& path, WalkSink& sink) override {
-        if (IsDiscImage(path)) return DiscSource::Walk(path, sink);
+        if (IsDiscImage(path)) {
+            if (!ImageReadable(path)) {
+                WalkSummary none;
+                none.failure = Fail(FailCode::Unreadable, path);
+                return none;
+            }
+            return DiscSource::Walk(path, sink);
+        }
         return SystemDiscSource().Walk(path, sink);
     }
     void ReadVolumeInfo(const std::string& root, VolumeInfo& volume) override {

@@ -341,11 +341,11 @@ WalkSummary WalkTree(const std::string& path, WalkSink& sink) {
     // The root itself may be a link to the folder to walk (a mount point given
     // through a link, say): follow it for the root only.
     const int fd = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (fd < 0) return WalkSummary{1, false};
+    if (fd < 0) return WalkSummary{1, false, {}};
     struct statx opened{};
     if (statx(fd, "", AT_EMPTY_PATH, STATX_TYPE | STATX_MNT_ID, &opened) != 0) {
         close(fd);
-        return WalkSummary{1, false};
+        return WalkSummary{1, false, {}};
     }
     walk.devMajor = opened.stx_dev_major;
     walk.devMinor = opened.stx_dev_minor;
@@ -353,7 +353,7 @@ WalkSummary WalkTree(const std::string& path, WalkSink& sink) {
     walk.mountId = opened.stx_mnt_id;
     walk.source = SourceOf(path, walk.tryNtfsXattr);
     const bool finished = WalkLevel(walk, fd, prefix, 0);
-    return WalkSummary{walk.unreadable, !finished};
+    return WalkSummary{walk.unreadable, !finished, {}};
 }
 
 void WalkFolder(const std::string& path, WalkList& folders, WalkList& files,

@@ -9,12 +9,15 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <initializer_list>
 #include <string>
 #include <vector>
 
+#include "core/adddisc.h"
 #include "core/catalogue.h"
+#include "core/fileops.h"
 #include "core/textrules.h"
 #include "platform/image.h"
 #include "platform/volume.h"
@@ -193,6 +196,24 @@ TEST(ReadImageVolumeInfo, HeaderFromTheDescriptors) {
     // catalogued as empty.
     EXPECT_TRUE(ImageReadable(iso));
     EXPECT_FALSE(ImageReadable(udf));
+}
+
+// A UDF image libudf can't read (extended file entries), with no ISO side, must not become an
+// empty catalogue under the label.
+TEST(AddImage, UnreadableImageAddsNothing) {
+    if (!Have("mkudffs")) GTEST_SKIP() << "mkudffs is missing";
+    Scratch s;
+    const std::string udf = s / "bd.udf";
+    ASSERT_TRUE(Shell("truncate -s 4M " + udf + " && mkudffs -b 2048 --media-type=hd " + udf));
+    std::filesystem::create_directories(s / "Daten");
+    AddRequest request;
+    request.root = udf;
+    request.label = "BD";
+    request.dataFolder = s / "Daten";
+    const AddOutcome out = AddDisc(request, DiscSourceWithImages(), SystemFileOps());
+    EXPECT_EQ(out.result, AddResult::WriteFailed);
+    EXPECT_EQ(out.failure.code, FailCode::Unreadable);
+    EXPECT_TRUE(std::filesystem::is_empty(s / "Daten"));
 }
 
 }  // namespace
