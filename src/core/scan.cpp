@@ -29,6 +29,27 @@ bool IsEol(char c) { return c == kCr || c == kLf; }
 unsigned char Upper(unsigned char c) { return c >= 'a' && c <= 'z' ? static_cast<unsigned char>(c - 32) : c; }
 
 #ifdef CT_SCAN_SSE2
+// The first event among one vector step's marks, bit k standing for step[k]:
+// an empty line (`at` just behind its line end) or a candidate that really
+// holds the term. False when the step has neither.
+bool FirstEvent(unsigned empty, unsigned cand, const char* step, const Needle& needle, bool& emptyLine,
+                std::size_t& at) {
+    for (unsigned any = empty | cand; any; any &= any - 1) {
+        const unsigned bit = static_cast<unsigned>(__builtin_ctz(any));
+        if (empty >> bit & 1u) {
+            emptyLine = true;
+            at = bit + 1;
+            return true;
+        }
+        if (needle.At(step + bit)) {
+            emptyLine = false;
+            at = bit;
+            return true;
+        }
+    }
+    return false;
+}
+
 __m128i Load(const char* p) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)); }
 #endif
 
@@ -81,19 +102,8 @@ __attribute__((target("avx2"))) std::size_t NextEventAvx2(const char* p, std::si
         const unsigned cand = m == 0 ? 0u : static_cast<unsigned>(_mm256_movemask_epi8(
             _mm256_and_si256(_mm256_cmpeq_epi8(_mm256_or_si256(v, firstOr), first),
                              _mm256_cmpeq_epi8(_mm256_or_si256(tail, lastOr), last))));
-        unsigned any = empty | cand;
-        while (any) {
-            const unsigned bit = static_cast<unsigned>(__builtin_ctz(any));
-            if (empty >> bit & 1u) {
-                emptyLine = true;
-                return i + bit + 1;
-            }
-            if (needle.At(p + i + bit)) {
-                emptyLine = false;
-                return i + bit;
-            }
-            any &= any - 1;
-        }
+        std::size_t at;
+        if (FirstEvent(empty, cand, p + i, needle, emptyLine, at)) return i + at;
     }
     reached = i;
     return n;
@@ -284,19 +294,8 @@ std::size_t NextEvent(const char* p, std::size_t n, const Needle& needle, bool& 
             const unsigned cand = m == 0 ? 0u : static_cast<unsigned>(_mm_movemask_epi8(
                 _mm_and_si128(_mm_cmpeq_epi8(_mm_or_si128(v, firstOr), first),
                               _mm_cmpeq_epi8(_mm_or_si128(tail, lastOr), last))));
-            unsigned any = empty | cand;
-            while (any) {
-                const unsigned bit = static_cast<unsigned>(__builtin_ctz(any));
-                if (empty >> bit & 1u) {
-                    emptyLine = true;
-                    return i + bit + 1;
-                }
-                if (needle.At(p + i + bit)) {
-                    emptyLine = false;
-                    return i + bit;
-                }
-                any &= any - 1;
-            }
+            std::size_t at;
+            if (FirstEvent(empty, cand, p + i, needle, emptyLine, at)) return i + at;
         }
     }
 #endif
