@@ -15,21 +15,13 @@
 #include "core/scan.h"
 #include "core/search.h"
 #include "core/statistics.h"
+#include "support/hitlist.h"
 
 namespace fs = std::filesystem;
 
 namespace {
 
-class Sink : public ct::HitSink {
-public:
-    bool Add(const std::string& hit) override {
-        if (hits.size() >= ct::kHitLimit) return false;
-        hits.push_back(hit);
-        return true;
-    }
-    std::size_t Count() const override { return hits.size(); }
-    std::vector<std::string> hits;
-};
+using ct::test::HitList;
 
 struct Catalogue {
     const char* name;
@@ -133,7 +125,7 @@ std::vector<std::string> Hits(const std::string& folder, const Query& q, bool pr
     ct::SearchHooks hooks;
     hooks.prefilter = prefilter;
     hooks.readBlock = block;
-    Sink sink;
+    HitList sink;
     ct::RunSearch(folder, c, sink, hooks);
     return sink.hits;
 }

@@ -9,10 +9,13 @@
 
 #include "core/search.h"
 #include "support/scratch.h"
+#include "support/hitlist.h"
 
 namespace fs = std::filesystem;
 
 namespace {
+
+using ct::test::HitList;
 
 // Operator texts as a language would give them; the engine knows no others.
 const std::array<std::string, 10> kOps = {"gleich",      "ungleich",         "enthält",
@@ -26,17 +29,6 @@ ct::SearchOp Op(int i) {
                                     NotBeginsWith, EndsWith,   NotEndsWith, Greater,  Less};
     return kOp[i];
 }
-
-class VectorSink : public ct::HitSink {
-public:
-    bool Add(const std::string& hit) override {
-        if (hits.size() >= ct::kHitLimit) return false;
-        hits.push_back(hit);
-        return true;
-    }
-    std::size_t Count() const override { return hits.size(); }
-    std::vector<std::string> hits;
-};
 
 // The data folder: a scratch folder that takes catalogues by label.
 struct TempDir : ct::test::Scratch {
@@ -99,7 +91,7 @@ ct::SearchCriteria FieldsOnly() {
 
 std::vector<std::string> Hits(const TempDir& dir, const ct::SearchCriteria& c,
                              ct::SearchEnd* end = nullptr) {
-    VectorSink sink;
+    HitList sink;
     const ct::SearchEnd e = ct::RunSearch(dir.str(), c, sink);
     if (end) *end = e;
     return sink.hits;
@@ -263,7 +255,7 @@ TEST(SearchRun, StopEndsAfterTheDiscInHand) {
         seen.emplace_back(n, hits);
         stop = true;
     };
-    VectorSink sink;
+    HitList sink;
     EXPECT_EQ(ct::RunSearch(dir.str(), c, sink, hooks), ct::SearchEnd::Stopped);
     EXPECT_EQ(sink.hits, (std::vector<std::string>{"Urlaub", "Urlaub\\\\Bilder\\Urlaub\\"}));
     EXPECT_EQ(seen, (std::vector<std::pair<int, std::size_t>>{{1, 2}}));
