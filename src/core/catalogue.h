@@ -103,7 +103,7 @@ public:
 private:
     bool Fill();
     void Grow(std::size_t size);
-    std::FILE* file_ = nullptr;
+    ReadFile file_;
     Failure openFailure_;
     // Not a std::string: its resize would zero every new block, which costs
     // as much as reading a small catalogue.
