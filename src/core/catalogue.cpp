@@ -108,11 +108,20 @@ std::string WithDescription(std::string_view line, std::string_view text) {
 
 // --- Reading -----------------------------------------------------------------
 
-LineReader::LineReader(const std::string& path, std::size_t blockSize)
-    : block_(blockSize == 0 ? 1 : blockSize) {
+LineReader::LineReader(const std::string& path, std::size_t blockSize) : LineReader(blockSize) { Open(path); }
+
+LineReader::LineReader(std::size_t blockSize) : block_(blockSize == 0 ? 1 : blockSize) {}
+
+bool LineReader::Open(const std::string& path) {
+    file_.reset();
+    openFailure_ = {};
+    pos_ = cut_ = end_ = 0;
+    eof_ = false;
+    left_ = 0;
     // Never blocks, and takes nothing but a regular file (a FIFO named
     // "*.idx" would hang the reader forever).
     file_ = OpenForReading(path, &openFailure_, &left_);
+    return file_ != nullptr;
 }
 
 LineReader::~LineReader() = default;

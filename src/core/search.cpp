@@ -786,19 +786,22 @@ SearchEnd RunSearch(const std::string& dataFolder, const SearchCriteria& c, HitS
     const bool folders = c.kind == 1 || c.kind == 2;
     const bool files = c.kind == 0 || c.kind == 2;
     const bool fast = hooks.prefilter;
-    std::string path, hit;
+    std::string catalogue, path, hit;
     int counter = 1;
     auto add = [&](const std::string& text) { return sink.Add(text); };
     // Lines of a section that isn't searched are only passed over: a needle
     // no line holds finds nothing but the section's end.
     const scan::Needle nothing;
-    scan::Needle needle;
+    scan::Needle needle;  // asked for anew in each section: an "ends with" term changes as it goes
+    // One reader for the whole run: its buffer (64 KiB by default) serves
+    // every catalogue, where one per catalogue cost a third of the time
+    // outside the scans in allocating and freeing.
+    LineReader reader(hooks.readBlock);
     for (const SearchDisc& disc : c.discs) {
         if (!disc.marked) continue;
         {
-            // 64 KiB by default: small enough to come from the heap, so that the
-            // next catalogue gets the same memory back without page faults.
-            LineReader reader(CataloguePath(dataFolder, disc.label), hooks.readBlock);
+            catalogue.assign(dataFolder).append(1, '/').append(disc.label).append(".idx");  // CataloguePath, in place
+            reader.Open(catalogue);
             std::string_view line;
             if (reader.IsOpen() && reader.NextRaw(line)) {
                 if (matcher.TestDisc(disc.label, line) && !add(disc.label)) return SearchEnd::HitLimit;
@@ -830,7 +833,8 @@ SearchEnd RunSearch(const std::string& dataFolder, const SearchCriteria& c, HitS
                     }
                 }
             }
-        }  // the catalogue is closed before anything else may run
+            reader.Close();  // before anything else may run
+        }
         if (hooks.afterDisc) hooks.afterDisc(counter, sink.Count());
         if (hooks.stopRequested && *hooks.stopRequested) return SearchEnd::Stopped;
         ++counter;
