@@ -709,72 +709,55 @@ Step ScanSection(LineReader& reader, const scan::Needle* needle, Test&& test) {
     }
 }
 
-// A file section whose lines all face a size or date test: each line's bars
-// and end are found in one pass over the block, and the lines whose fields
-// fail in place are passed over; the rest go to `test` as read.
+// A file section whose lines all face a size or date test: the bars and
+// line ends of each block are found in one pass, as bit masks, and each line
+// takes from them its end and the bars the test needs; the lines whose fields
+// fail in place are passed over, the rest go to `test` as read.
 template <class Test>
-Step ScanFields(LineReader& reader, const Matcher& matcher, Test&& test) {
-    std::string_view line;
+Step ScanFields(LineReader& reader, const Matcher& matcher, std::vector<std::uint64_t>& masks, Test&& test) {
+    const std::size_t need = matcher.QuickBars();
     for (;;) {
         const std::string_view block = reader.Buffered();
         if (block.empty()) return Step::FileEnded;
         const char* b = block.data();
         const std::size_t n = block.size();
+        const std::size_t words = (n + 63) / 64;
+        if (masks.size() < 2 * words) masks.resize(2 * words);
+        std::uint64_t* barMask = masks.data();
+        std::uint64_t* endMask = masks.data() + words;
+        scan::BlockMasks(b, n, barMask, endMask);
         std::size_t i = 0;
-        bool handOut = false;
-        // Sixty-four bytes a step: the bars and line ends of the step as bit
-        // masks, taken in order; a line's bars are counted until its end.
-        // Once a line has the bars the test needs, the step's other bars are
-        // dropped until its end, where those of the later lines come back.
-        std::size_t bars[4], count = 0;
-        const std::size_t need = matcher.QuickBars();
-        for (std::size_t base = 0; base + 64 <= n && !handOut; base += 64) {
-            std::uint64_t barBits, endBits;
-            scan::Masks64(b + base, barBits, endBits);
-            for (std::uint64_t all = barBits | endBits; all; all &= all - 1) {
-                const unsigned k = static_cast<unsigned>(__builtin_ctzll(all));
-                const std::size_t at = base + k;
-                if (at < i) continue;  // the LF of a CR LF
-                if (b[at] == '|') {
-                    if (count < need) bars[count++] = at - i;
-                    if (count == need) all &= endBits | std::uint64_t{1} << k;  // (this bar's own bit the loop clears)
-                    continue;
-                }
-                all |= barBits & ~((std::uint64_t{2} << k) - 1);
-                if (at == i) {  // the empty line that ends the section
-                    reader.Skip(i);
-                    reader.NextRaw(line);
-                    return Step::Next;
-                }
-                if (count == 0 || !matcher.FileFieldsFail(b + i, bars, count)) {
-                    handOut = true;
-                    break;
-                }
-                count = 0;
-                i = at + 1;
-                if (b[at] == '\r' && i < n && b[i] == '\n') ++i;
-            }
-        }
-        // The lines that end in the block's last bytes, one by one.
-        while (!handOut && i < n) {
+        while (i < n) {
             if (b[i] == '\r' || b[i] == '\n') {  // the empty line that ends the section
                 reader.Skip(i);
+                std::string_view line;
                 reader.NextRaw(line);
                 return Step::Next;
             }
-            const std::size_t eol = i + scan::FindFields(b + i, n - i, bars, need, count);
+            // The line's end, and its first bars up to `need`, from the masks.
+            std::size_t bars[4], count = 0, eol = n;
+            for (std::size_t w = i / 64; w < words; ++w) {
+                const unsigned from = w == i / 64 ? static_cast<unsigned>(i % 64) : 0;
+                const std::uint64_t keep = ~std::uint64_t{0} << from;
+                const std::uint64_t e = endMask[w] & keep;
+                std::uint64_t bb = barMask[w] & keep;
+                if (e) bb &= (e & (0 - e)) - 1;
+                for (; bb && count < need; bb &= bb - 1)
+                    bars[count++] = 64 * w + static_cast<std::size_t>(__builtin_ctzll(bb)) - i;
+                if (e) {
+                    eol = 64 * w + static_cast<std::size_t>(__builtin_ctzll(e));
+                    break;
+                }
+            }
+            // The block ends behind a whole line, so the line is all here;
+            // the test sees it in place.
             if (count == 0 || !matcher.FileFieldsFail(b + i, bars, count)) {
-                handOut = true;
-                break;
+                if (!test(std::string_view(b + i, eol - i))) return Step::Stop;
             }
             i = eol + 1;
             if (eol < n && b[eol] == '\r' && i < n && b[i] == '\n') ++i;
         }
-        reader.Skip(std::min(i, n));
-        if (handOut) {
-            reader.NextRaw(line);
-            if (!test(line)) return Step::Stop;
-        }
+        reader.Skip(n);
     }
 }
 
@@ -792,6 +775,7 @@ SearchEnd RunSearch(const std::string& dataFolder, const SearchCriteria& c, HitS
     // Lines of a section that isn't searched are only passed over: a needle
     // no line holds finds nothing but the section's end.
     const scan::Needle nothing;
+    std::vector<std::uint64_t> masks;  // a block's bars and line ends, for ScanFields
     scan::Needle needle;  // asked for anew in each section: an "ends with" term changes as it goes
     // One reader for the whole run: its buffer (64 KiB by default) serves
     // every catalogue, where one per catalogue cost a third of the time
@@ -827,7 +811,7 @@ SearchEnd RunSearch(const std::string& dataFolder, const SearchCriteria& c, HitS
                     if (step == Step::Stop) return SearchEnd::HitLimit;
                     if (files && step == Step::Next) {
                         n = fast && matcher.SectionNeedle(false, needle) ? &needle : nullptr;
-                        const Step s = !n && fast && matcher.QuickFields() ? ScanFields(reader, matcher, onFile)
+                        const Step s = !n && fast && matcher.QuickFields() ? ScanFields(reader, matcher, masks, onFile)
                                                                            : ScanSection(reader, n, onFile);
                         if (s == Step::Stop) return SearchEnd::HitLimit;
                     }
