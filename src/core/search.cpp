@@ -407,6 +407,8 @@ Matcher::Matcher(const SearchCriteria& c)
     if (checkDate_ && !ReadDate(c.dateText, dateLimit_)) dateOp_ = SearchOp::None;
     if (dateOp_ != SearchOp::None && FixedDateKey(DateText(dateLimit_), dateKey_)) dateForm_ = DateText(dateLimit_);
     quickSize_ = checkSize_ && sizeOp_ != SearchOp::None;
+    if (quickSize_ && sizeLimit_.raw >= 0 && sizeLimit_.raw % Fixed::kScale == 0)
+        sizeDigits_ = std::to_string(sizeLimit_.raw / Fixed::kScale);
     quickDate_ = checkDate_ && dateOp_ != SearchOp::None;
     // Raw bytes may be searched for an ASCII term whatever a line's encoding,
     // as long as no other letter upper-cases into one of the term's: only the
@@ -520,6 +522,22 @@ bool Matcher::FileFieldsFail(const char* line, const std::size_t* bars, std::siz
     if (quickSize_ && count >= 2) {
         const char* s = line + bars[0] + 1;
         const char* e = line + bars[1];
+        const std::size_t length = static_cast<std::size_t>(e - s);
+        if (!sizeDigits_.empty() && length > 0 && length <= 14 && (*s != '0' || length == 1)) {
+            bool digits = true;
+            for (const char* d = s; d < e; ++d) digits &= static_cast<unsigned char>(*d - '0') <= 9;
+            if (digits) {
+                const std::size_t limit = sizeDigits_.size();
+                const int order = length != limit ? (length < limit ? -1 : 1) : std::memcmp(s, sizeDigits_.data(), length);
+                switch (sizeOp_) {
+                case SearchOp::Greater: if (order <= 0) return true; break;
+                case SearchOp::Less: if (order >= 0) return true; break;
+                case SearchOp::Equal: if (order != 0) return true; break;
+                default: if (order == 0) return true; break;
+                }
+                return quickDate_ && DateFails(line, bars, count);
+            }
+        }
         const bool negative = s < e && *s == '-';
         if (negative) ++s;
         if (s < e && e - s <= 14) {
@@ -533,13 +551,17 @@ bool Matcher::FileFieldsFail(const char* line, const std::size_t* bars, std::siz
                 return true;
         }
     }
+    return quickDate_ && DateFails(line, bars, count);
+}
+
+bool Matcher::DateFails(const char* line, const std::size_t* bars, std::size_t count) const {
     // The stored form is the only one judged here; its ordering number is
     // what FieldTests compares too. The Time field is the fourth, ended by a
     // bar (with fewer bars it is the rest of the line: not judged here).
     // A Time of that shape that isn't a date fails FieldTests' general
     // reader too; one that is has the limit's very bytes exactly when it
     // equals the limit, so "equal" and "not equal" compare bytes.
-    if (quickDate_ && count >= 4 && bars[3] - bars[2] == 20) {
+    if (count >= 4 && bars[3] - bars[2] == 20) {
         const char* t = line + bars[2] + 1;
         if (!dateForm_.empty() && (dateOp_ == SearchOp::Equal || dateOp_ == SearchOp::NotEqual)) {
             if (!FixedDateShape(t)) return false;  // the general reader's to judge
