@@ -24,8 +24,8 @@ int RunAdd(Context& ctx) {
         return ctx.Refuse({"„%1“ ist weder ein Ordner noch ein Abbild eines Datenträgers",
                            "'%1' is neither a folder nor a disc image"}, {pos[0]});
     if (IsDiscImage(pos[0]) && !ImageReadable(pos[0]))
-        return ctx.Refuse({"das Abbild „%1“ kann nicht gelesen werden (UDF nach Revision 2.01 ohne ISO-9660-Teil)",
-                           "the image '%1' can't be read (UDF beyond revision 2.01 without an ISO 9660 side)"},
+        return ctx.Refuse({"das Abbild „%1“ kann nicht gelesen werden (beschädigt oder unvollständig)",
+                           "the image '%1' can't be read (damaged or incomplete)"},
                           {pos[0]});
 
     AddRequest request;

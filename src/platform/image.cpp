@@ -1,12 +1,10 @@
-// Disc images through the libraries of the field: libarchive for ISO 9660
-// (it handles Joliet, Rock Ridge, multi-extent files and zisofs), libudf for
-// UDF. The header figures come from the project's own superblock probe, so an
+// Disc images: libarchive for ISO 9660 (it handles Joliet, Rock Ridge,
+// multi-extent files and zisofs), our own reader for UDF of every revision. The header figures come from the project's own superblock probe, so an
 // image and the disc burnt from it get the same serial number.
 #include "platform/image.h"
 
 #include <archive.h>
 #include <archive_entry.h>
-#include <cdio/udf.h>
 #include <fcntl.h>
 #include <locale.h>
 #include <sys/stat.h>
@@ -21,6 +19,7 @@
 
 #include "core/textrules.h"
 #include "platform/probe.h"
+#include "platform/udf.h"
 #include "platform/volume.h"
 #include "platform/walk.h"
 
@@ -317,40 +316,33 @@ void EmitIso(const std::vector<IsoNode>& nodes, std::size_t at, const std::strin
 
 // --- UDF -------------------------------------------------------------------
 
-// Takes ownership of `dir` (libudf frees a directory read to its end).
-void WalkUdfLevel(udf_dirent_t* dir, const std::string& prefix, WalkList& folders, WalkList& files,
+UdfResult WalkUdf(const std::string& image, const std::string& prefix, WalkList& folders, WalkList& files,
                   const std::function<void(std::size_t)>& progress) {
-    while ((dir = udf_readdir(dir)) != nullptr) {
-        const udf_fileid_desc_t* fid = dir->fid;
-        const unsigned characteristics = fid ? fid->file_characteristics : 0;
-        if (characteristics & UDF_FILE_PARENT) continue;
-        const char* name = udf_get_filename(dir);
-        if (!name || !*name) continue;
+    const int fd = open(image.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (fd < 0) return UdfResult::NotUdf;
+    const UdfResult r = ReadUdfTree(fd, [&](const UdfEntry& e) {
         WalkRecord record;
-        record.Name = prefix + name;
-        record.Attributes = (characteristics & UDF_FILE_HIDDEN) ? "R H" : "R";
-        record.Date = TimeText(udf_get_modification_time(dir));
-        if (udf_is_dir(dir)) {
-            folders.push_back(record);
-            Report(progress, folders, files);
-            if (udf_dirent_t* sub = udf_opendir(dir))
-                WalkUdfLevel(sub, record.Name + '/', folders, files, progress);
+        record.Name = prefix + e.path;
+        record.Attributes = e.hidden ? "R H" : "R";
+        record.Date = TimeText(e.mtime);
+        if (e.folder) {
+            folders.push_back(std::move(record));
         } else {
-            record.Size = LowSize(udf_get_file_length(dir));
+            record.Size = LowSize(e.size);
             files.push_back(std::move(record));
-            Report(progress, folders, files);
         }
-    }
+        Report(progress, folders, files);
+    });
+    close(fd);
+    return r;
 }
 
-bool WalkUdf(const std::string& image, const std::string& prefix, WalkList& folders, WalkList& files,
-             const std::function<void(std::size_t)>& progress) {
-    udf_t* udf = udf_open(image.c_str());
-    if (!udf) return false;
-    udf_dirent_t* root = udf_get_root(udf, true, 0);
-    if (root) WalkUdfLevel(root, prefix, folders, files, progress);
-    udf_close(udf);
-    return root != nullptr;
+bool UdfOpens(const std::string& image) {
+    const int fd = open(image.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (fd < 0) return false;
+    const bool ok = ReadUdfTree(fd, {}) == UdfResult::Ok;
+    close(fd);
+    return ok;
 }
 
 class WithImages final : public DiscSource {
@@ -366,12 +358,19 @@ public:
     // lists first (its reader holds the tree anyway) and then handed on.
     WalkSummary Walk(const std::string& path, WalkSink& sink) override {
         if (IsDiscImage(path)) {
-            if (!ImageReadable(path)) {
-                WalkSummary none;
-                none.failure = Fail(FailCode::Unreadable, path);
-                return none;
+            // An image read only in part (a damaged folder deep down) adds
+            // nothing rather than a catalogue that looks whole.
+            WalkList folders, files;
+            WalkSummary summary;
+            if (!WalkImage(path, folders, files, [&sink](std::size_t n) { sink.Progress(n); })) {
+                summary.failure = Fail(FailCode::Unreadable, path);
+                return summary;
             }
-            return DiscSource::Walk(path, sink);
+            for (const WalkRecord& r : folders)
+                if (!sink.Folder(r)) return WalkSummary{0, true, {}};
+            for (const WalkRecord& r : files)
+                if (!sink.File(r)) return WalkSummary{0, true, {}};
+            return summary;
         }
         return SystemDiscSource().Walk(path, sink);
     }
@@ -393,25 +392,18 @@ bool IsDiscImage(const std::string& path) {
 bool ImageReadable(const std::string& image) {
     const Descriptors d = RecogniseFile(image);
     if (d.iso) return true;
-    if (!d.udf) return false;
-    udf_t* udf = udf_open(image.c_str());
-    if (!udf) return false;
-    udf_dirent_t* root = udf_get_root(udf, true, 0);
-    if (root) udf_dirent_free(root);
-    udf_close(udf);
-    return root != nullptr;
+    return d.udf && UdfOpens(image);
 }
 
 bool WalkImage(const std::string& image, WalkList& folders, WalkList& files,
                const std::function<void(std::size_t)>& progress) {
     const Descriptors d = RecogniseFile(image);
     const std::string prefix = image + '/';
-    // A drive mounts the UDF side of a bridge disc; libudf reads UDF up to
-    // revision 2.01 without extended file entries, so an image it can't read
-    // falls back to its ISO 9660 side where there is one.
+    // A drive mounts the UDF side of a bridge disc; where that side is
+    // damaged, the ISO 9660 side, if any, still tells what the disc holds.
     if (d.udf) {
         const std::size_t f = folders.size(), g = files.size();
-        if (WalkUdf(image, prefix, folders, files, progress)) return true;
+        if (WalkUdf(image, prefix, folders, files, progress) == UdfResult::Ok) return true;
         folders.resize(f);
         files.resize(g);
     }

@@ -1,6 +1,7 @@
 // Disc images read as the burnt disc would read in a drive, without mounting
 // and without root: ISO 9660 (Joliet names where present, else Rock Ridge,
-// else the primary names) through libarchive, UDF through libcdio's libudf.
+// else the primary names) through libarchive, UDF of every revision through
+// our own reader (platform/udf.h).
 //
 // Contract of the walk: depth first, going down into a folder the moment it is
 // met; the entries of one folder in the order the disc records them (ISO 9660
@@ -21,12 +22,13 @@ namespace ct {
 // A regular file that carries an ISO 9660 or UDF volume descriptor.
 bool IsDiscImage(const std::string& path);
 
-// Whether the libraries can read the image's files: UDF that libudf reads,
-// or an ISO 9660 side. A UDF image of a later revision without one isn't.
+// Whether the image's files can be read: a UDF volume whose root folder reads,
+// or an ISO 9660 side. A folder damaged further down shows only in the walk.
 bool ImageReadable(const std::string& image);
 
-// False when the image can't be opened or read as either file system; the
-// lists then hold what was read before the failure.
+// False when the image can't be opened or read whole as either file system
+// (a damaged UDF side falls back to the ISO 9660 one); the lists then hold
+// what was read before the failure.
 bool WalkImage(const std::string& image, WalkList& folders, WalkList& files,
                const std::function<void(std::size_t)>& progress = {});
 
