@@ -13,6 +13,15 @@
 
 namespace ct::cli {
 
+int RefuseImage(const Context& ctx, const Failure& why) {
+    if (why.code == FailCode::LibraryMissing)
+        return ctx.Refuse({"das Abbild kann nicht gelesen werden: %1", "the image can't be read: %1"},
+                          {FailureText(why, ctx.language)});
+    return ctx.Refuse({"das Abbild „%1“ kann nicht gelesen werden (beschädigt oder unvollständig)",
+                       "the image '%1' can't be read (damaged or incomplete)"},
+                      {why.path});
+}
+
 namespace {
 
 int RunAdd(Context& ctx) {
@@ -23,10 +32,8 @@ int RunAdd(Context& ctx) {
     if (!IsDiscImage(pos[0]) && !std::filesystem::is_directory(pos[0], ec))
         return ctx.Refuse({"„%1“ ist weder ein Ordner noch ein Abbild eines Datenträgers",
                            "'%1' is neither a folder nor a disc image"}, {pos[0]});
-    if (IsDiscImage(pos[0]) && !ImageReadable(pos[0]))
-        return ctx.Refuse({"das Abbild „%1“ kann nicht gelesen werden (beschädigt oder unvollständig)",
-                           "the image '%1' can't be read (damaged or incomplete)"},
-                          {pos[0]});
+    if (IsDiscImage(pos[0]))
+        if (const Failure why = ImageFailure(pos[0])) return RefuseImage(ctx, why);
 
     AddRequest request;
     request.root = pos[0];

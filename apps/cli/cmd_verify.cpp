@@ -38,10 +38,8 @@ int RunVerify(Context& ctx) {
     if (!IsDiscImage(root) && !std::filesystem::is_directory(root, ec))
         return ctx.Refuse({"„%1“ ist weder ein Ordner noch ein Abbild eines Datenträgers",
                            "'%1' is neither a folder nor a disc image"}, {root});
-    if (IsDiscImage(root) && !ImageReadable(root))
-        return ctx.Refuse({"das Abbild „%1“ kann nicht gelesen werden (beschädigt oder unvollständig)",
-                           "the image '%1' can't be read (damaged or incomplete)"},
-                          {root});
+    if (IsDiscImage(root))
+        if (const Failure why = ImageFailure(root)) return RefuseImage(ctx, why);
 
     // The count of entries found so far, as a terminal line that rewrites
     // itself; nothing when stderr is no terminal.
@@ -59,9 +57,7 @@ int RunVerify(Context& ctx) {
     if (!image) DiscSourceWithImages().WalkFolder(root, folders, files, progress);
     if (showProgress) *ctx.err << "\r\033[K" << std::flush;
     if (!walked)
-        return ctx.Refuse({"das Abbild „%1“ kann nicht gelesen werden (beschädigt oder unvollständig)",
-                           "the image '%1' can't be read (damaged or incomplete)"},
-                          {root});
+        return RefuseImage(ctx, ct::Fail(FailCode::Unreadable, root));
 
     const VerifyReport report = VerifyDisc(catalogue, root, folders, files);
     if (!report.opened)

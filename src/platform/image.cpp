@@ -5,6 +5,7 @@
 
 #include <archive.h>
 #include <archive_entry.h>
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <locale.h>
 #include <sys/stat.h>
@@ -14,7 +15,9 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
+#include <type_traits>
 #include <vector>
 
 #include "core/textrules.h"
@@ -202,6 +205,57 @@ std::set<std::string> HiddenPaths(int fd, bool joliet) {
     return hidden;
 }
 
+// libarchive, and through it ICU and libxml2, is loaded the first time an ISO
+// image is read, not at every start of either program: most commands never
+// read an image, and loading those libraries was a third of a short
+// command's start-up. Its headers still give the functions' types.
+constexpr const char* kArchiveLibrary = "libarchive.so.13";
+
+struct ArchiveCalls {
+    decltype(&archive_read_new) readNew;
+    decltype(&archive_read_free) readFree;
+    decltype(&archive_read_support_format_iso9660) supportIso9660;
+    decltype(&archive_read_set_format_option) setFormatOption;
+    decltype(&archive_read_open_filename) openFilename;
+    decltype(&archive_read_next_header) nextHeader;
+    decltype(&archive_entry_pathname_utf8) pathnameUtf8;
+    decltype(&archive_entry_pathname) pathname;
+    decltype(&archive_entry_filetype) filetype;
+    decltype(&archive_entry_mtime) mtime;
+    decltype(&archive_entry_size) size;
+    decltype(&archive_entry_hardlink) hardlink;
+};
+
+// Resolved once (a function-local static, so two threads load it once);
+// null when the library or one of its functions is missing. The library
+// stays loaded for the life of the process.
+const ArchiveCalls* Archive() {
+    static const std::optional<ArchiveCalls> calls = []() -> std::optional<ArchiveCalls> {
+        void* lib = dlopen(kArchiveLibrary, RTLD_NOW | RTLD_LOCAL);
+        if (!lib) return std::nullopt;
+        ArchiveCalls c{};
+        bool all = true;
+        auto bind = [&](auto& call, const char* name) {
+            call = reinterpret_cast<std::remove_reference_t<decltype(call)>>(dlsym(lib, name));
+            all = all && call;
+        };
+        bind(c.readNew, "archive_read_new");
+        bind(c.readFree, "archive_read_free");
+        bind(c.supportIso9660, "archive_read_support_format_iso9660");
+        bind(c.setFormatOption, "archive_read_set_format_option");
+        bind(c.openFilename, "archive_read_open_filename");
+        bind(c.nextHeader, "archive_read_next_header");
+        bind(c.pathnameUtf8, "archive_entry_pathname_utf8");
+        bind(c.pathname, "archive_entry_pathname");
+        bind(c.filetype, "archive_entry_filetype");
+        bind(c.mtime, "archive_entry_mtime");
+        bind(c.size, "archive_entry_size");
+        bind(c.hardlink, "archive_entry_hardlink");
+        return all ? std::optional<ArchiveCalls>(c) : std::nullopt;
+    }();
+    return calls ? &*calls : nullptr;
+}
+
 // libarchive turns UTF-16 names into the locale's character set; the walk
 // wants UTF-8 whatever the program's locale is.
 class Utf8Locale {
@@ -223,14 +277,16 @@ private:
 };
 
 bool ReadIsoTree(const std::string& image, bool joliet, std::vector<IsoNode>& nodes) {
+    const ArchiveCalls* lib = Archive();
+    if (!lib) return false;
     Utf8Locale utf8;
-    std::unique_ptr<archive, decltype(&archive_read_free)> a(archive_read_new(), &archive_read_free);
+    std::unique_ptr<archive, decltype(lib->readFree)> a(lib->readNew(), lib->readFree);
     if (!a) return false;
-    archive_read_support_format_iso9660(a.get());
+    lib->supportIso9660(a.get());
     // With both trees present libarchive would take the Rock Ridge names; a
     // drive shows the Joliet ones.
-    if (joliet) archive_read_set_format_option(a.get(), "iso9660", "rockridge", nullptr);
-    if (archive_read_open_filename(a.get(), image.c_str(), 1 << 16) != ARCHIVE_OK) return false;
+    if (joliet) lib->setFormatOption(a.get(), "iso9660", "rockridge", nullptr);
+    if (lib->openFilename(a.get(), image.c_str(), 1 << 16) != ARCHIVE_OK) return false;
 
     std::map<std::string, std::size_t> byPath{{"", 0}};
     nodes.assign(1, IsoNode{});
@@ -257,19 +313,19 @@ bool ReadIsoTree(const std::string& image, bool joliet, std::vector<IsoNode>& no
     std::map<std::string, std::uint64_t> sizes;  // for entries libarchive gives as hard links
     archive_entry* entry = nullptr;
     int r;
-    while ((r = archive_read_next_header(a.get(), &entry)) == ARCHIVE_OK) {
-        const char* raw = archive_entry_pathname_utf8(entry);
-        if (!raw) raw = archive_entry_pathname(entry);
+    while ((r = lib->nextHeader(a.get(), &entry)) == ARCHIVE_OK) {
+        const char* raw = lib->pathnameUtf8(entry);
+        if (!raw) raw = lib->pathname(entry);
         std::string path = raw ? raw : "";
         while (!path.empty() && path.back() == '/') path.pop_back();
         if (path.rfind("./", 0) == 0) path.erase(0, 2);
         if (path.empty() || path == ".") continue;
-        const bool folder = archive_entry_filetype(entry) == AE_IFDIR;
+        const bool folder = lib->filetype(entry) == AE_IFDIR;
         IsoNode& node = nodes[nodeOf(path, folder)];
         node.folder = folder;
-        node.time = archive_entry_mtime(entry);
-        node.size = folder ? 0 : static_cast<std::uint64_t>(archive_entry_size(entry));
-        if (const char* target = archive_entry_hardlink(entry)) {
+        node.time = lib->mtime(entry);
+        node.size = folder ? 0 : static_cast<std::uint64_t>(lib->size(entry));
+        if (const char* target = lib->hardlink(entry)) {
             // Files that share their data on the disc: libarchive gives the
             // later ones as links without a size; a drive shows each whole.
             const auto it = sizes.find(target);
@@ -363,7 +419,8 @@ public:
             WalkList folders, files;
             WalkSummary summary;
             if (!WalkImage(path, folders, files, [&sink](std::size_t n) { sink.Progress(n); })) {
-                summary.failure = Fail(FailCode::Unreadable, path);
+                const Failure why = ImageFailure(path);
+                summary.failure = why ? why : Fail(FailCode::Unreadable, path);
                 return summary;
             }
             for (const WalkRecord& r : folders)
@@ -389,10 +446,11 @@ bool IsDiscImage(const std::string& path) {
     return d.iso || d.udf;
 }
 
-bool ImageReadable(const std::string& image) {
+Failure ImageFailure(const std::string& image) {
     const Descriptors d = RecogniseFile(image);
-    if (d.iso) return true;
-    return d.udf && UdfOpens(image);
+    if (d.udf && UdfOpens(image)) return {};
+    if (!d.iso) return Fail(FailCode::Unreadable, image);
+    return Archive() ? Failure{} : Fail(FailCode::LibraryMissing, kArchiveLibrary);
 }
 
 bool WalkImage(const std::string& image, WalkList& folders, WalkList& files,

@@ -15,6 +15,7 @@
 #include <string>
 
 #include "core/adddisc.h"
+#include "core/failure.h"
 #include "core/records.h"
 
 namespace ct {
@@ -22,9 +23,12 @@ namespace ct {
 // A regular file that carries an ISO 9660 or UDF volume descriptor.
 bool IsDiscImage(const std::string& path);
 
-// Whether the image's files can be read: a UDF volume whose root folder reads,
-// or an ISO 9660 side. A folder damaged further down shows only in the walk.
-bool ImageReadable(const std::string& image);
+// Why the image's files can't be read, or no failure: Unreadable when it has
+// neither a UDF volume whose root folder reads nor an ISO 9660 side,
+// LibraryMissing (the library's name as the path) when it has only the ISO
+// 9660 side and libarchive can't be loaded. A folder damaged further down
+// shows only in the walk.
+Failure ImageFailure(const std::string& image);
 
 // False when the image can't be opened or read whole as either file system
 // (a damaged UDF side falls back to the ISO 9660 one); the lists then hold
