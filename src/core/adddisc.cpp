@@ -78,13 +78,13 @@ private:
 
 // Appends the whole file `from` to `out`.
 bool AppendFile(FileOps& ops, const std::string& from, OutFile& out) {
-    std::unique_ptr<std::FILE, int (*)(std::FILE*)> in(ops.OpenRead(from, nullptr), &std::fclose);
+    const ReadFile in = ops.OpenRead(from, nullptr);
     if (!in) return false;
     std::string block(kFlushAt, '\0');
     for (;;) {
-        const std::size_t got = std::fread(block.data(), 1, block.size(), in.get());
+        const std::size_t got = in->Read(block.data(), block.size());
         if (got > 0 && !out.Write(std::string_view(block.data(), got))) return false;
-        if (got < block.size()) return !std::ferror(in.get());
+        if (got < block.size()) return in->Error() == 0;
     }
 }
 

@@ -108,18 +108,23 @@ std::string WithDescription(std::string_view line, std::string_view text) {
 
 // --- Reading -----------------------------------------------------------------
 
-LineReader::LineReader(const std::string& path, std::size_t blockSize)
-    : block_(blockSize == 0 ? 1 : blockSize) {
+LineReader::LineReader(const std::string& path, std::size_t blockSize) : LineReader(blockSize) { Open(path); }
+
+LineReader::LineReader(std::size_t blockSize) : block_(blockSize == 0 ? 1 : blockSize) {}
+
+bool LineReader::Open(const std::string& path) {
+    file_.reset();
+    openFailure_ = {};
+    pos_ = cut_ = end_ = 0;
+    eof_ = false;
+    left_ = 0;
     // Never blocks, and takes nothing but a regular file (a FIFO named
     // "*.idx" would hang the reader forever).
     file_ = OpenForReading(path, &openFailure_, &left_);
-    // We read in blocks of our own; a second buffer in stdio would only copy.
-    if (file_) std::setvbuf(file_, nullptr, _IONBF, 0);
+    return file_ != nullptr;
 }
 
-LineReader::~LineReader() {
-    if (file_) std::fclose(file_);
-}
+LineReader::~LineReader() = default;
 
 void LineReader::Grow(std::size_t size) {
     std::unique_ptr<char[]> bigger(new char[size]);
@@ -144,7 +149,7 @@ bool LineReader::Fill() {
         // Up to the size the file had when opened: the read that would only
         // see the end is saved (one system call of a few per small catalogue).
         const std::size_t want = static_cast<std::size_t>(std::min<std::uint64_t>(size_ - end_, left_));
-        const std::size_t n = want == 0 ? 0 : std::fread(buf_.get() + end_, 1, want, file_);
+        const std::size_t n = want == 0 ? 0 : file_->Read(buf_.get() + end_, want);
         end_ += n;
         left_ -= n;
         // A short read is the end, or a read error: both end the file for us.

@@ -80,7 +80,14 @@ public:
     // `blockSize` is the size of one read; tests and the fuzzer make it tiny
     // so that lines and line ends straddle blocks.
     explicit LineReader(const std::string& path, std::size_t blockSize = kDefaultBlock);
+    // Opened later by Open.
+    explicit LineReader(std::size_t blockSize);
     ~LineReader();
+    // Closes the file read so far and opens `path`, keeping the buffer: a run
+    // over many catalogues gets the same memory back for each. False when
+    // it can't be opened (OpenFailure says why).
+    bool Open(const std::string& path);
+    void Close() { file_.reset(); }
     LineReader(const LineReader&) = delete;
     LineReader& operator=(const LineReader&) = delete;
 
@@ -103,7 +110,7 @@ public:
 private:
     bool Fill();
     void Grow(std::size_t size);
-    std::FILE* file_ = nullptr;
+    ReadFile file_;
     Failure openFailure_;
     // Not a std::string: its resize would zero every new block, which costs
     // as much as reading a small catalogue.

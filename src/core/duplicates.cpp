@@ -160,13 +160,7 @@ std::uint64_t HashOf(const FileLine& f, std::string& upper) {
     return hash;
 }
 
-using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
-
-File Open(const std::string& path) {
-    File file(OpenForReading(path), &std::fclose);
-    if (file) std::setvbuf(file.get(), nullptr, _IONBF, 0);  // our own blocks; a stdio buffer would only copy
-    return file;
-}
+ReadFile Open(const std::string& path) { return OpenForReading(path); }
 
 // One file line's places in one pass: its end (the first CR or LF, or `end`),
 // its first '|' and the last '\' before that '|' (or before the end when the
@@ -221,7 +215,7 @@ Cut CutLine(const char* p, const char* end) {
 // One catalogue's file lines into `records`: header, the line behind it, the
 // folder lines up to the first empty line, then the file lines up to the next
 // empty line or the end.
-void ScanDisc(std::FILE* file, std::uint64_t disc, std::int64_t minSize, std::vector<char>& buf,
+void ScanDisc(ReadStream& file, std::uint64_t disc, std::int64_t minSize, std::vector<char>& buf,
               Records& records) {
     enum class At { Header, Line2, Folders, Files, Done } at = At::Header;
     std::string upper;
@@ -231,7 +225,7 @@ void ScanDisc(std::FILE* file, std::uint64_t disc, std::int64_t minSize, std::ve
     while (at != At::Done) {
         if (!eof) {
             if (have == buf.size()) buf.resize(buf.size() * 2);  // a line longer than the block
-            const std::size_t got = std::fread(buf.data() + have, 1, buf.size() - have, file);
+            const std::size_t got = file.Read(buf.data() + have, buf.size() - have);
             if (got == 0) eof = true;  // the end, or a read error: both end the file
             have += got;
         }
@@ -358,7 +352,7 @@ struct Fetched {
 // that no longer gives its hash is left out, never taken for a copy.
 void FetchDisc(const std::string& path, const Candidate* first, const Candidate* last, std::vector<char>& buf,
                std::string& arena, std::vector<Fetched>& out) {
-    File file = Open(path);
+    ReadFile file = Open(path);
     if (!file) return;
     // A read costs about as much as copying a few kilobytes: lines closer
     // than that share one.
@@ -392,9 +386,9 @@ void FetchDisc(const std::string& path, const Candidate* first, const Candidate*
                 want = static_cast<std::size_t>(end - offset);
             }
             if (buf.size() < want) buf.resize(want);
-            if (std::fseek(file.get(), static_cast<long>(offset), SEEK_SET) != 0) return;
+            if (!file->Seek(offset)) return;
             winStart = offset;
-            winLen = std::fread(buf.data(), 1, want, file.get());
+            winLen = file->Read(buf.data(), want);
             winEof = winLen < want;
             if (winLen == 0) return;  // cut short since the pass: so is every later candidate
         }
@@ -432,8 +426,8 @@ std::vector<DuplicateGroup> FindDuplicates(const std::string& dataFolder,
     const std::size_t discs = std::min(labels.size(), kMaxDiscs);
     for (std::size_t disc = 0; disc < discs; ++disc) {
         if (progress && !progress(disc + 1, labels.size())) break;
-        const File file = Open(CataloguePath(dataFolder, labels[disc]));
-        if (file) ScanDisc(file.get(), disc, minSize, buf, records);
+        const ReadFile file = Open(CataloguePath(dataFolder, labels[disc]));
+        if (file) ScanDisc(*file, disc, minSize, buf, records);
     }
     std::vector<Candidate> candidates = CandidatesOf(records);
     std::sort(candidates.begin(), candidates.end(),

@@ -173,9 +173,8 @@ Failure ResolveLabel(const std::string& dataFolder, const std::string& label, st
         return Fail(FailCode::BadLabel, label);
     const std::string path = CataloguePath(dataFolder, label);
     Failure failure;
-    std::FILE* file = OpenForReading(path, &failure);
-    if (!file) return failure.code == FailCode::NotFound ? Fail(FailCode::NoDisc, label) : failure;
-    std::fclose(file);
+    if (!OpenForReading(path, &failure))
+        return failure.code == FailCode::NotFound ? Fail(FailCode::NoDisc, label) : failure;
     cataloguePath = path;
     return {};
 }
@@ -196,7 +195,7 @@ Failure DescriptionRewrite(FileOps& ops, const std::string& dataFolder, const st
     if (!ec && (status.permissions() & writeBits) == fs::perms::none)
         return Fail(FailCode::ReadOnly, catalogue, EACCES);
 
-    std::unique_ptr<std::FILE, int (*)(std::FILE*)> in(OpenForReading(catalogue, &failure), &std::fclose);
+    ReadFile in = OpenForReading(catalogue, &failure);
     if (!in) return failure;
 
     std::string scratch;
@@ -211,12 +210,12 @@ Failure DescriptionRewrite(FileOps& ops, const std::string& dataFolder, const st
     Rewriter rewriter(isHeader, targetPath, newText, *out);
     std::string block(kBlock, '\0');
     for (;;) {
-        const std::size_t got = std::fread(block.data(), 1, block.size(), in.get());
+        const std::size_t got = in->Read(block.data(), block.size());
         if (got > 0 && !rewriter.Feed(std::string_view(block.data(), got)))
             return fail(FailCode::WriteScratch, errno);
         if (got < block.size()) break;
     }
-    if (std::ferror(in.get())) return fail(FailCode::Unreadable, errno);
+    if (in->Error()) return fail(FailCode::Unreadable, in->Error());
     in.reset();
     if (!rewriter.Finish() || !out->Sync()) return fail(FailCode::WriteScratch, errno);
     if (!out->Close()) return fail(FailCode::WriteScratch, errno);

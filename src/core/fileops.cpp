@@ -1,6 +1,7 @@
 #include "core/fileops.h"
 
 #include <atomic>
+#include <climits>
 #include <cerrno>
 #include <filesystem>
 #include <random>
@@ -18,9 +19,26 @@ std::string Join(const std::string& folder, std::string_view name) {
     return path;
 }
 
+class StdioStream final : public ReadStream {
+public:
+    explicit StdioStream(std::FILE* file) : file_(file) { std::setvbuf(file_, nullptr, _IONBF, 0); }
+    ~StdioStream() override { std::fclose(file_); }
+    std::size_t Read(char* to, std::size_t n) override {
+        const std::size_t got = std::fread(to, 1, n, file_);
+        if (got < n && std::ferror(file_)) error_ = errno ? errno : EIO;
+        return got;
+    }
+    bool Seek(std::uint64_t offset) override {
+        return offset <= static_cast<std::uint64_t>(LONG_MAX) && std::fseek(file_, static_cast<long>(offset), SEEK_SET) == 0;
+    }
+
+private:
+    std::FILE* file_;
+};
+
 // Without a platform opener the check comes before the open: it can't see a
 // file swapped in between, but it never opens a FIFO it has seen.
-std::FILE* StandardOpener(const std::string& path, Failure* failure, std::uint64_t* size) {
+ReadFile StandardOpener(const std::string& path, Failure* failure, std::uint64_t* size) {
     if (size) *size = kUnknownSize;
     std::error_code ec;
     const auto status = std::filesystem::status(path, ec);
@@ -33,8 +51,11 @@ std::FILE* StandardOpener(const std::string& path, Failure* failure, std::uint64
         return nullptr;
     }
     std::FILE* file = std::fopen(path.c_str(), "rb");
-    if (!file && failure) *failure = Fail(FailCode::Unreadable, path, errno);
-    return file;
+    if (!file) {
+        if (failure) *failure = Fail(FailCode::Unreadable, path, errno);
+        return nullptr;
+    }
+    return std::make_unique<StdioStream>(file);
 }
 
 std::atomic<ReadOpener> gOpener{&StandardOpener};
@@ -45,7 +66,7 @@ bool EndsWith(std::string_view text, std::string_view end) {
 
 }  // namespace
 
-std::FILE* OpenForReading(const std::string& path, Failure* failure, std::uint64_t* size) {
+ReadFile OpenForReading(const std::string& path, Failure* failure, std::uint64_t* size) {
     return gOpener.load()(path, failure, size);
 }
 
@@ -82,7 +103,7 @@ Failure FileOps::RenameNew(const std::string& from, const std::string& to) {
     return {};
 }
 
-std::FILE* FileOps::OpenRead(const std::string& path, Failure* failure) {
+ReadFile FileOps::OpenRead(const std::string& path, Failure* failure) {
     return OpenForReading(path, failure);
 }
 
@@ -126,8 +147,14 @@ int CleanScratchFiles(FileOps& ops, const std::vector<std::string>& folders) {
     for (const std::string& folder : folders) {
         std::error_code ec;
         std::vector<std::string> found;
-        for (std::filesystem::directory_iterator it(folder, ec), end; !ec && it != end; it.increment(ec))
-            if (IsScratchName(it->path().filename().string())) found.push_back(it->path().string());
+        // The name read off the entry's path in place: a path object per entry
+        // would cost a folder of thousands of catalogues at every start.
+        for (std::filesystem::directory_iterator it(folder, ec), end; !ec && it != end; it.increment(ec)) {
+            const std::string& path = it->path().native();
+            const std::size_t slash = path.rfind('/');
+            if (IsScratchName(std::string_view(path).substr(slash == std::string::npos ? 0 : slash + 1)))
+                found.push_back(path);
+        }
         for (const std::string& path : found)
             if (ops.RemoveUnheld(path)) ++removed;
     }

@@ -34,6 +34,26 @@ public:
 // nobody wonders whether the program hangs.
 constexpr int kLockWaitMs = 2000;
 
+// A file opened for reading. The readers take their blocks
+// straight from the system through it: a stdio stream would add a buffer to
+// copy through, a lock per call and, at opening, a system call of its own,
+// which a search of many small catalogues pays once per catalogue.
+class ReadStream {
+public:
+    virtual ~ReadStream() = default;
+    // Up to `n` bytes into `to`; returns how many. Fewer than `n` only at the
+    // end of the file or on an error, which Error() then tells (errno; 0 at
+    // the end).
+    virtual std::size_t Read(char* to, std::size_t n) = 0;
+    // Moves to `offset` from the start; false on an error.
+    virtual bool Seek(std::uint64_t offset) = 0;
+    int Error() const { return error_; }
+
+protected:
+    int error_ = 0;
+};
+using ReadFile = std::unique_ptr<ReadStream>;
+
 class FileOps {
 public:
     virtual ~FileOps() = default;
@@ -68,10 +88,11 @@ public:
     // program creates it a moment before.
     virtual Failure RenameNew(const std::string& from, const std::string& to);
     // Reads back a file this program wrote (OpenForReading on a real disk).
-    virtual std::FILE* OpenRead(const std::string& path, Failure* failure);
+    virtual ReadFile OpenRead(const std::string& path, Failure* failure);
     // Deletes the scratch file `path` unless a live writer holds it.
     virtual bool RemoveUnheld(const std::string& path);
 };
+
 
 // Opens a catalogue (or any file the program reads) without ever blocking:
 // a FIFO, a device, a socket or a folder is refused as NotACatalogue; what
@@ -81,8 +102,8 @@ public:
 // receives the file's size at opening (kUnknownSize when the opener can't
 // tell): a reader that stops there needs no last read to see the end.
 constexpr std::uint64_t kUnknownSize = UINT64_MAX;
-std::FILE* OpenForReading(const std::string& path, Failure* failure = nullptr, std::uint64_t* size = nullptr);
-using ReadOpener = std::FILE* (*)(const std::string& path, Failure* failure, std::uint64_t* size);
+ReadFile OpenForReading(const std::string& path, Failure* failure = nullptr, std::uint64_t* size = nullptr);
+using ReadOpener = ReadFile (*)(const std::string& path, Failure* failure, std::uint64_t* size);
 // Returns the opener it replaces, so that a test can put it back.
 ReadOpener SetReadOpener(ReadOpener opener);
 

@@ -32,9 +32,10 @@ std::size_t FindBars(const char* p, std::size_t n, std::size_t* at, std::size_t 
 // their number in `count`.
 std::size_t FindFields(const char* p, std::size_t n, std::size_t* at, std::size_t max, std::size_t& count);
 
-// Bit k of `bars` set when p[k] is a bar, of `ends` when it is a CR or LF,
-// for k in 0..63; p[0..64) must be readable.
-void Masks64(const char* p, std::uint64_t& bars, std::uint64_t& ends);
+// The bars and line ends of a whole block as bit masks, in one pass: bit k
+// of bars[w] is set when p[64 * w + k] is a '|', of ends[w] when it is a CR
+// or LF; both arrays hold (n + 63) / 64 words, the bits beyond n clear.
+void BlockMasks(const char* p, std::size_t n, std::uint64_t* bars, std::uint64_t* ends);
 
 // A term whose lines are the only ones that can match: its bytes, compared
 // with ASCII letters folded or exactly.

@@ -90,17 +90,41 @@ int OpenRegular(const std::string& path, Failure* failure, std::uint64_t* size =
     return fd;
 }
 
-std::FILE* PosixOpener(const std::string& path, Failure* failure, std::uint64_t* size) {
+// Straight from the descriptor into the reader's block: each Read is one
+// system call while the file gives what is asked.
+class PosixStream final : public ReadStream {
+public:
+    explicit PosixStream(int fd) : fd_(fd) {}
+    ~PosixStream() override { close(fd_); }
+    std::size_t Read(char* to, std::size_t n) override {
+        std::size_t got = 0;
+        while (got < n && error_ == 0) {
+            const ssize_t r = read(fd_, to + got, n - got);
+            if (r > 0) {
+                got += static_cast<std::size_t>(r);
+            } else if (r == 0) {
+                break;
+            } else if (errno != EINTR) {
+                error_ = errno;
+            }
+        }
+        return got;
+    }
+    bool Seek(std::uint64_t offset) override {
+        return offset <= static_cast<std::uint64_t>(INT64_MAX) &&
+               lseek(fd_, static_cast<off_t>(offset), SEEK_SET) == static_cast<off_t>(offset);
+    }
+
+private:
+    int fd_;
+};
+
+// O_NONBLOCK stays on: it changes nothing for a regular file, and taking it
+// off would cost two more system calls per catalogue.
+ReadFile PosixOpener(const std::string& path, Failure* failure, std::uint64_t* size) {
     const int fd = OpenRegular(path, failure, size);
     if (fd < 0) return nullptr;
-    // O_NONBLOCK stays: it changes nothing for a regular file, and taking it
-    // off would cost two more system calls per catalogue.
-    std::FILE* file = fdopen(fd, "rb");
-    if (!file) {
-        if (failure) *failure = Fail(FailCode::Unreadable, path, errno);
-        close(fd);
-    }
-    return file;
+    return std::make_unique<PosixStream>(fd);
 }
 
 class PosixFileOps final : public FileOps {

@@ -45,6 +45,9 @@ const std::string kLines =  // folder lines, empty line, file lines; EOL stands 
     "\\Lied| 70000.5|A|31.02.2003 04:05:06|EOL"
     "\\Ende|-12|A|01.02.2003 04:05:06EOL"
     "\\Gross|99999999999999999|A| 1.02.2003 04:05:06|EOL"
+    "\\Null|0|A|01.02.2003 04:05:06|EOL"
+    "\\Vorne|0070000|A|01.02.2003 04:05:06|EOL"
+    "\\Zeichen|7x|A|01.02.2003 04:05:06|EOL"
     "\\Musik\\xylophonxylophon|9||01.02.2003 04:05:06|EOL";
 
 std::string With(std::string text, const std::string& eol) {
@@ -104,6 +107,9 @@ const Query kQueries[] = {
     {"SizeGreater", 0, kNone, "", kNone, "", ct::SearchOp::Greater, "70000.4"},
     {"SizeEqualAndDateLess", 0, kNone, "", kNone, "", ct::SearchOp::Equal, "-12", ct::SearchOp::Less, "2.2.2003"},
     {"NameAndSize", 0, ct::SearchOp::Contains, "xylophon", kNone, "", ct::SearchOp::NotEqual, "8"},
+    {"SizeGreaterByLength", 0, kNone, "", kNone, "", ct::SearchOp::Greater, "9"},
+    {"SizeEqualWhole", 0, kNone, "", kNone, "", ct::SearchOp::Equal, "70000"},
+    {"SizeLessZero", 0, kNone, "", kNone, "", ct::SearchOp::Less, "0"},
 };
 
 std::vector<std::string> Hits(const std::string& folder, const Query& q, bool prefilter, std::size_t block) {
@@ -175,6 +181,15 @@ TEST(FastScan, LineEndsAndBarsFoundAlikeOnBothPaths) {
                 if (s[i] == '|') want[n++] = i;
             ASSERT_EQ(ct::scan::FindBars(s.data(), s.size(), at, 4), n);
             EXPECT_TRUE(std::equal(at, at + n, want));
+            std::vector<std::uint64_t> bars((s.size() + 63) / 64), ends(bars.size()), wantBars(bars.size()),
+                wantEnds(bars.size());
+            for (std::size_t i = 0; i < s.size(); ++i) {
+                wantBars[i / 64] |= std::uint64_t{s[i] == '|'} << i % 64;
+                wantEnds[i / 64] |= std::uint64_t{s[i] == '\r' || s[i] == '\n'} << i % 64;
+            }
+            ct::scan::BlockMasks(s.data(), s.size(), bars.data(), ends.data());
+            EXPECT_EQ(bars, wantBars) << round << vectors;
+            EXPECT_EQ(ends, wantEnds) << round << vectors;
         }
     }
     ct::scan::UseVectors(true);

@@ -14,7 +14,7 @@
 namespace {
 
 // Root reads every file; the opener plays the system's refusal.
-std::FILE* Deny(const std::string& path, ct::Failure* failure, std::uint64_t*) {
+ct::ReadFile Deny(const std::string& path, ct::Failure* failure, std::uint64_t*) {
     if (failure) *failure = ct::Fail(ct::FailCode::Unreadable, path, EACCES);
     return nullptr;
 }

@@ -30,7 +30,7 @@ ReadOpener gReal = nullptr;
 
 // As root reads every file, a catalogue without read permission is played by
 // an opener that refuses it as the system would.
-std::FILE* DenyGeheim(const std::string& path, Failure* failure, std::uint64_t* size) {
+ReadFile DenyGeheim(const std::string& path, Failure* failure, std::uint64_t* size) {
     if (path.ends_with("/Geheim.idx")) {
         if (failure) *failure = Fail(FailCode::Unreadable, path, EACCES);
         return nullptr;
