@@ -16,9 +16,9 @@ namespace {
 
 using Bytes = std::vector<unsigned char>;
 
-constexpr int kMaxDepth = 256;                     // deeper is a loop in all but name
+constexpr int kMaxDepth = 256;                      // deeper is a loop in all but name
 constexpr std::uint64_t kMaxDirectory = 64u << 20;  // bytes of file identifiers in one folder
-constexpr int kMaxChain = 4096;                    // continuation extents, indirect entries, pointers
+constexpr int kMaxChain = 4096;                     // continuation extents, indirect entries, pointers
 
 std::uint16_t Le16(const unsigned char* p) { return static_cast<std::uint16_t>(p[0] | p[1] << 8); }
 std::uint32_t Le32(const unsigned char* p) { return Le16(p) | static_cast<std::uint32_t>(Le16(p + 2)) << 16; }
@@ -28,7 +28,8 @@ std::uint16_t Crc(const unsigned char* p, std::size_t n) {
     std::uint16_t crc = 0;
     while (n--) {
         crc ^= static_cast<std::uint16_t>(*p++ << 8);
-        for (int i = 0; i < 8; ++i) crc = static_cast<std::uint16_t>(crc & 0x8000 ? crc << 1 ^ 0x1021 : crc << 1);
+        for (int i = 0; i < 8; ++i)
+            crc = static_cast<std::uint16_t>(crc & 0x8000 ? crc << 1 ^ 0x1021 : crc << 1);
     }
     return crc;
 }
@@ -111,12 +112,12 @@ std::int64_t UnixOf(const unsigned char* t) {
 
 struct PartitionMap {
     enum Kind { Physical, Sparable, Virtual, Metadata } kind = Physical;
-    std::uint16_t number = 0;     // the partition descriptor's number
+    std::uint16_t number = 0;  // the partition descriptor's number
     std::uint64_t start = 0, length = 0;
-    std::uint32_t packet = 0;     // sparable: blocks a remapped packet spans
+    std::uint32_t packet = 0;                                     // sparable: blocks a remapped packet spans
     std::vector<std::pair<std::uint32_t, std::uint32_t>> spared;  // original, mapped
-    std::uint16_t physical = 0;   // virtual, metadata: the map of the blocks below
-    std::vector<std::uint32_t> vat;                                // virtual block -> block
+    std::uint16_t physical = 0;      // virtual, metadata: the map of the blocks below
+    std::vector<std::uint32_t> vat;  // virtual block -> block
     std::vector<std::pair<std::uint64_t, std::uint32_t>> extents;  // metadata file: bytes, first block
     std::uint32_t file = 0, mirror = 0;
 };
@@ -135,14 +136,12 @@ struct Icb {
 class Reader {
 public:
     explicit Reader(int fd) : fd_(fd) {
-        struct stat st{};
+        struct stat st {};
         if (fstat(fd, &st) == 0 && st.st_size > 0) size_ = static_cast<std::uint64_t>(st.st_size);
     }
 
     UdfResult Open();
-    UdfResult Walk(const std::function<void(const UdfEntry&)>& visit) {
-        return Folder(root_, "", 0, visit);
-    }
+    UdfResult Walk(const std::function<void(const UdfEntry&)>& visit) { return Folder(root_, "", 0, visit); }
 
 private:
     bool Read(std::uint64_t block, Bytes& out) const {
@@ -158,7 +157,9 @@ private:
     bool Partitions();
     bool ReadIcb(std::uint16_t ref, std::uint32_t lbn, Icb& icb) const;
     bool Data(const Icb& icb, std::uint64_t limit, Bytes& out) const;
-    bool Extents(const Icb& icb, const std::function<bool(unsigned, std::uint64_t, std::uint16_t, std::uint32_t)>& each) const;
+    bool Extents(
+        const Icb& icb,
+        const std::function<bool(unsigned, std::uint64_t, std::uint16_t, std::uint32_t)>& each) const;
     UdfResult Folder(const Icb& dir, const std::string& prefix, int depth,
                      const std::function<void(const UdfEntry&)>& visit);
 
@@ -191,11 +192,13 @@ bool Reader::Map(std::uint16_t ref, std::uint32_t lbn, std::uint64_t& block, int
         }
         return true;
     case PartitionMap::Virtual:
-        return lbn < m.vat.size() && m.vat[lbn] != 0xFFFFFFFFu && Map(m.physical, m.vat[lbn], block, depth + 1);
+        return lbn < m.vat.size() && m.vat[lbn] != 0xFFFFFFFFu &&
+               Map(m.physical, m.vat[lbn], block, depth + 1);
     case PartitionMap::Metadata: {
         std::uint64_t at = static_cast<std::uint64_t>(lbn) * bs_;
         for (const auto& [bytes, first] : m.extents) {
-            if (at < bytes) return Map(m.physical, first + static_cast<std::uint32_t>(at / bs_), block, depth + 1);
+            if (at < bytes)
+                return Map(m.physical, first + static_cast<std::uint32_t>(at / bs_), block, depth + 1);
             at -= bytes;
         }
         return false;
@@ -266,13 +269,16 @@ bool Reader::Partitions() {
                 for (unsigned t = 0; t < tables && t < 4 && 48 + 4 * t + 4 <= length; ++t) {
                     Bytes s(std::max<std::size_t>(tableSize, 56));
                     const off_t at = static_cast<off_t>(Le32(p + 48 + 4 * t)) * bs_;
-                    if (tableSize > (1u << 20) || pread(fd_, s.data(), s.size(), at) != static_cast<ssize_t>(s.size()) ||
-                        !TagOk(s.data(), s.size(), 0) || std::memcmp(s.data() + 17, "*UDF Sparing Table", 18) != 0)
+                    if (tableSize > (1u << 20) ||
+                        pread(fd_, s.data(), s.size(), at) != static_cast<ssize_t>(s.size()) ||
+                        !TagOk(s.data(), s.size(), 0) ||
+                        std::memcmp(s.data() + 17, "*UDF Sparing Table", 18) != 0)
                         continue;
                     const std::size_t entries = Le16(s.data() + 48);
                     for (std::size_t e = 0; e < entries && 56 + 8 * e + 8 <= s.size(); ++e) {
                         const std::uint32_t original = Le32(s.data() + 56 + 8 * e);
-                        if (original < 0xFFFFFFF0u) m.spared.emplace_back(original, Le32(s.data() + 60 + 8 * e));
+                        if (original < 0xFFFFFFF0u)
+                            m.spared.emplace_back(original, Le32(s.data() + 60 + 8 * e));
                     }
                     break;
                 }
@@ -322,10 +328,11 @@ bool Reader::Partitions() {
                 Icb file;
                 std::vector<std::pair<std::uint64_t, std::uint32_t>> extents;
                 read = ReadIcb(m.physical, lbn, file) && file.adType != 3 &&
-                       Extents(file, [&](unsigned kind, std::uint64_t bytes, std::uint16_t, std::uint32_t first) {
-                           extents.emplace_back(bytes, first);
-                           return kind == 0 && extents.size() < 65536;
-                       });
+                       Extents(file,
+                               [&](unsigned kind, std::uint64_t bytes, std::uint16_t, std::uint32_t first) {
+                                   extents.emplace_back(bytes, first);
+                                   return kind == 0 && extents.size() < 65536;
+                               });
                 if (read) {
                     maps_[i].extents = std::move(extents);
                     break;
@@ -348,13 +355,14 @@ bool Reader::Partitions() {
                 if (vat.fileType == 248) {  // revision 2.00 on: a header first
                     if (table.size() < 2 || Le16(table.data()) > table.size()) continue;
                     first = Le16(table.data());
-                } else {                    // revision 1.50: a name and a pointer last
+                } else {  // revision 1.50: a name and a pointer last
                     if (table.size() < 36 ||
                         std::memcmp(table.data() + table.size() - 35, "*UDF Virtual Alloc Tbl", 22) != 0)
                         continue;
                     end -= 36;
                 }
-                for (std::size_t at = first; at + 4 <= end; at += 4) maps_[i].vat.push_back(Le32(table.data() + at));
+                for (std::size_t at = first; at + 4 <= end; at += 4)
+                    maps_[i].vat.push_back(Le32(table.data() + at));
                 read = true;
             }
             if (!read) return false;
@@ -395,8 +403,9 @@ bool Reader::ReadIcb(std::uint16_t ref, std::uint32_t lbn, Icb& icb) const {
 // Calls `each` with every extent of the entry: its kind (0 recorded, 1 and 2
 // not), its length in bytes and where it starts; continuation extents are
 // followed. False when a descriptor is damaged or `each` says stop.
-bool Reader::Extents(const Icb& icb,
-                     const std::function<bool(unsigned, std::uint64_t, std::uint16_t, std::uint32_t)>& each) const {
+bool Reader::Extents(
+    const Icb& icb,
+    const std::function<bool(unsigned, std::uint64_t, std::uint16_t, std::uint32_t)>& each) const {
     const std::size_t size = icb.adType == 0 ? 8 : icb.adType == 1 ? 16 : 20;
     Bytes area(icb.block.begin() + static_cast<std::ptrdiff_t>(icb.ads),
                icb.block.begin() + static_cast<std::ptrdiff_t>(icb.ads + icb.adsLength));
@@ -437,20 +446,21 @@ bool Reader::Data(const Icb& icb, std::uint64_t limit, Bytes& out) const {
         return true;
     }
     Bytes b;
-    const bool ok = Extents(icb, [&](unsigned kind, std::uint64_t bytes, std::uint16_t ref, std::uint32_t lbn) {
-        for (std::uint64_t done = 0; done < bytes && out.size() < icb.length; done += bs_) {
-            const std::size_t take = static_cast<std::size_t>(std::min<std::uint64_t>(bs_, bytes - done));
-            std::uint64_t block = 0;
-            if (kind != 0) {
-                out.insert(out.end(), take, 0);
-            } else if (Map(ref, lbn + static_cast<std::uint32_t>(done / bs_), block) && Read(block, b)) {
-                out.insert(out.end(), b.begin(), b.begin() + static_cast<std::ptrdiff_t>(take));
-            } else {
-                return false;
+    const bool ok =
+        Extents(icb, [&](unsigned kind, std::uint64_t bytes, std::uint16_t ref, std::uint32_t lbn) {
+            for (std::uint64_t done = 0; done < bytes && out.size() < icb.length; done += bs_) {
+                const std::size_t take = static_cast<std::size_t>(std::min<std::uint64_t>(bs_, bytes - done));
+                std::uint64_t block = 0;
+                if (kind != 0) {
+                    out.insert(out.end(), take, 0);
+                } else if (Map(ref, lbn + static_cast<std::uint32_t>(done / bs_), block) && Read(block, b)) {
+                    out.insert(out.end(), b.begin(), b.begin() + static_cast<std::ptrdiff_t>(take));
+                } else {
+                    return false;
+                }
             }
-        }
-        return out.size() < icb.length;
-    });
+            return out.size() < icb.length;
+        });
     // The walk over the extents stops early once the data is whole.
     if (out.size() < icb.length) return false;
     (void)ok;

@@ -219,11 +219,13 @@ struct Udf {
         for (int i = 0; i < 16; ++i) sum += i == 4 ? 0 : p[i];
         p[4] = static_cast<unsigned char>(sum);
     }
-    std::string Ad(std::uint64_t length, std::uint32_t block, bool isLong) {
-        std::string a(isLong ? 16 : 8, '\0');
+    // A short (8 bytes), long (16) or extended (20) allocation descriptor.
+    std::string Ad(std::uint64_t length, std::uint32_t block, int size) {
+        std::string a(size, '\0');
         auto* p = reinterpret_cast<unsigned char*>(a.data());
-        P32(p, length), P32(p + 4, Lbn(block));
-        if (isLong) P16(p + 8, InMeta(block));
+        const int at = size == 20 ? 12 : 4;
+        P32(p, length), P32(p + at, Lbn(block));
+        if (size > 8) P16(p + at + 4, InMeta(block));
         return a;
     }
     void Icb(std::uint32_t block, int type, std::uint64_t length, std::int64_t mtime, unsigned ads,
@@ -259,13 +261,16 @@ struct Udf {
         std::string f(38 + name.size(), '\0');
         auto* p = reinterpret_cast<unsigned char*>(f.data());
         P16(p + 16, 1), p[18] = static_cast<unsigned char>(characteristics), p[19] = static_cast<unsigned char>(name.size());
-        std::memcpy(p + 20, Ad(2048, block, true).data(), 16);
+        std::memcpy(p + 20, Ad(2048, block, 16).data(), 16);
         std::memcpy(p + 38, name.data(), name.size());
         Tag(p, 257, 0, f.size() - 16);
         return f.append((4 - f.size() % 4) % 4, '\0');
     }
     void Folder(const std::string& path, std::uint32_t block, std::uint32_t parent, std::int64_t mtime) {
-        std::string fids = Fid(8 | 2, "", parent) + (path.empty() ? Fid(4, "weg.txt", 0) : "");
+        // Deleted identifiers first: in the root's entry one, elsewhere enough
+        // that the living ones cross from the folder's first block to its second.
+        std::string fids = Fid(8 | 2, "", parent) + Fid(4, "weg.txt", 0);
+        while (fids.size() < 2000 && (meta || !path.empty())) fids += Fid(4, std::string(200, 'w'), 0);
         for (const Entry& e : kTree) {
             const std::string p = e.path;
             if (p.rfind(path, 0) != 0 || p == path || p.find('/', path.size()) < p.size() - 1) continue;
@@ -274,18 +279,29 @@ struct Udf {
                 Folder(p, b, block, e.mtime);
             } else if (e.size <= 64) {
                 Icb(b, 5, e.size, e.mtime, e.size ? 3 : 0, std::string(e.size, 'x'));
-            } else {  // two extents, the second on the next blocks
-                const std::uint32_t d = data;
-                data += 1 + (e.size + 2047) / 2048;
-                Icb(b, 5, e.size, e.mtime, 1, Ad(2048, d, true) + Ad(e.size - 2048, d + 1, true));
+            } else {
+                Icb(b, 5, e.size, e.mtime, 1, Ad(e.size, data, 16));
+                data += (e.size + 2047) / 2048;
             }
             const std::string name = p.substr(path.size(), p.size() - path.size() - (p.back() == '/'));
             fids += Fid(p.back() == '/' ? 2 : 0, name, b);
         }
         if (path.empty() && !meta) return Icb(block, 4, fids.size(), mtime, 3, fids);
-        const std::uint32_t d = next++;
-        std::memcpy(At(d), fids.data(), fids.size());
-        Icb(block, 4, fids.size(), mtime, 0, Ad(fids.size(), d, false));
+        // Two extents; short, long or extended descriptors by folder, Zeta's
+        // second one in a continuation.
+        const std::uint32_t d = next;
+        next += 3;
+        const std::size_t half = 2048;
+        std::memcpy(At(d), fids.data(), half), std::memcpy(At(d + 1), fids.data() + half, fids.size() - half);
+        const int size = path == "alpha/" ? 20 : path == "Zeta/Unter/" ? 16 : 8;
+        std::string second = Ad(fids.size() - half, d + 1, size);
+        if (path == "Zeta/") {
+            unsigned char* more = At(d + 2);
+            P32(more + 20, second.size()), std::memcpy(more + 24, second.data(), second.size());
+            Tag(more, 258, Lbn(d + 2), 24 + second.size() - 16);
+            second = Ad(3u << 30 | 2048, d + 2, size);
+        }
+        Icb(block, 4, fids.size(), mtime, size == 20 ? 2 : size == 16, Ad(half, d, size) + second);
     }
 };
 
@@ -327,6 +343,17 @@ Udf MakeUdf(const std::string& image, const char* media, const char* revision, b
         u.At(u.meta - 2)[200] ^= 1;  // the metadata file breaks; its mirror holds
     }
     u.Folder("", root, root, 0);
+    const unsigned char* map = u.At(lvd) + 440;
+    if (map[0] == 2 && std::memcmp(map + 5, "*UDF Sparable", 13) == 0) {  // the folders' packet moves, as if worn
+        const std::uint32_t packet = G16(map + 40), lbn = u.blocks["Zeta/"] - u.pstart, first = lbn - lbn % packet;
+        const std::uint32_t to = u.data + packet - u.data % packet;
+        std::memcpy(u.At(to), u.At(u.pstart + first), packet * 2048);
+        std::memset(u.At(u.pstart + first), 0, packet * 2048);
+        for (unsigned t = 0; t < map[42]; ++t) {
+            unsigned char* table = u.At(G32(map + 48 + 4 * t));
+            P32(table + 56, first), P32(table + 60, to), u.Tag(table, 0, G32(table + 12), G16(table + 10));
+        }
+    }
     if (u.vat) {
         const std::uint32_t last = std::max(u.next, u.data);
         std::memcpy(u.At(last), vatEntry.data(), 2048);
