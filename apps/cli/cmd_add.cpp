@@ -87,10 +87,12 @@ Registration reg{{
                 "read a folder, a mounted volume or a disc image (ISO 9660, UDF) into a new catalogue"},
     .details = {"Die Bezeichnung wird wie im Fenster bereinigt; ist sie vergeben, wird nichts gelesen oder "
                 "geschrieben. Ein Abbild wird gelesen wie die gebrannte Scheibe im Laufwerk, ohne es "
-                "einzuhängen.",
+                "einzuhängen: ISO 9660 mit Joliet oder Rock Ridge, UDF jeder Revision bis 2.60 (DVD, "
+                "Blu-ray). Ein beschädigtes Abbild ergibt keinen Katalog.",
                 "The label is cleaned as in the window; one in use is refused, and nothing is read or "
                 "written. An image file is read as the burnt disc would read in a drive, without "
-                "mounting it."},
+                "mounting it: ISO 9660 with Joliet or Rock Ridge, UDF of every revision up to 2.60 "
+                "(DVD, Blu-ray). A damaged image gives no catalogue."},
     .options = {{"--label", Takes::Value, "LABEL", {"die Bezeichnung (Pflicht)", "the label (required)"}, "", {}, true},
                 {"--description", Takes::Value, "TEXT",
                  {"die Beschreibung des Datenträgers", "the disc's description"}}},
