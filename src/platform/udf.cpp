@@ -136,12 +136,18 @@ struct Icb {
 class Reader {
 public:
     explicit Reader(int fd) : fd_(fd) {
+        // An image file's size, or a disc device's (which fstat gives as 0).
         struct stat st {};
-        if (fstat(fd, &st) == 0 && st.st_size > 0) size_ = static_cast<std::uint64_t>(st.st_size);
+        if (fstat(fd, &st) == 0 && S_ISREG(st.st_mode)) {
+            size_ = static_cast<std::uint64_t>(st.st_size);
+        } else if (const off_t end = lseek(fd, 0, SEEK_END); end > 0) {
+            size_ = static_cast<std::uint64_t>(end);
+        }
     }
 
     UdfResult Open();
     UdfResult Walk(const std::function<void(const UdfEntry&)>& visit) { return Folder(root_, "", 0, visit); }
+    const Bytes& FileSet() const { return fileSet_; }
 
 private:
     bool Read(std::uint64_t block, Bytes& out) const {
@@ -175,6 +181,7 @@ private:
     std::vector<PartitionMap> maps_;
     Icb root_;
     std::set<std::uint64_t> folders_;  // the blocks of the folders walked, against loops
+    Bytes fileSet_;
 };
 
 bool Reader::Map(std::uint16_t ref, std::uint32_t lbn, std::uint64_t& block, int depth) const {
@@ -529,10 +536,9 @@ UdfResult Reader::Open() {
     // The file set, then the root folder's entry.
     const unsigned char* lvd = volume_.bytes.data();
     std::uint64_t block = 0;
-    Bytes fsd;
-    if (!Map(Le16(lvd + 256), Le32(lvd + 252), block) || !Tagged(block, 256, fsd)) return UdfResult::Damaged;
-    const std::uint16_t rootRef = Le16(fsd.data() + 408);
-    const std::uint32_t rootLbn = Le32(fsd.data() + 404);
+    if (!Map(Le16(lvd + 256), Le32(lvd + 252), block) || !Tagged(block, 256, fileSet_)) return UdfResult::Damaged;
+    const std::uint16_t rootRef = Le16(fileSet_.data() + 408);
+    const std::uint32_t rootLbn = Le32(fileSet_.data() + 404);
     if (!ReadIcb(rootRef, rootLbn, root_) || !Map(rootRef, rootLbn, block)) return UdfResult::Damaged;
     folders_.insert(block);
     Bytes ignored;
@@ -540,6 +546,13 @@ UdfResult Reader::Open() {
 }
 
 }  // namespace
+
+bool ReadUdfFileSet(int fd, std::vector<unsigned char>& block) {
+    Reader reader(fd);
+    if (reader.Open() != UdfResult::Ok) return false;
+    block = reader.FileSet();
+    return true;
+}
 
 UdfResult ReadUdfTree(int fd, const std::function<void(const UdfEntry&)>& visit) {
     Reader reader(fd);

@@ -17,6 +17,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace ct {
 
@@ -41,5 +42,9 @@ enum class UdfResult {
 // entry; with `visit` empty only the volume and the root folder are read.
 // On a failure `visit` has heard the entries read before it.
 UdfResult ReadUdfTree(int fd, const std::function<void(const UdfEntry&)>& visit);
+
+// The file set descriptor's block as the volume maps it (through a metadata
+// or virtual partition where the volume has one); false when it can't be read.
+bool ReadUdfFileSet(int fd, std::vector<unsigned char>& block);
 
 }  // namespace ct
