@@ -118,6 +118,7 @@ bool LineReader::Open(const std::string& path) {
     pos_ = cut_ = end_ = 0;
     eof_ = false;
     left_ = 0;
+    offset_ = 0;
     // Never blocks, and takes nothing but a regular file (a FIFO named
     // "*.idx" would hang the reader forever).
     file_ = OpenForReading(path, &openFailure_, &left_);
@@ -143,15 +144,20 @@ bool LineReader::Fill() {
     // Most catalogues are small: one read of a modest buffer holds them.
     // The buffer grows (doubling) only for a line longer than itself.
     constexpr std::size_t kFirstBlock = 64 * 1024;
+    constexpr std::size_t kPage = 4096;
     if (!buf_) Grow(std::min(block_, kFirstBlock));
     for (;;) {
         if (end_ == size_) Grow(size_ * 2);
         // Up to the size the file had when opened: the read that would only
         // see the end is saved (one system call of a few per small catalogue).
-        const std::size_t want = static_cast<std::size_t>(std::min<std::uint64_t>(size_ - end_, left_));
+        std::size_t want = static_cast<std::size_t>(std::min<std::uint64_t>(size_ - end_, left_));
+        // A read that ends on a page boundary of the file costs the kernel
+        // less than one that ends inside a page and starts the next read there.
+        if (want < left_ && want > kPage) want -= static_cast<std::size_t>((offset_ + want) % kPage);
         const std::size_t n = want == 0 ? 0 : file_->Read(buf_.get() + end_, want);
         end_ += n;
         left_ -= n;
+        offset_ += n;
         // A short read is the end, or a read error: both end the file for us.
         if (n < want || left_ == 0) {
             eof_ = true;

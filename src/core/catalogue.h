@@ -121,6 +121,7 @@ private:
     std::size_t end_ = 0;  // end of the bytes in buf_
     bool eof_ = false;
     std::uint64_t left_ = 0;  // bytes of the file not yet read, as its size at opening said
+    std::uint64_t offset_ = 0;  // bytes read so far
     std::size_t block_;
 };
 

@@ -1,6 +1,7 @@
 // Block scans for the readers: one pass over a buffer of whole lines, sixteen
-// bytes at a time where the machine has SSE2 (every x86-64 does), byte by byte
-// elsewhere. Both paths give the same answers; tests run both.
+// bytes at a time where the machine has SSE2 (every x86-64 does), 32 or 64
+// with AVX2 or AVX-512, byte by byte elsewhere. Every path gives the same
+// answers; tests run each.
 #pragma once
 
 #include <cstddef>
@@ -14,6 +15,10 @@ namespace ct::scan {
 // UseVectors(false), which the tests call to run the portable path).
 bool VectorsOn();
 void UseVectors(bool on);
+// Tests: the widest unit the scans may take, in bytes (64, 32, 16; 0 is
+// the portable path), so that each path the machine has can be run. The
+// machine's widest is the default.
+void UseWidth(unsigned bytes);
 
 // The first CR or LF in p[0..n), or n.
 std::size_t FindLineEnd(const char* p, std::size_t n);

@@ -58,7 +58,7 @@ std::string With(std::string text, const std::string& eol) {
 std::vector<Catalogue> Catalogues() {
     std::string padded = kLines;  // a long line moves every later line across blocks
     padded.insert(padded.find("\\Musik\\Orchester|"), "\\" + std::string(300, 'x') + "Xylophon|R||EOL");
-    return {
+    std::vector<Catalogue> all = {
         {"CrLf", With(kLines, "\r\n")},
         {"LfOnly", With(kLines, "\n")},
         {"LoneCr", With(kLines, "\r")},
@@ -69,6 +69,15 @@ std::vector<Catalogue> Catalogues() {
         {"CutInFolders", With("1|2|||||EOLEOL\\Xylophon|||", "\r\n")},
         {"EmptyLineAmongFiles", With("1|2|||||EOLEOLEOL\\a|1|||EOLEOL\\Xylophon|1|||EOL", "\r\n")},
     };
+    // Each section's first line longer by `shift`: every CR LF, empty line
+    // and term once astride the end of a vector step, which counts from it.
+    for (int shift = 1; shift < 64; shift += 3) {
+        std::string lines = kLines;
+        for (const char* first : {"\\Xylophon|R|", "\\Musik\\Orchester\\XYLOPHON|"})
+            lines.insert(lines.find(first) + 1, std::string(shift, 'x'));
+        all.push_back({"Shifted", With(lines, "\r\n")});
+    }
+    return all;
 }
 
 struct Query {
@@ -144,10 +153,10 @@ TEST(FastScan, SameHitsAsThePlainReader) {
         for (const Query& q : kQueries) {
             ct::scan::UseVectors(true);
             const std::vector<std::string> want = Hits(dir.string(), q, false, 1 << 16);
-            for (bool vectors : {true, false}) {
-                ct::scan::UseVectors(vectors);
-                for (std::size_t block : {1u, 5u, 16u, 17u, 33u, 64u, 1u << 16}) {
-                    SCOPED_TRACE(std::string(cat.name) + " " + q.name + (vectors ? " vector" : " scalar") +
+            for (unsigned width : {64u, 32u, 16u, 0u}) {
+                ct::scan::UseWidth(width);
+                for (std::size_t block : {1u, 5u, 16u, 17u, 33u, 64u, 100u, 1u << 16}) {
+                    SCOPED_TRACE(std::string(cat.name) + " " + q.name + " width " + std::to_string(width) +
                                  " block " + std::to_string(block));
                     EXPECT_EQ(Hits(dir.string(), q, true, block), want);
                     if (block < 64) {
@@ -170,8 +179,8 @@ TEST(FastScan, LineEndsAndBarsFoundAlikeOnBothPaths) {
         std::int64_t plain = 0;
         for (std::size_t i = 0; i < s.size(); ++i)
             plain += s[i] == '\n' || (s[i] == '\r' && (i + 1 == s.size() || s[i + 1] != '\n'));
-        for (bool vectors : {true, false}) {
-            ct::scan::UseVectors(vectors);
+        for (unsigned vectors : {64u, 32u, 16u, 0u}) {
+            ct::scan::UseWidth(vectors);
             EXPECT_EQ(ct::scan::CountLineEnds(s.data(), s.size()), plain) << round << vectors;
             EXPECT_EQ(ct::scan::FindLineEnd(s.data(), s.size()), s.find_first_of("\r\n") == std::string::npos
                                                                      ? s.size()
