@@ -18,6 +18,7 @@ using Bytes = std::vector<unsigned char>;
 
 constexpr int kMaxDepth = 256;                      // deeper is a loop in all but name
 constexpr std::uint64_t kMaxDirectory = 64u << 20;  // bytes of file identifiers in one folder
+constexpr std::uint32_t kUnrecorded = 0xFFFFFFFFu;   // a metadata extent allocated, not recorded
 constexpr int kMaxChain = 4096;                     // continuation extents, indirect entries, pointers
 
 std::uint16_t Le16(const unsigned char* p) { return static_cast<std::uint16_t>(p[0] | p[1] << 8); }
@@ -205,7 +206,8 @@ bool Reader::Map(std::uint16_t ref, std::uint32_t lbn, std::uint64_t& block, int
         std::uint64_t at = static_cast<std::uint64_t>(lbn) * bs_;
         for (const auto& [bytes, first] : m.extents) {
             if (at < bytes)
-                return Map(m.physical, first + static_cast<std::uint32_t>(at / bs_), block, depth + 1);
+                return first != kUnrecorded &&
+                       Map(m.physical, first + static_cast<std::uint32_t>(at / bs_), block, depth + 1);
             at -= bytes;
         }
         return false;
@@ -337,8 +339,9 @@ bool Reader::Partitions() {
                 read = ReadIcb(m.physical, lbn, file) && file.adType != 3 &&
                        Extents(file,
                                [&](unsigned kind, std::uint64_t bytes, std::uint16_t, std::uint32_t first) {
-                                   extents.emplace_back(bytes, first);
-                                   return kind == 0 && extents.size() < 65536;
+                                   // Space kept for the metadata to grow maps nowhere.
+                                   extents.emplace_back(bytes, kind == 0 ? first : kUnrecorded);
+                                   return extents.size() < 65536;
                                });
                 if (read) {
                     maps_[i].extents = std::move(extents);

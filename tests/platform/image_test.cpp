@@ -337,8 +337,9 @@ Udf MakeUdf(const std::string& image, const char* media, const char* revision, b
         root = u.next++;
         P32(u.At(u.meta) + 404, root - u.meta), P16(u.At(u.meta) + 408, 1);
         u.Tag(u.At(u.meta), 256, 0, G16(u.At(u.meta) + 10));
-        std::string ad(8, '\0');  // the partition's blocks, not its own
-        P32(reinterpret_cast<unsigned char*>(ad.data()), 256 * 2048), P32(reinterpret_cast<unsigned char*>(ad.data()) + 4, u.meta - u.pstart);
+        std::string ad(16, '\0');  // the partition's blocks, not its own, and room to grow
+        auto* a = reinterpret_cast<unsigned char*>(ad.data());
+        P32(a, 256 * 2048), P32(a + 4, u.meta - u.pstart), P32(a + 8, 1u << 30 | 64 * 2048);
         for (std::uint32_t b : {u.meta - 2, u.meta - 1}) u.Icb(b, 250 + (b == u.meta - 1), 256 * 2048, 0, 0, ad);
         u.At(u.meta - 2)[200] ^= 1;  // the metadata file breaks; its mirror holds
     }
