@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <set>
 #include <vector>
@@ -25,13 +26,21 @@ std::uint16_t Le16(const unsigned char* p) { return static_cast<std::uint16_t>(p
 std::uint32_t Le32(const unsigned char* p) { return Le16(p) | static_cast<std::uint32_t>(Le16(p + 2)) << 16; }
 std::uint64_t Le64(const unsigned char* p) { return Le32(p) | static_cast<std::uint64_t>(Le32(p + 4)) << 32; }
 
+// CRC-ITU-T (polynomial 0x1021, start 0), a byte a step: every entry and
+// identifier is checked, so this runs once per byte of the tree's metadata.
+constexpr std::array<std::uint16_t, 256> kCrcTable = [] {
+    std::array<std::uint16_t, 256> t{};
+    for (unsigned b = 0; b < 256; ++b) {
+        std::uint16_t crc = static_cast<std::uint16_t>(b << 8);
+        for (int i = 0; i < 8; ++i) crc = static_cast<std::uint16_t>(crc & 0x8000 ? crc << 1 ^ 0x1021 : crc << 1);
+        t[b] = crc;
+    }
+    return t;
+}();
+
 std::uint16_t Crc(const unsigned char* p, std::size_t n) {
     std::uint16_t crc = 0;
-    while (n--) {
-        crc ^= static_cast<std::uint16_t>(*p++ << 8);
-        for (int i = 0; i < 8; ++i)
-            crc = static_cast<std::uint16_t>(crc & 0x8000 ? crc << 1 ^ 0x1021 : crc << 1);
-    }
+    while (n--) crc = static_cast<std::uint16_t>(crc << 8 ^ kCrcTable[(crc >> 8 ^ *p++) & 0xFF]);
     return crc;
 }
 
