@@ -1,5 +1,6 @@
 // Disc images: libarchive for ISO 9660 (it handles Joliet, Rock Ridge,
-// multi-extent files and zisofs), our own reader for UDF of every revision. The header figures come from the project's own superblock probe, so an
+// multi-extent files and zisofs), our own reader for UDF of every revision.
+// The header figures come from the project's own superblock probe, so an
 // image and the disc burnt from it get the same serial number.
 #include "platform/image.h"
 
