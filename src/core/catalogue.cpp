@@ -362,6 +362,14 @@ std::string_view WithoutTrailingSlashes(std::string_view root) {
 // that isn't valid UTF-8 is taken as Windows-1252, the likeliest origin of
 // such bytes.
 void AppendName(std::string& out, std::string_view name) {
+    // Most names are printable ASCII without a bar or a backslash: whole.
+    if (std::all_of(name.begin(), name.end(), [](char c) {
+            const auto b = static_cast<unsigned char>(c);
+            return b >= 0x20 && b < 0x7F && b != '|' && b != '\\';
+        })) {
+        out.append(name);
+        return;
+    }
     std::string converted;
     if (!IsAscii(name) && !IsValidUtf8(name)) {
         converted = Cp1252ToUtf8(name);
@@ -420,7 +428,10 @@ void AppendInt(std::string& out, std::int64_t v) {
 
 // A field that must stay one field on one line.
 void AppendField(std::string& out, std::string_view text) {
-    for (char c : text) out += (c == '|' || c == '\r' || c == '\n') ? '?' : c;
+    const std::size_t start = out.size();
+    out.append(text);
+    for (std::size_t i = start; i < out.size(); ++i)
+        if (out[i] == '|' || out[i] == '\r' || out[i] == '\n') out[i] = '?';
 }
 
 void AppendFolderLine(std::string& out, std::string_view root, const WalkRecord& folder) {
