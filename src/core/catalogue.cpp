@@ -112,16 +112,26 @@ LineReader::LineReader(const std::string& path, std::size_t blockSize) : LineRea
 
 LineReader::LineReader(std::size_t blockSize) : block_(blockSize == 0 ? 1 : blockSize) {}
 
-bool LineReader::Open(const std::string& path) {
+void LineReader::Reset() {
     file_.reset();
     openFailure_ = {};
     pos_ = cut_ = end_ = 0;
     eof_ = false;
     left_ = 0;
     offset_ = 0;
-    // Never blocks, and takes nothing but a regular file (a FIFO named
-    // "*.idx" would hang the reader forever).
+}
+
+// Either way the file is opened without blocking, and only a regular file is
+// taken (a FIFO named "*.idx" would hang the reader forever).
+bool LineReader::Open(const std::string& path) {
+    Reset();
     file_ = OpenForReading(path, &openFailure_, &left_);
+    return file_ != nullptr;
+}
+
+bool LineReader::Open(ReadFolder& folder, const std::string& name) {
+    Reset();
+    file_ = folder.Open(name, &openFailure_, &left_);
     return file_ != nullptr;
 }
 

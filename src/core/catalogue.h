@@ -87,6 +87,8 @@ public:
     // over many catalogues gets the same memory back for each. False when
     // it can't be opened (OpenFailure says why).
     bool Open(const std::string& path);
+    // The same for the file `name` of `folder`.
+    bool Open(ReadFolder& folder, const std::string& name);
     void Close() { file_.reset(); }
     LineReader(const LineReader&) = delete;
     LineReader& operator=(const LineReader&) = delete;
@@ -108,6 +110,7 @@ public:
     void Skip(std::size_t n) { pos_ += n; }
 
 private:
+    void Reset();
     bool Fill();
     void Grow(std::size_t size);
     ReadFile file_;

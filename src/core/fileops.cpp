@@ -60,6 +60,23 @@ ReadFile StandardOpener(const std::string& path, Failure* failure, std::uint64_t
 
 std::atomic<ReadOpener> gOpener{&StandardOpener};
 
+class PathFolder final : public ReadFolder {
+public:
+    explicit PathFolder(std::string folder) : folder_(std::move(folder)) {}
+    ReadFile Open(const std::string& name, Failure* failure, std::uint64_t* size) override {
+        return OpenForReading(Join(folder_, name), failure, size);
+    }
+
+private:
+    std::string folder_;
+};
+
+std::unique_ptr<ReadFolder> StandardFolderOpener(const std::string& folder) {
+    return std::make_unique<PathFolder>(folder);
+}
+
+std::atomic<FolderOpener> gFolderOpener{&StandardFolderOpener};
+
 bool EndsWith(std::string_view text, std::string_view end) {
     return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
 }
@@ -70,7 +87,14 @@ ReadFile OpenForReading(const std::string& path, Failure* failure, std::uint64_t
     return gOpener.load()(path, failure, size);
 }
 
-ReadOpener SetReadOpener(ReadOpener opener) { return gOpener.exchange(opener ? opener : &StandardOpener); }
+ReadOpener SetReadOpener(ReadOpener opener) {
+    gFolderOpener = &StandardFolderOpener;
+    return gOpener.exchange(opener ? opener : &StandardOpener);
+}
+
+std::unique_ptr<ReadFolder> OpenFolderForReading(const std::string& folder) { return gFolderOpener.load()(folder); }
+
+void SetFolderOpener(FolderOpener opener) { gFolderOpener = opener ? opener : &StandardFolderOpener; }
 
 // The plain versions, for file systems in memory: a name that is free now, no
 // lock, and a check before the rename. The platform layer does each in one

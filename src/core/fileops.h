@@ -107,8 +107,24 @@ public:
 constexpr std::uint64_t kUnknownSize = UINT64_MAX;
 ReadFile OpenForReading(const std::string& path, Failure* failure = nullptr, std::uint64_t* size = nullptr);
 using ReadOpener = ReadFile (*)(const std::string& path, Failure* failure, std::uint64_t* size);
-// Returns the opener it replaces, so that a test can put it back.
+// Returns the opener it replaces, so that a test can put it back. It also
+// puts back the standard folder opener, so that a test's opener sees every
+// file opened.
 ReadOpener SetReadOpener(ReadOpener opener);
+
+// The files of one folder, opened by their names as OpenForReading opens a
+// path. A run over the catalogues of a data folder opens the folder once:
+// the system then looks up each catalogue's own name, not the whole path to
+// it again.
+class ReadFolder {
+public:
+    virtual ~ReadFolder() = default;
+    virtual ReadFile Open(const std::string& name, Failure* failure, std::uint64_t* size) = 0;
+};
+std::unique_ptr<ReadFolder> OpenFolderForReading(const std::string& folder);
+using FolderOpener = std::unique_ptr<ReadFolder> (*)(const std::string& folder);
+// The platform's folder opener; the standard one joins folder and name.
+void SetFolderOpener(FolderOpener opener);
 
 // The real file system. Defined in the platform layer.
 FileOps& SystemFileOps();

@@ -810,11 +810,12 @@ SearchEnd RunSearch(const std::string& dataFolder, const SearchCriteria& c, HitS
     // every catalogue, where one per catalogue cost a third of the time
     // outside the scans in allocating and freeing.
     LineReader reader(hooks.readBlock);
+    const std::unique_ptr<ReadFolder> folder = OpenFolderForReading(dataFolder);
     for (const SearchDisc& disc : c.discs) {
         if (!disc.marked) continue;
         {
-            catalogue.assign(dataFolder).append(1, '/').append(disc.label).append(".idx");  // CataloguePath, in place
-            reader.Open(catalogue);
+            catalogue.assign(disc.label).append(".idx");  // CataloguePath's name in the data folder
+            reader.Open(*folder, catalogue);
             std::string_view line;
             if (reader.IsOpen() && reader.NextRaw(line)) {
                 if (matcher.TestDisc(disc.label, line) && !add(disc.label)) return SearchEnd::HitLimit;

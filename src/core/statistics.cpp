@@ -33,13 +33,23 @@ std::string SizeText(const std::string& bytes, double gigabytes, const std::stri
 CatalogueCounter::CatalogueCounter(std::size_t blockSize) : lines_(std::max<std::size_t>(1, blockSize)) {}
 
 CatalogueCounts CatalogueCounter::Count(const std::string& path) {
+    lines_.Open(path);
+    return CountOpened();
+}
+
+CatalogueCounts CatalogueCounter::Count(ReadFolder& folder, const std::string& name) {
+    lines_.Open(folder, name);
+    return CountOpened();
+}
+
+CatalogueCounts CatalogueCounter::CountOpened() {
     CatalogueCounts counts;
     LineReader& lines = lines_;
     struct Closer {
         LineReader& r;
         ~Closer() { r.Close(); }
     } closer{lines};
-    if (!lines.Open(path)) return counts;
+    if (!lines.IsOpen()) return counts;
     counts.opened = true;
     // The reader hands out blocks of whole lines, so no line end is split:
     // the folder section to its empty line and the file section to the end
@@ -75,12 +85,13 @@ StatisticsTotals CollectStatistics(const std::string& dataFolder,
     StatisticsTotals totals;
     totals.discs = static_cast<std::int64_t>(labels.size());
     CatalogueCounter counter;
+    const std::unique_ptr<ReadFolder> folder = OpenFolderForReading(dataFolder);
     for (std::size_t i = 0; i < labels.size(); ++i) {
         if (progress && !progress(i + 1, labels.size())) {
             totals.complete = false;
             break;
         }
-        const CatalogueCounts counts = counter.Count(CataloguePath(dataFolder, labels[i]));
+        const CatalogueCounts counts = counter.Count(*folder, labels[i] + ".idx");
         totals.totalSize += ParseLeadingDecimal(FirstField(counts.headerLine));
         totals.folders += counts.folders;
         totals.files += counts.files;

@@ -34,8 +34,11 @@ class CatalogueCounter {
 public:
     explicit CatalogueCounter(std::size_t blockSize = std::size_t{64} << 10);
     CatalogueCounts Count(const std::string& path);
+    // The catalogue `name` of `folder`.
+    CatalogueCounts Count(ReadFolder& folder, const std::string& name);
 
 private:
+    CatalogueCounts CountOpened();
     LineReader lines_;  // one buffer for the whole run
 };
 

@@ -70,10 +70,12 @@ private:
     int fd_;
 };
 
-// Opens `path` for reading without blocking on a FIFO or a device, and keeps
-// it only if what was opened is a regular file.
-int OpenRegular(const std::string& path, Failure* failure, std::uint64_t* size = nullptr) {
-    const int fd = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+// Opens `path` (`name` in the folder `dirFd`, with `path` for what is
+// reported) for reading without blocking on a FIFO or a device, and keeps it
+// only if what was opened is a regular file.
+int OpenRegular(const std::string& path, Failure* failure, std::uint64_t* size = nullptr, int dirFd = AT_FDCWD,
+                const char* name = nullptr) {
+    const int fd = openat(dirFd, name ? name : path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
     if (fd < 0) {
         const int code = errno;
         if (failure)
@@ -128,9 +130,41 @@ ReadFile PosixOpener(const std::string& path, Failure* failure, std::uint64_t* s
     return std::make_unique<PosixStream>(fd);
 }
 
+// The data folder held open by an O_PATH descriptor for one run.
+class PosixFolder final : public ReadFolder {
+public:
+    PosixFolder(int fd, std::string folder) : fd_(fd), folder_(std::move(folder)) {}
+    ~PosixFolder() override {
+        if (fd_ >= 0) close(fd_);
+    }
+    ReadFile Open(const std::string& name, Failure* failure, std::uint64_t* size) override {
+        std::string path = folder_;
+        if (path.empty() || path.back() != '/') path += '/';
+        path += name;
+        const int fd = fd_ >= 0 ? OpenRegular(path, failure, size, fd_, name.c_str()) : OpenRegular(path, failure, size);
+        if (fd < 0) return nullptr;
+        return std::make_unique<PosixStream>(fd);
+    }
+
+private:
+    int fd_;
+    std::string folder_;
+};
+
+std::unique_ptr<ReadFolder> PosixFolderOpener(const std::string& folder) {
+    const int fd = open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
+    // A folder that can't be opened (-1): each file then says why, by its path.
+    return std::make_unique<PosixFolder>(fd, folder);
+}
+
+void InstallOpeners() {
+    SetReadOpener(&PosixOpener);
+    SetFolderOpener(&PosixFolderOpener);
+}
+
 class PosixFileOps final : public FileOps {
 public:
-    PosixFileOps() { SetReadOpener(&PosixOpener); }
+    PosixFileOps() { InstallOpeners(); }
 
     std::unique_ptr<OutFile> CreateScratch(const std::string& folder, std::string_view ending,
                                            std::string& path, Failure* failure) override {
@@ -321,7 +355,7 @@ public:
 
 // Every program that links the file operations reads catalogues this way from
 // its first line on.
-const bool kOpenerInstalled = (SetReadOpener(&PosixOpener), true);
+const bool kOpenerInstalled = (InstallOpeners(), true);
 
 }  // namespace
 
