@@ -54,12 +54,17 @@ int RunDuplicates(Context& ctx) {
         }
     } else {
         Records records(ctx, {{"group", true}, {"name"}, {"size", true}, {"hit"}});
+        // One record a copy: the group's fields are made once, not per copy.
+        std::vector<std::string> values(4);
         std::size_t number = 0;
         for (const DuplicateGroup& g : groups) {
-            ++number;
-            for (const std::string& hit : g.hits)
-                records.Add({std::to_string(number), Value(ctx, g.name), std::to_string(g.size),
-                             Value(ctx, hit, true)});
+            values[0] = std::to_string(++number);
+            values[1] = Value(ctx, g.name);
+            values[2] = std::to_string(g.size);
+            for (const std::string& hit : g.hits) {
+                values[3] = Value(ctx, hit, true);
+                records.Add(values);
+            }
         }
     }
     return groups.empty() ? kNothing : kDone;

@@ -42,7 +42,9 @@ private:
     const Context& ctx_;
     std::vector<Field> fields_;
     bool single_;
+    Format format_;
     std::size_t count_ = 0;
+    std::string line_;  // a tsv record, kept for its capacity
 };
 
 }  // namespace ct::cli
