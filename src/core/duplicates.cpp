@@ -8,6 +8,9 @@
 #include <cstring>
 #include <memory>
 #include <string_view>
+#include <exception>
+#include <thread>
+#include <atomic>
 
 #ifdef __SSE2__
 #include <emmintrin.h>
@@ -70,6 +73,34 @@ private:
 
 std::uint64_t gHashMask = ~std::uint64_t{0};
 std::size_t gBlock = std::size_t{1} << 18;  // one read of the pass
+bool gThreads = true;
+
+// Runs `job(0)` here and `job(1)` on a thread of its own, or both here one
+// after the other.
+template <typename Job>
+void InTwo(bool twoThreads, Job&& job) {
+    if (!twoThreads) {
+        job(0);
+        job(1);
+        return;
+    }
+    std::exception_ptr failed;
+    std::thread other([&job, &failed] {
+        try {
+            job(1);
+        } catch (...) {
+            failed = std::current_exception();
+        }
+    });
+    try {
+        job(0);
+    } catch (...) {
+        other.join();
+        throw;
+    }
+    other.join();
+    if (failed) std::rethrow_exception(failed);
+}
 
 std::uint64_t Mum(std::uint64_t a, std::uint64_t b) {
     const unsigned __int128 r = static_cast<unsigned __int128>(a) * b;
@@ -292,15 +323,22 @@ struct Candidate {
 // of its own that stays in the cache. A slot holds 32 further bits of the
 // hash, so two hashes may meet there wrongly: that only makes candidates the
 // names then tell apart.
-std::vector<Candidate> CandidatesOf(Records& records) {
+std::vector<Candidate> CandidatesOf(Records (&records)[2], bool twoThreads) {
+    // Each pass's records go to their own places in every part, the first
+    // pass's first, so the two can be parted at once.
     std::vector<std::size_t> start(kParts + 1, 0);
-    for (std::size_t b = 0; b < kParts; ++b) start[b + 1] = start[b] + records.Counts()[b];
-    std::unique_ptr<Record[]> parted(new Record[records.Size()]);
-    {
-        std::vector<std::size_t> next(start.begin(), start.end() - 1);
-        records.ForEach([&](const Record& r) { parted[next[r.hash >> (64 - kPartBits)]++] = r; });
-        records.Clear();
-    }
+    std::vector<std::size_t> next[2];
+    for (std::size_t b = 0; b < kParts; ++b)
+        start[b + 1] = start[b] + records[0].Counts()[b] + records[1].Counts()[b];
+    next[0].assign(start.begin(), start.end() - 1);
+    next[1] = next[0];
+    for (std::size_t b = 0; b < kParts; ++b) next[1][b] += records[0].Counts()[b];
+    std::unique_ptr<Record[]> parted(new Record[records[0].Size() + records[1].Size()]);
+    const auto part = [&](int t) {
+        records[t].ForEach([&](const Record& r) { parted[next[t][r.hash >> (64 - kPartBits)]++] = r; });
+        records[t].Clear();
+    };
+    InTwo(twoThreads, part);
 
     struct Seen {
         std::uint32_t hash;
@@ -308,9 +346,11 @@ std::vector<Candidate> CandidatesOf(Records& records) {
     };
     constexpr std::uint32_t kMany = 0x80000000u;
     const auto key = [](std::uint64_t hash) { return static_cast<std::uint32_t>(hash >> (32 - kPartBits)); };
+    std::vector<Candidate> found[2];
+    const auto look = [&](int t) {
     std::vector<Seen> table;
-    std::vector<Candidate> candidates;
-    for (std::size_t b = 0; b < kParts; ++b) {
+    std::vector<Candidate>& candidates = found[t];
+    for (std::size_t b = t * kParts / 2; b < (t + 1) * kParts / 2; ++b) {
         const Record* first = parted.get() + start[b];
         const Record* last = parted.get() + start[b + 1];
         if (last - first < 2) continue;
@@ -334,7 +374,10 @@ std::vector<Candidate> CandidatesOf(Records& records) {
         for (const Record* r = first; r != last; ++r)
             if (slot(r->hash).disc & kMany) candidates.push_back({r->where, r->hash});
     }
-    return candidates;
+    };
+    InTwo(twoThreads, look);
+    found[0].insert(found[0].end(), found[1].begin(), found[1].end());
+    return std::move(found[0]);
 }
 
 // A candidate read again: what its group and hit need, as places in one
@@ -409,9 +452,10 @@ void FetchDisc(const std::string& path, const Candidate* first, const Candidate*
 
 }  // namespace
 
-void SetDuplicateSeamsForTesting(int hashBits, std::size_t block) {
+void SetDuplicateSeamsForTesting(int hashBits, std::size_t block, bool threads) {
     gHashMask = hashBits >= 64 ? ~std::uint64_t{0} : ~(~std::uint64_t{0} >> hashBits);
     gBlock = std::max<std::size_t>(1, block);
+    gThreads = threads;
 }
 
 std::int64_t Bytes(std::int64_t storedSize) {
@@ -421,27 +465,64 @@ std::int64_t Bytes(std::int64_t storedSize) {
 std::vector<DuplicateGroup> FindDuplicates(const std::string& dataFolder,
                                            const std::vector<std::string>& labels, std::int64_t minSize,
                                            const std::function<bool(std::size_t, std::size_t)>& progress) {
-    Records records;
-    std::vector<char> buf(gBlock);
+    // Two passes take every other disc (the same split every run), each into
+    // records of its own. Only this thread speaks to `progress`, a disc or two
+    // ahead of its own, and the other reads no disc `progress` hasn't heard of.
     const std::size_t discs = std::min(labels.size(), kMaxDiscs);
-    for (std::size_t disc = 0; disc < discs; ++disc) {
-        if (progress && !progress(disc + 1, labels.size())) break;
-        const ReadFile file = Open(CataloguePath(dataFolder, labels[disc]));
-        if (file) ScanDisc(*file, disc, minSize, buf, records);
-    }
-    std::vector<Candidate> candidates = CandidatesOf(records);
+    const bool twoThreads = gThreads && discs > 1;
+    Records records[2];
+    std::atomic<std::size_t> heard{0};
+    std::atomic<bool> stop{false};
+    const auto pass = [&](int t) {
+        if (t == 1 && !twoThreads) return;  // the one pass took them all
+        std::vector<char> buf(gBlock);
+        for (std::size_t disc = twoThreads ? t : 0;; disc += twoThreads ? 2 : 1) {
+            if (t == 0) {
+                const std::size_t upTo = std::min(disc + (twoThreads ? 3 : 1), discs);
+                for (std::size_t h = heard; h < upTo && !stop; ++h) {
+                    if (progress && !progress(h + 1, labels.size())) stop = true;
+                    heard = stop ? SIZE_MAX : h + 1;  // a stop wakes the other thread too
+                    heard.notify_one();
+                }
+            } else {
+                for (std::size_t h; disc < discs && (h = heard) <= disc;) heard.wait(h);
+            }
+            if (disc >= discs || stop) return;
+            const ReadFile file = Open(CataloguePath(dataFolder, labels[disc]));
+            if (file) ScanDisc(*file, disc, minSize, buf, records[t]);
+        }
+    };
+    InTwo(twoThreads, pass);
+    std::vector<Candidate> candidates = CandidatesOf(records, twoThreads);
     std::sort(candidates.begin(), candidates.end(),
               [](const Candidate& a, const Candidate& b) { return a.where < b.where; });
 
-    std::vector<Fetched> fetched;
-    std::string arena;
-    buf.clear();
-    for (std::size_t i = 0, j; i < candidates.size(); i = j) {
-        const std::uint64_t disc = candidates[i].where >> kOffsetBits;
-        for (j = i + 1; j < candidates.size() && (candidates[j].where >> kOffsetBits) == disc;) ++j;
-        FetchDisc(CataloguePath(dataFolder, labels[disc]), candidates.data() + i, candidates.data() + j, buf,
-                  arena, fetched);
+    // Read again in two halves of whole discs, the first half's lines first.
+    std::size_t half = candidates.size() / 2;
+    while (half > 0 && half < candidates.size() &&
+           (candidates[half].where >> kOffsetBits) == (candidates[half - 1].where >> kOffsetBits))
+        ++half;
+    std::vector<Fetched> got[2];
+    std::string bytesOf[2];
+    const auto fetch = [&](int t) {
+        std::vector<char> buf;
+        const std::size_t from = t ? half : 0, to = t ? candidates.size() : half;
+        for (std::size_t i = from, j; i < to; i = j) {
+            const std::uint64_t disc = candidates[i].where >> kOffsetBits;
+            for (j = i + 1; j < to && (candidates[j].where >> kOffsetBits) == disc;) ++j;
+            FetchDisc(CataloguePath(dataFolder, labels[disc]), candidates.data() + i, candidates.data() + j, buf,
+                      bytesOf[t], got[t]);
+        }
+    };
+    InTwo(twoThreads, fetch);
+    std::vector<Fetched>& fetched = got[0];
+    std::string& arena = bytesOf[0];
+    for (Fetched f : got[1]) {
+        const auto shift = static_cast<std::uint32_t>(arena.size());
+        f.upperAt += shift, f.nameAt += shift, f.pathAt += shift;
+        fetched.push_back(f);
     }
+    arena += bytesOf[1];
     candidates = {};
 
     // The copies of one hash in disc and line order; a hash may stand for

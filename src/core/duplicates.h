@@ -38,6 +38,6 @@ std::vector<DuplicateGroup> FindDuplicates(
 // meet must still be told apart by their names; and read `block` bytes at a
 // time, so that lines and line ends straddle reads. (64, 1 << 18) is the
 // program's own setting.
-void SetDuplicateSeamsForTesting(int hashBits, std::size_t block);
+void SetDuplicateSeamsForTesting(int hashBits, std::size_t block, bool threads = true);
 
 }  // namespace ct

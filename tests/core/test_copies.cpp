@@ -101,20 +101,34 @@ TEST(FindDuplicates, SameNameAndSizeOnTwoDiscsLargestFirst) {
          {"KLEIN.TXT 3: Vier\\\\KLEIN.TXT F\xC3\xBCnf\\\\x\\Klein.txt F\xC3\xBCnf\\\\y\\klein.txt"}},
     };
     // Hashes that all meet, and reads of a few bytes, must change nothing.
-    // So must the portable path of the line cutting.
-    for (const auto& [bits, block, vectors] : {std::tuple{64, 1 << 18, true}, {0, 1, true}, {1, 5, false}, {3, 64, true}})
+    // So must the portable path of the line cutting, and one thread for two.
+    for (const auto& [bits, block, vectors, threads] :
+         {std::tuple{64, 1 << 18, true, true}, {0, 1, true, true}, {1, 5, false, false}, {3, 64, true, true}})
     for (const auto& row : rows) {
         SCOPED_TRACE(std::string(row.name) + " bits " + std::to_string(bits) + " block " + std::to_string(block));
-        SetDuplicateSeamsForTesting(bits, static_cast<std::size_t>(block));
+        SetDuplicateSeamsForTesting(bits, static_cast<std::size_t>(block), threads);
         scan::UseVectors(vectors);
         std::vector<std::string> said;
-        for (const DuplicateGroup& g : FindDuplicates(s.Path(), row.labels, row.minSize)) {
+        std::vector<std::size_t> heard;
+        const auto progress = [&](std::size_t disc, std::size_t discs) {
+            heard.push_back(disc * 10 + discs);
+            return true;
+        };
+        for (const DuplicateGroup& g : FindDuplicates(s.Path(), row.labels, row.minSize, progress)) {
             std::string text = g.name + " " + std::to_string(g.size) + ":";
             for (const std::string& hit : g.hits) text += " " + hit;
             said.push_back(text);
         }
         EXPECT_EQ(said, row.expected);
+        // Every disc heard once, in order, however the two threads took them.
+        std::vector<std::size_t> all;
+        for (std::size_t d = 1; d <= row.labels.size(); ++d) all.push_back(d * 10 + row.labels.size());
+        EXPECT_EQ(heard, all);
     }
+    // Stopped at the first disc, no more than one disc is read: no copies.
+    EXPECT_TRUE(FindDuplicates(s.Path(), {"Eins", "Zwei", "Drei"}, 0, [](std::size_t, std::size_t) {
+                    return false;
+                }).empty());
     SetDuplicateSeamsForTesting(64, 1 << 18);
     scan::UseVectors(true);
 }
