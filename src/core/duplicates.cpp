@@ -1,16 +1,16 @@
 #include "core/duplicates.h"
 
 #include <algorithm>
+#include <atomic>
 #include <bit>
 #include <charconv>
 #include <climits>
 #include <cstdio>
 #include <cstring>
+#include <exception>
 #include <memory>
 #include <string_view>
-#include <exception>
 #include <thread>
-#include <atomic>
 
 #ifdef __SSE2__
 #include <emmintrin.h>
@@ -37,38 +37,55 @@ struct Record {
 constexpr int kOffsetBits = 40;
 constexpr std::uint64_t kOffsetMask = (std::uint64_t{1} << kOffsetBits) - 1;
 constexpr std::size_t kMaxDiscs = std::size_t{1} << (64 - kOffsetBits);
-constexpr int kPartBits = 11;
+constexpr int kPartBits = 8;
 constexpr std::size_t kParts = std::size_t{1} << kPartBits;
 
-// The records of the pass in blocks that are never moved (a growing vector
-// would copy them all again and again), counted by the top bits of their hash
-// on the way, so that one pass can later part them.
+// The records of the pass, parted on the way by the top bits of their hash:
+// each part a chain of small chunks cut from large blocks that are never
+// moved. A part's table then stays in the cache while its records go through
+// it, and no second array is needed to part them afterwards. (So few parts
+// that the ends they are written at stay in the cache too.)
 class Records {
 public:
     void Add(std::uint64_t hash, std::uint64_t where) {
-        if (used_ == kBlock) {
-            blocks_.emplace_back(new Record[kBlock]);
-            used_ = 0;
-        }
-        blocks_.back()[used_++] = {hash, where};
-        ++counts_[hash >> (64 - kPartBits)];
+        Part& p = parts_[hash >> (64 - kPartBits)];
+        if (p.at == p.end) NewChunk(p);
+        *p.at++ = {hash, where};
     }
-    std::size_t Size() const { return blocks_.empty() ? 0 : (blocks_.size() - 1) * kBlock + used_; }
-    const std::vector<std::size_t>& Counts() const { return counts_; }
+    std::size_t Count(std::size_t part) const {
+        const Part& p = parts_[part];
+        return p.chunks.empty()
+                   ? 0
+                   : (p.chunks.size() - 1) * kChunk + static_cast<std::size_t>(p.at - p.chunks.back());
+    }
     template <typename F>
-    void ForEach(F&& f) const {
-        for (std::size_t b = 0; b < blocks_.size(); ++b) {
-            const Record* r = blocks_[b].get();
-            for (const Record* end = r + (b + 1 == blocks_.size() ? used_ : kBlock); r != end; ++r) f(*r);
-        }
+    void ForEach(std::size_t part, F&& f) const {
+        const Part& p = parts_[part];
+        for (std::size_t c = 0; c < p.chunks.size(); ++c)
+            for (const Record *r = p.chunks[c], *end = c + 1 == p.chunks.size() ? p.at : r + kChunk; r != end;
+                 ++r)
+                f(*r);
     }
-    void Clear() { blocks_.clear(); }
 
 private:
-    static constexpr std::size_t kBlock = std::size_t{1} << 16;
+    static constexpr std::size_t kChunk = 512, kBlock = std::size_t{1} << 16;  // records
+    struct Part {
+        Record* at = nullptr;
+        Record* end = nullptr;
+        std::vector<Record*> chunks;
+    };
+    void NewChunk(Part& p) {
+        if (blocks_.empty() || left_ == 0) {
+            blocks_.emplace_back(new Record[kBlock]);
+            left_ = kBlock / kChunk;
+        }
+        p.at = blocks_.back().get() + (kBlock / kChunk - left_--) * kChunk;
+        p.end = p.at + kChunk;
+        p.chunks.push_back(p.at);
+    }
+    std::vector<Part> parts_ = std::vector<Part>(kParts);
     std::vector<std::unique_ptr<Record[]>> blocks_;
-    std::size_t used_ = kBlock;
-    std::vector<std::size_t> counts_ = std::vector<std::size_t>(kParts, 0);
+    std::size_t left_ = 0;  // chunks not yet cut from the last block
 };
 
 std::uint64_t gHashMask = ~std::uint64_t{0};
@@ -164,6 +181,24 @@ void UpperName(std::string& out, std::string_view raw) {
     }
 }
 
+// The Size field behind the first bar, as std::from_chars reads it, up to the
+// next bar or the line end; false when it isn't a number. By hand: the
+// library's general reader was a tenth of the whole run.
+bool SizeField(const char* p, const char* eol, std::int64_t& size) {
+    const char* q = p + (p < eol && *p == '-');
+    const char* digits = q;
+    std::uint64_t v = 0;
+    while (q < eol && static_cast<unsigned char>(*q - '0') < 10)
+        v = v * 10 + static_cast<unsigned char>(*q++ - '0');
+    if (q == digits || (q != eol && *q != '|')) return false;
+    if (q - digits > 18) {  // where it could overflow, the library's rules
+        const auto [after, ec] = std::from_chars(p, eol, size);
+        return ec == std::errc() && after == q;
+    }
+    size = digits == p ? static_cast<std::int64_t>(v) : -static_cast<std::int64_t>(v);
+    return true;
+}
+
 // A file line taken apart as far as a copy needs it.
 struct FileLine {
     std::string_view path, name;
@@ -174,8 +209,7 @@ bool ParseFileLine(const char* p, std::size_t n, FileLine& out) {
     const char* end = p + n;
     const char* bar = static_cast<const char*>(std::memchr(p, '|', n));
     if (!bar) return false;
-    const auto [after, ec] = std::from_chars(bar + 1, end, out.size);
-    if (ec != std::errc() || (after != end && *after != '|')) return false;
+    if (!SizeField(bar + 1, end, out.size)) return false;
     out.path = std::string_view(p, static_cast<std::size_t>(bar - p));
     const std::size_t slash = out.path.rfind('\\');
     out.name = slash == std::string_view::npos ? out.path : out.path.substr(slash + 1);
@@ -285,8 +319,7 @@ void ScanDisc(ReadStream& file, std::uint64_t disc, std::int64_t minSize, std::v
                 }
                 if (!cut.bar) break;
                 std::int64_t size;
-                const auto [after, ec] = std::from_chars(cut.bar + 1, eol, size);
-                if (ec != std::errc() || (after != eol && *after != '|') || Bytes(size) < minSize) break;
+                if (!SizeField(cut.bar + 1, eol, size) || Bytes(size) < minSize) break;
                 const std::uint64_t offset = base + static_cast<std::uint64_t>(p - buf.data());
                 if (offset > kOffsetMask) {
                     at = At::Done;
@@ -323,23 +356,7 @@ struct Candidate {
 // of its own that stays in the cache. A slot holds 32 further bits of the
 // hash, so two hashes may meet there wrongly: that only makes candidates the
 // names then tell apart.
-std::vector<Candidate> CandidatesOf(Records (&records)[2], bool twoThreads) {
-    // Each pass's records go to their own places in every part, the first
-    // pass's first, so the two can be parted at once.
-    std::vector<std::size_t> start(kParts + 1, 0);
-    std::vector<std::size_t> next[2];
-    for (std::size_t b = 0; b < kParts; ++b)
-        start[b + 1] = start[b] + records[0].Counts()[b] + records[1].Counts()[b];
-    next[0].assign(start.begin(), start.end() - 1);
-    next[1] = next[0];
-    for (std::size_t b = 0; b < kParts; ++b) next[1][b] += records[0].Counts()[b];
-    std::unique_ptr<Record[]> parted(new Record[records[0].Size() + records[1].Size()]);
-    const auto part = [&](int t) {
-        records[t].ForEach([&](const Record& r) { parted[next[t][r.hash >> (64 - kPartBits)]++] = r; });
-        records[t].Clear();
-    };
-    InTwo(twoThreads, part);
-
+std::vector<Candidate> CandidatesOf(const Records (&records)[2], bool twoThreads) {
     struct Seen {
         std::uint32_t hash;
         std::uint32_t disc;  // the first disc + 1, the top bit set once met on another; 0: a free slot
@@ -348,32 +365,34 @@ std::vector<Candidate> CandidatesOf(Records (&records)[2], bool twoThreads) {
     const auto key = [](std::uint64_t hash) { return static_cast<std::uint32_t>(hash >> (32 - kPartBits)); };
     std::vector<Candidate> found[2];
     const auto look = [&](int t) {
-    std::vector<Seen> table;
-    std::vector<Candidate>& candidates = found[t];
-    for (std::size_t b = t * kParts / 2; b < (t + 1) * kParts / 2; ++b) {
-        const Record* first = parted.get() + start[b];
-        const Record* last = parted.get() + start[b + 1];
-        if (last - first < 2) continue;
-        std::size_t size = 16;
-        while (size < 2 * static_cast<std::size_t>(last - first)) size *= 2;
-        table.assign(size, Seen{0, 0});
-        const auto slot = [&](std::uint64_t hash) -> Seen& {
-            for (std::size_t i = hash & (size - 1);; i = (i + 1) & (size - 1))
-                if (!table[i].disc || table[i].hash == key(hash)) return table[i];
-        };
-        bool any = false;
-        for (const Record* r = first; r != last; ++r) {
-            Seen& s = slot(r->hash);
-            const auto disc = static_cast<std::uint32_t>(r->where >> kOffsetBits) + 1;
-            if (!s.disc)
-                s = {key(r->hash), disc};
-            else if ((s.disc & ~kMany) != disc)
-                s.disc |= kMany, any = true;
+        std::vector<Seen> table;
+        std::vector<Candidate>& candidates = found[t];
+        for (std::size_t b = t * kParts / 2; b < (t + 1) * kParts / 2; ++b) {
+            const std::size_t n = records[0].Count(b) + records[1].Count(b);
+            if (n < 2) continue;
+            std::size_t size = 16;
+            while (size < 2 * n) size *= 2;
+            table.assign(size, Seen{0, 0});
+            const auto slot = [&](std::uint64_t hash) -> Seen& {
+                for (std::size_t i = hash & (size - 1);; i = (i + 1) & (size - 1))
+                    if (!table[i].disc || table[i].hash == key(hash)) return table[i];
+            };
+            bool any = false;
+            for (const Records& part : records)
+                part.ForEach(b, [&](const Record& r) {
+                    Seen& s = slot(r.hash);
+                    const auto disc = static_cast<std::uint32_t>(r.where >> kOffsetBits) + 1;
+                    if (!s.disc)
+                        s = {key(r.hash), disc};
+                    else if ((s.disc & ~kMany) != disc)
+                        s.disc |= kMany, any = true;
+                });
+            if (!any) continue;
+            for (const Records& part : records)
+                part.ForEach(b, [&](const Record& r) {
+                    if (slot(r.hash).disc & kMany) candidates.push_back({r.where, r.hash});
+                });
         }
-        if (!any) continue;
-        for (const Record* r = first; r != last; ++r)
-            if (slot(r->hash).disc & kMany) candidates.push_back({r->where, r->hash});
-    }
     };
     InTwo(twoThreads, look);
     found[0].insert(found[0].end(), found[1].begin(), found[1].end());
@@ -494,6 +513,7 @@ std::vector<DuplicateGroup> FindDuplicates(const std::string& dataFolder,
     };
     InTwo(twoThreads, pass);
     std::vector<Candidate> candidates = CandidatesOf(records, twoThreads);
+    for (Records& r : records) r = Records();
     std::sort(candidates.begin(), candidates.end(),
               [](const Candidate& a, const Candidate& b) { return a.where < b.where; });
 
@@ -510,8 +530,8 @@ std::vector<DuplicateGroup> FindDuplicates(const std::string& dataFolder,
         for (std::size_t i = from, j; i < to; i = j) {
             const std::uint64_t disc = candidates[i].where >> kOffsetBits;
             for (j = i + 1; j < to && (candidates[j].where >> kOffsetBits) == disc;) ++j;
-            FetchDisc(CataloguePath(dataFolder, labels[disc]), candidates.data() + i, candidates.data() + j, buf,
-                      bytesOf[t], got[t]);
+            FetchDisc(CataloguePath(dataFolder, labels[disc]), candidates.data() + i, candidates.data() + j,
+                      buf, bytesOf[t], got[t]);
         }
     };
     InTwo(twoThreads, fetch);
