@@ -36,22 +36,53 @@ struct Record {
 };
 constexpr int kOffsetBits = 40;
 constexpr std::uint64_t kOffsetMask = (std::uint64_t{1} << kOffsetBits) - 1;
-constexpr std::size_t kMaxDiscs = std::size_t{1} << (64 - kOffsetBits);
+constexpr std::size_t kMaxDiscs = std::size_t{1} << (63 - kOffsetBits);  // a pair's slot takes the top bit
 constexpr int kPartBits = 8;
 constexpr std::size_t kParts = std::size_t{1} << kPartBits;
 
-// The records of the pass, parted on the way by the top bits of their hash:
+// A line whose pair may stand on two discs or more, to be read again.
+struct Candidate {
+    std::uint64_t where, hash;
+};
+
+// How many records a pass keeps before it looks whether to fold them.
+std::size_t gFoldAt = std::size_t{1} << 20;
+
+// The records of a pass, parted on the way by the top bits of their hash:
 // each part a chain of small chunks cut from large blocks that are never
 // moved. A part's table then stays in the cache while its records go through
 // it, and no second array is needed to part them afterwards. (So few parts
 // that the ends they are written at stay in the cache too.)
+//
+// Sixteen bytes a line is the least a collection of few copies can cost;
+// one of many copies would pay that per copy. So when a pass holds gFoldAt
+// records, and again at every doubling, it looks how many lines a pair has:
+// at two or more it folds the records into a table of pairs per part (hash,
+// first line), frees them, and from then on folds a part whenever it holds
+// as many records as pairs. Either way memory stays proportional to the
+// pairs. A pair met on a second disc is many: its first line and every later
+// one become candidates; a second line on the first disc waits in `later`
+// until the end shows whether its pair is many.
 class Records {
 public:
+    std::vector<Candidate> candidates, later;  // once folded
+
     void Add(std::uint64_t hash, std::uint64_t where) {
         Part& p = parts_[hash >> (64 - kPartBits)];
         if (p.at == p.end) NewChunk(p);
         *p.at++ = {hash, where};
+        if (!folded_) {
+            if (++kept_ == checkAt_) CheckFold();
+        } else if (++p.fresh > p.used) {
+            Fold(p);
+        }
     }
+    bool Folded() const { return folded_; }
+    void FoldAll() {
+        folded_ = true;
+        for (Part& p : parts_) Fold(p);
+    }
+    // Before folding: the records of a part.
     std::size_t Count(std::size_t part) const {
         const Part& p = parts_[part];
         return p.chunks.empty()
@@ -66,26 +97,117 @@ public:
                  ++r)
                 f(*r);
     }
+    // Once folded: takes `other`'s pairs of the parts [from, to) into these.
+    // The two passes read different discs, so a pair both hold is many.
+    void Merge(Records& other, std::size_t from, std::size_t to, std::vector<Candidate>& found) {
+        for (std::size_t b = from; b < to; ++b)
+            for (const Slot& o : other.parts_[b].slots) {
+                if (!o.first) continue;
+                if (parts_[b].slots.empty()) parts_[b].slots.assign(16, Slot{0, 0});
+                Slot& s = Find(parts_[b], o.hash);
+                if (!s.first) {
+                    s = o;
+                    Added(parts_[b]);
+                } else {
+                    if (!(s.first & kMany)) found.push_back({s.first, s.hash});
+                    if (!(o.first & kMany)) found.push_back({o.first & ~kMany, o.hash});
+                    s.first |= kMany;
+                }
+            }
+    }
+    // Once folded: whether the pair of `hash` was met on two discs.
+    bool Many(std::uint64_t hash) {
+        Part& p = parts_[hash >> (64 - kPartBits)];
+        return !p.slots.empty() && (Find(p, hash).first & kMany);
+    }
 
 private:
+    // The top bit of `first` marks a pair met on two discs; 0 a free slot (a
+    // file line never stands at the start of its catalogue).
+    static constexpr std::uint64_t kMany = std::uint64_t{1} << 63;
+    struct Slot {
+        std::uint64_t hash, first;
+    };
     static constexpr std::size_t kChunk = 512, kBlock = std::size_t{1} << 16;  // records
     struct Part {
         Record* at = nullptr;
         Record* end = nullptr;
         std::vector<Record*> chunks;
+        std::size_t fresh = 0;  // records since the last fold
+        std::vector<Slot> slots;
+        std::size_t used = 0;  // slots
     };
+    static Slot& Find(Part& p, std::uint64_t hash) {
+        const std::size_t mask = p.slots.size() - 1;
+        for (auto i = static_cast<std::size_t>(hash >> 16) & mask;; i = (i + 1) & mask)
+            if (!p.slots[i].first || p.slots[i].hash == hash) return p.slots[i];
+    }
+    // After a slot was taken: a table at most three quarters full.
+    static void Added(Part& p) {
+        if (4 * ++p.used <= 3 * p.slots.size()) return;
+        std::vector<Slot> old(2 * p.slots.size(), Slot{0, 0});
+        old.swap(p.slots);
+        for (const Slot& s : old)
+            if (s.first) Find(p, s.hash) = s;
+    }
     void NewChunk(Part& p) {
-        if (blocks_.empty() || left_ == 0) {
-            blocks_.emplace_back(new Record[kBlock]);
-            left_ = kBlock / kChunk;
+        if (free_.empty()) {
+            if (blocks_.empty() || left_ == 0) {
+                blocks_.emplace_back(new Record[kBlock]);
+                left_ = kBlock / kChunk;
+            }
+            free_.push_back(blocks_.back().get() + (kBlock / kChunk - left_--) * kChunk);
         }
-        p.at = blocks_.back().get() + (kBlock / kChunk - left_--) * kChunk;
+        p.at = free_.back();
+        free_.pop_back();
         p.end = p.at + kChunk;
         p.chunks.push_back(p.at);
     }
+    void Fold(Part& p) {
+        p.fresh = 0;
+        if (p.chunks.empty()) return;
+        if (p.slots.empty()) p.slots.assign(16, Slot{0, 0});
+        ForEach(static_cast<std::size_t>(&p - parts_.data()), [&](const Record& r) {
+            Slot& s = Find(p, r.hash);
+            if (!s.first) {
+                s = {r.hash, r.where};
+                Added(p);
+            } else if (s.first >> kOffsetBits == r.where >> kOffsetBits) {
+                later.push_back({r.where, r.hash});
+            } else {
+                if (!(s.first & kMany)) candidates.push_back({s.first, s.hash});
+                s.first |= kMany;
+                candidates.push_back({r.where, r.hash});
+            }
+        });
+        free_.insert(free_.end(), p.chunks.begin(), p.chunks.end());
+        p.chunks.clear();
+        p.at = p.end = nullptr;
+    }
     std::vector<Part> parts_ = std::vector<Part>(kParts);
     std::vector<std::unique_ptr<Record[]>> blocks_;
-    std::size_t left_ = 0;  // chunks not yet cut from the last block
+    std::vector<Record*> free_;  // chunks folded, to be written again
+    std::size_t left_ = 0;       // chunks not yet cut from the last block
+    // Folds once the records hold at least two lines a pair, as one part
+    // shows them (the hash spreads the pairs evenly over the parts); else
+    // looks again at twice as many.
+    void CheckFold() {
+        const std::size_t n = Count(0);
+        std::vector<std::uint64_t> seen(std::bit_ceil(2 * n + 2), 0);
+        std::size_t pairs = 0;
+        ForEach(0, [&](const Record& r) {
+            const std::uint64_t h = r.hash | 1;  // 0 marks a free place
+            std::size_t i = static_cast<std::size_t>(h >> 16) & (seen.size() - 1);
+            while (seen[i] && seen[i] != h) i = (i + 1) & (seen.size() - 1);
+            if (!seen[i]) seen[i] = h, ++pairs;
+        });
+        if (2 * pairs <= n)
+            FoldAll();
+        else
+            checkAt_ *= 2;
+    }
+    std::size_t kept_ = 0, checkAt_ = gFoldAt;
+    bool folded_ = false;
 };
 
 std::uint64_t gHashMask = ~std::uint64_t{0};
@@ -345,18 +467,28 @@ void ScanDisc(ReadStream& file, std::uint64_t disc, std::int64_t minSize, std::v
     }
 }
 
-// A line whose hash the pass found on two discs or more, to be read again.
-struct Candidate {
-    std::uint64_t where, hash;
-};
-
-// The hashes met on more than one disc, and every line that gave one. The
-// records are first parted by the top bits of their hash (one stable pass, so
-// each part keeps disc and line order), then each part goes through a table
-// of its own that stays in the cache. A slot holds 32 further bits of the
-// hash, so two hashes may meet there wrongly: that only makes candidates the
-// names then tell apart.
-std::vector<Candidate> CandidatesOf(const Records (&records)[2], bool twoThreads) {
+// The hashes met on more than one disc, and every line that gave one, in no
+// particular order. Unfolded, each part's records (both passes') go through a
+// table of their own that stays in the cache; a slot holds 32 further bits of
+// the hash, so two hashes may meet there wrongly: that only makes candidates
+// the names then tell apart.
+std::vector<Candidate> CandidatesOf(Records (&records)[2], bool twoThreads) {
+    if (records[0].Folded() || records[1].Folded()) {
+        // The two passes' pairs brought together, half the parts on each
+        // thread, then the lines that waited.
+        InTwo(twoThreads, [&](int t) { records[t].FoldAll(); });
+        std::vector<Candidate> found[2];
+        InTwo(twoThreads,
+              [&](int t) { records[0].Merge(records[1], t * kParts / 2, (t + 1) * kParts / 2, found[t]); });
+        std::vector<Candidate> out;
+        for (const std::vector<Candidate>* c :
+             {&records[0].candidates, &records[1].candidates, &found[0], &found[1]})
+            out.insert(out.end(), c->begin(), c->end());
+        for (const std::vector<Candidate>* c : {&records[0].later, &records[1].later})
+            for (const Candidate& l : *c)
+                if (records[0].Many(l.hash)) out.push_back(l);
+        return out;
+    }
     struct Seen {
         std::uint32_t hash;
         std::uint32_t disc;  // the first disc + 1, the top bit set once met on another; 0: a free slot
@@ -471,10 +603,11 @@ void FetchDisc(const std::string& path, const Candidate* first, const Candidate*
 
 }  // namespace
 
-void SetDuplicateSeamsForTesting(int hashBits, std::size_t block, bool threads) {
+void SetDuplicateSeamsForTesting(int hashBits, std::size_t block, bool threads, std::size_t foldAt) {
     gHashMask = hashBits >= 64 ? ~std::uint64_t{0} : ~(~std::uint64_t{0} >> hashBits);
     gBlock = std::max<std::size_t>(1, block);
     gThreads = threads;
+    gFoldAt = std::max<std::size_t>(1, foldAt);
 }
 
 std::int64_t Bytes(std::int64_t storedSize) {

@@ -97,16 +97,25 @@ TEST(FindDuplicates, SameNameAndSizeOnTwoDiscsLargestFirst) {
         {"MinSize", {"Eins", "Zwei"}, 5,
          {"gross.iso -2: Eins\\\\A\\gross.iso Zwei\\\\gross.iso", "Foto.JPG 500: Eins\\\\A\\Foto.JPG Zwei\\\\foto.jpg Zwei\\\\B\\foto.jpg"}},
         {"OneDisc", {"Drei"}, 0, {}},
+        // Both copies of the first disc count once a later disc has one too.
+        {"FirstDiscTwice", {"Zwei", "Eins"}, 0,
+         {"gross.iso -2: Zwei\\\\gross.iso Eins\\\\A\\gross.iso",
+          "foto.jpg 500: Zwei\\\\foto.jpg Zwei\\\\B\\foto.jpg Eins\\\\A\\Foto.JPG",
+          "\xC3\x84RGER.TXT 4: Zwei\\\\\xC3\x84RGER.TXT Eins\\\\\xC3\xA4rger.txt",
+          "klein.txt 3: Zwei\\\\klein.txt Eins\\\\klein.txt"}},
         {"LineEnds", {"Vier", "F\xC3\xBCnf"}, 0,
          {"KLEIN.TXT 3: Vier\\\\KLEIN.TXT F\xC3\xBCnf\\\\x\\Klein.txt F\xC3\xBCnf\\\\y\\klein.txt"}},
     };
     // Hashes that all meet, and reads of a few bytes, must change nothing.
-    // So must the portable path of the line cutting, and one thread for two.
-    for (const auto& [bits, block, vectors, threads] :
-         {std::tuple{64, 1 << 18, true, true}, {0, 1, true, true}, {1, 5, false, false}, {3, 64, true, true}})
+    // So must the portable path of the line cutting, one thread for two, and
+    // records folded into pairs from the first line on.
+    for (const auto& [bits, block, vectors, threads, foldAt] :
+         {std::tuple{64, 1 << 18, true, true, 1 << 20}, {0, 1, true, true, 1}, {1, 5, false, false, 2},
+          {3, 64, true, true, 1 << 20}, {64, 64, true, false, 1}, {64, 64, true, true, 3}})
     for (const auto& row : rows) {
-        SCOPED_TRACE(std::string(row.name) + " bits " + std::to_string(bits) + " block " + std::to_string(block));
-        SetDuplicateSeamsForTesting(bits, static_cast<std::size_t>(block), threads);
+        SCOPED_TRACE(std::string(row.name) + " bits " + std::to_string(bits) + " block " + std::to_string(block) +
+                     " fold " + std::to_string(foldAt));
+        SetDuplicateSeamsForTesting(bits, static_cast<std::size_t>(block), threads, static_cast<std::size_t>(foldAt));
         scan::UseVectors(vectors);
         std::vector<std::string> said;
         std::vector<std::size_t> heard;
