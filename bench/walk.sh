@@ -4,21 +4,21 @@
 # Builds a tree of FOLDERS_TOP x FOLDERS_SUB folders with FILES_PER files in
 # each leaf (2,550 folders and 30,600 files with the defaults) in a scratch
 # folder, warms the cache, then times
-#   cartulon-cli add ROOT --label ...      (walk, volume query, catalogue written)
+#   cartulon-cli add ROOT --label ...      (walk, volume query, catalogue written and synced)
 # against
-#   find ROOT -printf '%B@ %s %m %p\n'     (the same stat per entry, output dropped)
-# best of RUNS each, in the same run. Prints both times, the ratio (ours /
+#   find ROOT -printf '%B@ %s %m %p\n'     (a stat per entry, output dropped)
+# interleaved, RUNS times each. Prints both times, the ratio (ours /
 # find's; below 1.0 means faster) and the peak memory of both when
 # /usr/bin/time is there.
 #
-# usage: bench/walk.sh [path/to/cartulon-cli]   (env: FOLDERS_TOP=50 FOLDERS_SUB=50 FILES_PER=12 RUNS=5)
+# usage: bench/walk.sh [path/to/cartulon-cli]   (env: FOLDERS_TOP=50 FOLDERS_SUB=50 FILES_PER=12 RUNS=11)
 set -euo pipefail
 
 CLI=${1:-$(dirname "$0")/../build/Cartulon/cartulon-cli}
 FOLDERS_TOP=${FOLDERS_TOP:-50}
 FOLDERS_SUB=${FOLDERS_SUB:-50}
 FILES_PER=${FILES_PER:-12}
-RUNS=${RUNS:-5}
+RUNS=${RUNS:-11}
 [ -x "$CLI" ] || { echo "no cartulon-cli at $CLI (build the target cartulon-cli first)" >&2; exit 2; }
 
 WORK=$(mktemp -d "${TMPDIR:-/tmp}/ct_walk_bench.XXXXXX")
@@ -42,55 +42,40 @@ echo "tree: $FOLDERS folders, $FILES files"
 
 warm() { find "$ROOT" > /dev/null; }
 
-# Best of RUNS runs of the command given: wall-clock seconds and CPU seconds
-# (user + system), each the best on its own. On a shared, loaded machine the
-# CPU time is the steadier figure; both are printed.
-best_of() {
-    local best_wall="" best_cpu="" r wall cpu
-    for ((i = 0; i < RUNS; i++)); do
-        before_each
-        r=$( { TIMEFORMAT='%R %U %S'; time "$@" > /dev/null 2>&1; } 2>&1 )
-        wall=$(echo "$r" | awk '{ print $1 }')
-        cpu=$(echo "$r" | awk '{ print $2 + $3 }')
-        if [ -z "$best_wall" ] || [ "$(echo "$wall < $best_wall" | bc -l)" = 1 ]; then best_wall=$wall; fi
-        if [ -z "$best_cpu" ] || [ "$(echo "$cpu < $best_cpu" | bc -l)" = 1 ]; then best_cpu=$cpu; fi
-    done
-    echo "$best_wall $best_cpu"
-}
+# Both sides interleaved (A B B A ...) by bench/cputime, RUNS times each, CPU
+# time (user + system, from wait4) and wall time, median and best. Each side
+# starts through a shell of its own, which gives ours a label of its own.
+TIMER=${TIMER:-$(dirname "$CLI")/../bench/cputime}
+[ -x "$TIMER" ] || { echo "no $TIMER (build the target cputime first)" >&2; exit 2; }
 
 # Peak resident set of one run in KiB, or "-" without /usr/bin/time.
 peak_kib() {
     if [ -x /usr/bin/time ]; then
-        before_each
+        rm -f "$DATA"/*.idx
         /usr/bin/time -v "$@" 2>&1 >/dev/null | awk -F: '/Maximum resident set size/ { gsub(/ /, "", $2); print $2 }'
     else
         echo "-"
     fi
 }
 
-RUN=0
-ours() { RUN=$((RUN + 1)); "$CLI" add "$ROOT" --label "Lauf $RUN" --data-folder "$DATA"; }
-reference() { find "$ROOT" -printf '%B@ %s %m %p\n'; }
-before_each() { rm -f "$DATA"/*.idx; }
-
 warm
-reference > /dev/null
-ours > /dev/null
-read -r T_OURS C_OURS <<< "$(best_of ours)"
-read -r T_REF C_REF <<< "$(best_of reference)"
+read -r C_OURS C_OURS_MIN T_OURS T_OURS_MIN C_REF C_REF_MIN T_REF T_REF_MIN <<< "$("$TIMER" "$RUNS" "$WORK/out" \
+    -- bash -c 'exec "$0" add "$1" --label "Lauf $$" --data-folder "$2"' "$CLI" "$ROOT" "$DATA" \
+    -- bash -c 'exec find "$0" -printf "%B@ %s %m %p\n"' "$ROOT")"
 M_OURS=$(peak_kib "$CLI" add "$ROOT" --label "Speicher" --data-folder "$DATA")
 CATALOGUE_LINES=$("$CLI" show "Speicher" --data-folder "$DATA" | awk -F': ' '/^(folders|files):/ { s = s $2 " " } END { print s }')
 M_REF=$(peak_kib find "$ROOT" -printf '%B@ %s %m %p\n')
 
 echo "catalogue: folders files = $CATALOGUE_LINES"
-echo "best of $RUNS            wall s     cpu s   peak KiB"
-printf 'ours (cartulon-cli add)  %8.3f  %8.3f  %9s\n' "$T_OURS" "$C_OURS" "$M_OURS"
-printf "reference (find -printf) %8.3f  %8.3f  %9s\n" "$T_REF" "$C_REF" "$M_REF"
-printf 'ratio ours / reference   %8.2f  %8.2f   (target <= 1.0)\n' \
-    "$(echo "$T_OURS / $T_REF" | bc -l)" "$(echo "$C_OURS / $C_REF" | bc -l)"
+echo "median of $RUNS (best)        cpu ms             wall ms      peak KiB"
+printf 'ours (cartulon-cli add)  %7.1f (%7.1f)  %7.1f (%7.1f)  %9s\n' "$C_OURS" "$C_OURS_MIN" "$T_OURS" "$T_OURS_MIN" "$M_OURS"
+printf "reference (find -printf) %7.1f (%7.1f)  %7.1f (%7.1f)  %9s\n" "$C_REF" "$C_REF_MIN" "$T_REF" "$T_REF_MIN" "$M_REF"
+printf 'ratio ours / reference   %7.2f cpu, %.2f wall   (target <= 1.0)\n' \
+    "$(echo "$C_OURS / $C_REF" | bc -l)" "$(echo "$T_OURS / $T_REF" | bc -l)"
 
 # One row for bench/run's table: figure|ours|reference|ratio|target.
 if [ -n "${BENCH_ROWS:-}" ]; then
-    printf 'walk %s files (cartulon-cli add)|%.3f s|%.3f s (find -printf)|%.2f|<= 1.0\n' \
-        "$CATALOGUE_LINES" "$T_OURS" "$T_REF" "$(echo "$T_OURS / $T_REF" | bc -l)" >> "$BENCH_ROWS"
+    printf 'walk, %s folders and files (cartulon-cli add)|%.1f ms cpu, %.1f ms wall, %s KiB peak|%.1f ms cpu, %.1f ms wall, %s KiB (find -printf)|%.2f cpu, %.2f wall|<= 1.0\n' \
+        "$CATALOGUE_LINES" "$C_OURS" "$T_OURS" "$M_OURS" "$C_REF" "$T_REF" "$M_REF" \
+        "$(echo "$C_OURS / $C_REF" | bc -l)" "$(echo "$T_OURS / $T_REF" | bc -l)" >> "$BENCH_ROWS"
 fi

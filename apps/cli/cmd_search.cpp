@@ -11,7 +11,6 @@
 // own description), and no size, date or attribute criterion, which no disc
 // has; or with --kind discs, which lists nothing else.
 #include <algorithm>
-#include <filesystem>
 #include <ostream>
 
 #include "cli.h"
@@ -19,6 +18,7 @@
 #include "core/rddll.h"
 #include "core/search.h"
 #include "output.h"
+#include "platform/walk.h"
 
 namespace ct::cli {
 
@@ -37,24 +37,6 @@ constexpr SearchOp kOperators[10] = {SearchOp::Equal,      SearchOp::NotEqual,  
 SearchOp OperatorOf(const std::string& word) {
     const auto at = std::find(kOperatorWords.begin(), kOperatorWords.end(), word);
     return at == kOperatorWords.end() ? SearchOp::None : kOperators[at - kOperatorWords.begin()];
-}
-
-// The labels of the catalogues below the data folder, as the disc list has
-// them (every name ending in ".idx" that isn't a folder, in sub-folders too,
-// links not followed), from the names and types the listing gives: the
-// walker's statx and attribute look-up for each catalogue would cost a search
-// of many small catalogues a third of its time.
-std::vector<std::string> CatalogueLabels(const std::string& dataFolder) {
-    namespace fs = std::filesystem;
-    std::vector<std::string> labels;
-    std::error_code ec;
-    std::string label;
-    for (fs::recursive_directory_iterator it(dataFolder, fs::directory_options::skip_permission_denied, ec), end;
-         !ec && it != end; it.increment(ec)) {
-        if (!it->is_symlink(ec) && it->is_directory(ec)) continue;
-        if (LabelOfCatalogueName(it->path().native(), label)) labels.push_back(label);
-    }
-    return labels;
 }
 
 const Tr kSizeExpected = {

@@ -23,9 +23,7 @@ std::string DecimalSeparator() {
 }
 
 int RunStats(Context& ctx) {
-    WalkList folders, files;
-    WalkFolder(ctx.dataFolder, folders, files);
-    const StatisticsTotals totals = CollectStatistics(ctx.dataFolder, LabelsOf(files));
+    const StatisticsTotals totals = CollectStatistics(ctx.dataFolder, CatalogueLabels(ctx.dataFolder));
 
     if (FormatOf(ctx) != Format::Text) {
         const double discs = totals.discs ? static_cast<double>(totals.discs) : 1.0;

@@ -108,11 +108,21 @@ std::string WithDescription(std::string_view line, std::string_view text) {
 
 // --- Reading -----------------------------------------------------------------
 
-LineReader::LineReader(const std::string& path, std::size_t blockSize)
-    : block_(blockSize == 0 ? 1 : blockSize) {
+LineReader::LineReader(const std::string& path, std::size_t blockSize) : LineReader(blockSize) { Open(path); }
+
+LineReader::LineReader(std::size_t blockSize) : block_(blockSize == 0 ? 1 : blockSize) {}
+
+bool LineReader::Open(const std::string& path) {
+    file_.reset();
+    openFailure_ = {};
+    pos_ = cut_ = end_ = 0;
+    eof_ = false;
+    left_ = 0;
+    offset_ = 0;
     // Never blocks, and takes nothing but a regular file (a FIFO named
     // "*.idx" would hang the reader forever).
     file_ = OpenForReading(path, &openFailure_, &left_);
+    return file_ != nullptr;
 }
 
 LineReader::~LineReader() = default;
@@ -134,15 +144,20 @@ bool LineReader::Fill() {
     // Most catalogues are small: one read of a modest buffer holds them.
     // The buffer grows (doubling) only for a line longer than itself.
     constexpr std::size_t kFirstBlock = 64 * 1024;
+    constexpr std::size_t kPage = 4096;
     if (!buf_) Grow(std::min(block_, kFirstBlock));
     for (;;) {
         if (end_ == size_) Grow(size_ * 2);
         // Up to the size the file had when opened: the read that would only
         // see the end is saved (one system call of a few per small catalogue).
-        const std::size_t want = static_cast<std::size_t>(std::min<std::uint64_t>(size_ - end_, left_));
+        std::size_t want = static_cast<std::size_t>(std::min<std::uint64_t>(size_ - end_, left_));
+        // A read that ends on a page boundary of the file costs the kernel
+        // less than one that ends inside a page and starts the next read there.
+        if (want < left_ && want > kPage) want -= static_cast<std::size_t>((offset_ + want) % kPage);
         const std::size_t n = want == 0 ? 0 : file_->Read(buf_.get() + end_, want);
         end_ += n;
         left_ -= n;
+        offset_ += n;
         // A short read is the end, or a read error: both end the file for us.
         if (n < want || left_ == 0) {
             eof_ = true;
@@ -347,6 +362,14 @@ std::string_view WithoutTrailingSlashes(std::string_view root) {
 // that isn't valid UTF-8 is taken as Windows-1252, the likeliest origin of
 // such bytes.
 void AppendName(std::string& out, std::string_view name) {
+    // Most names are printable ASCII without a bar or a backslash: whole.
+    if (std::all_of(name.begin(), name.end(), [](char c) {
+            const auto b = static_cast<unsigned char>(c);
+            return b >= 0x20 && b < 0x7F && b != '|' && b != '\\';
+        })) {
+        out.append(name);
+        return;
+    }
     std::string converted;
     if (!IsAscii(name) && !IsValidUtf8(name)) {
         converted = Cp1252ToUtf8(name);
@@ -405,7 +428,10 @@ void AppendInt(std::string& out, std::int64_t v) {
 
 // A field that must stay one field on one line.
 void AppendField(std::string& out, std::string_view text) {
-    for (char c : text) out += (c == '|' || c == '\r' || c == '\n') ? '?' : c;
+    const std::size_t start = out.size();
+    out.append(text);
+    for (std::size_t i = start; i < out.size(); ++i)
+        if (out[i] == '|' || out[i] == '\r' || out[i] == '\n') out[i] = '?';
 }
 
 void AppendFolderLine(std::string& out, std::string_view root, const WalkRecord& folder) {

@@ -80,7 +80,14 @@ public:
     // `blockSize` is the size of one read; tests and the fuzzer make it tiny
     // so that lines and line ends straddle blocks.
     explicit LineReader(const std::string& path, std::size_t blockSize = kDefaultBlock);
+    // Opened later by Open.
+    explicit LineReader(std::size_t blockSize);
     ~LineReader();
+    // Closes the file read so far and opens `path`, keeping the buffer: a run
+    // over many catalogues gets the same memory back for each. False when
+    // it can't be opened (OpenFailure says why).
+    bool Open(const std::string& path);
+    void Close() { file_.reset(); }
     LineReader(const LineReader&) = delete;
     LineReader& operator=(const LineReader&) = delete;
 
@@ -114,6 +121,7 @@ private:
     std::size_t end_ = 0;  // end of the bytes in buf_
     bool eof_ = false;
     std::uint64_t left_ = 0;  // bytes of the file not yet read, as its size at opening said
+    std::uint64_t offset_ = 0;  // bytes read so far
     std::size_t block_;
 };
 

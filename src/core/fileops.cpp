@@ -147,8 +147,14 @@ int CleanScratchFiles(FileOps& ops, const std::vector<std::string>& folders) {
     for (const std::string& folder : folders) {
         std::error_code ec;
         std::vector<std::string> found;
-        for (std::filesystem::directory_iterator it(folder, ec), end; !ec && it != end; it.increment(ec))
-            if (IsScratchName(it->path().filename().string())) found.push_back(it->path().string());
+        // The name read off the entry's path in place: a path object per entry
+        // would cost a folder of thousands of catalogues at every start.
+        for (std::filesystem::directory_iterator it(folder, ec), end; !ec && it != end; it.increment(ec)) {
+            const std::string& path = it->path().native();
+            const std::size_t slash = path.rfind('/');
+            if (IsScratchName(std::string_view(path).substr(slash == std::string::npos ? 0 : slash + 1)))
+                found.push_back(path);
+        }
         for (const std::string& path : found)
             if (ops.RemoveUnheld(path)) ++removed;
     }

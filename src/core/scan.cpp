@@ -22,6 +22,7 @@ bool g_vectors = true;
 #else
 bool g_vectors = false;
 #endif
+unsigned g_width = 64;  // the widest unit the scans may take, in bytes
 
 constexpr char kCr = '\r', kLf = '\n';
 
@@ -32,10 +33,10 @@ unsigned char Upper(unsigned char c) { return c >= 'a' && c <= 'z' ? static_cast
 // The first event among one vector step's marks, bit k standing for step[k]:
 // an empty line (`at` just behind its line end) or a candidate that really
 // holds the term. False when the step has neither.
-bool FirstEvent(unsigned empty, unsigned cand, const char* step, const Needle& needle, bool& emptyLine,
+bool FirstEvent(std::uint64_t empty, std::uint64_t cand, const char* step, const Needle& needle, bool& emptyLine,
                 std::size_t& at) {
-    for (unsigned any = empty | cand; any; any &= any - 1) {
-        const unsigned bit = static_cast<unsigned>(__builtin_ctz(any));
+    for (std::uint64_t any = empty | cand; any; any &= any - 1) {
+        const unsigned bit = static_cast<unsigned>(__builtin_ctzll(any));
         if (empty >> bit & 1u) {
             emptyLine = true;
             at = bit + 1;
@@ -55,6 +56,70 @@ __m128i Load(const char* p) { return _mm_loadu_si128(reinterpret_cast<const __m1
 
 #ifdef CT_SCAN_AVX2
 const bool kHasAvx2 = __builtin_cpu_supports("avx2");
+const bool kHasAvx512 = __builtin_cpu_supports("avx512bw");
+bool Use256() { return kHasAvx2 && g_width >= 32; }
+bool Use512() { return kHasAvx512 && g_width >= 64; }
+
+// The counts of CountLineEnds, 64 bytes a step as bit masks: every LF, and
+// every CR but one a LF follows (the byte behind the step is always there).
+__attribute__((target("avx512bw,popcnt"))) std::size_t CountLineEndsAvx512(const char* p, std::size_t n,
+                                                                           std::int64_t& count) {
+    const __m512i cr = _mm512_set1_epi8(kCr), lf = _mm512_set1_epi8(kLf);
+    std::size_t i = 0;
+    for (; i + 65 <= n; i += 64) {
+        const __m512i v = _mm512_loadu_si512(p + i);
+        const std::uint64_t crs = _mm512_cmpeq_epi8_mask(v, cr), lfs = _mm512_cmpeq_epi8_mask(v, lf);
+        const std::uint64_t lfNext = lfs >> 1 | static_cast<std::uint64_t>(p[i + 64] == kLf) << 63;
+        count += __builtin_popcountll(lfs) + __builtin_popcountll(crs & ~lfNext);
+    }
+    return i;
+}
+
+// BlockMasks' loop, 64 bytes a step.
+__attribute__((target("avx512bw"))) std::size_t BlockMasksAvx512(const char* p, std::size_t n, std::uint64_t* bars,
+                                                                  std::uint64_t* ends) {
+    const __m512i cr = _mm512_set1_epi8(kCr), lf = _mm512_set1_epi8(kLf), bar = _mm512_set1_epi8('|');
+    std::size_t w = 0;
+    for (; 64 * w + 64 <= n; ++w) {
+        const __m512i v = _mm512_loadu_si512(p + 64 * w);
+        ends[w] = _mm512_cmpeq_epi8_mask(v, cr) | _mm512_cmpeq_epi8_mask(v, lf);
+        bars[w] = _mm512_cmpeq_epi8_mask(v, bar);
+    }
+    return w;
+}
+
+// NextEvent's loop, 64 bytes a step: the next byte's marks are the step's
+// own shifted by one, the last taking those of the byte behind the step.
+__attribute__((target("avx512bw"))) std::size_t NextEventAvx512(const char* p, std::size_t n, std::size_t m,
+                                                                 const unsigned char ends[4], const Needle& needle,
+                                                                 bool& emptyLine, std::size_t& reached) {
+    const __m512i cr = _mm512_set1_epi8(kCr), lf = _mm512_set1_epi8(kLf);
+    const __m512i firstOr = _mm512_set1_epi8(static_cast<char>(ends[0]));
+    const __m512i first = _mm512_set1_epi8(static_cast<char>(ends[1]));
+    const __m512i lastOr = _mm512_set1_epi8(static_cast<char>(ends[2]));
+    const __m512i last = _mm512_set1_epi8(static_cast<char>(ends[3]));
+    const std::size_t reach = m > 1 ? m - 1 : 1;
+    std::size_t i = 0;
+    for (; i + reach + 64 <= n; i += 64) {
+        const __m512i v = _mm512_loadu_si512(p + i);
+        const std::uint64_t crs = _mm512_cmpeq_epi8_mask(v, cr), lfs = _mm512_cmpeq_epi8_mask(v, lf);
+        const char after = p[i + 64];
+        const std::uint64_t endBits = crs | lfs;
+        const std::uint64_t nextEnd = endBits >> 1 | static_cast<std::uint64_t>(IsEol(after)) << 63;
+        const std::uint64_t nextLf = lfs >> 1 | static_cast<std::uint64_t>(after == kLf) << 63;
+        const std::uint64_t empty = endBits & nextEnd & ~(crs & nextLf);
+        std::uint64_t cand = 0;
+        if (m > 0) {
+            const __m512i tail = _mm512_loadu_si512(p + i + m - 1);
+            cand = _mm512_cmpeq_epi8_mask(_mm512_or_si512(v, firstOr), first) &
+                   _mm512_cmpeq_epi8_mask(_mm512_or_si512(tail, lastOr), last);
+        }
+        std::size_t at;
+        if ((empty | cand) && FirstEvent(empty, cand, p + i, needle, emptyLine, at)) return i + at;
+    }
+    reached = i;
+    return n;
+}
 
 // The SSE2 loop below, 32 bytes a step; returns how far it got.
 __attribute__((target("avx2"))) std::size_t CountLineEndsAvx2(const char* p, std::size_t n, std::int64_t& count) {
@@ -108,19 +173,40 @@ __attribute__((target("avx2"))) std::size_t NextEventAvx2(const char* p, std::si
     reached = i;
     return n;
 }
+
+// BlockMasks' loop, 64 bytes a step in two halves; returns the words done.
+__attribute__((target("avx2"))) std::size_t BlockMasksAvx2(const char* p, std::size_t n, std::uint64_t* bars,
+                                                            std::uint64_t* ends) {
+    const __m256i cr = _mm256_set1_epi8(kCr), lf = _mm256_set1_epi8(kLf), bar = _mm256_set1_epi8('|');
+    std::size_t w = 0;
+    for (; 64 * w + 64 <= n; ++w) {
+        const __m256i lo = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p + 64 * w));
+        const __m256i hi = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p + 64 * w + 32));
+        const auto endLo = static_cast<unsigned>(
+            _mm256_movemask_epi8(_mm256_or_si256(_mm256_cmpeq_epi8(lo, cr), _mm256_cmpeq_epi8(lo, lf))));
+        const auto endHi = static_cast<unsigned>(
+            _mm256_movemask_epi8(_mm256_or_si256(_mm256_cmpeq_epi8(hi, cr), _mm256_cmpeq_epi8(hi, lf))));
+        const auto barLo = static_cast<unsigned>(_mm256_movemask_epi8(_mm256_cmpeq_epi8(lo, bar)));
+        const auto barHi = static_cast<unsigned>(_mm256_movemask_epi8(_mm256_cmpeq_epi8(hi, bar)));
+        ends[w] = endLo | static_cast<std::uint64_t>(endHi) << 32;
+        bars[w] = barLo | static_cast<std::uint64_t>(barHi) << 32;
+    }
+    return w;
+}
 #endif
 
 }  // namespace
 
 bool VectorsOn() { return g_vectors; }
 
-void UseVectors(bool on) {
+void UseWidth(unsigned bytes) {
 #ifdef CT_SCAN_SSE2
-    g_vectors = on;
-#else
-    (void)on;
+    g_vectors = bytes >= 16;
 #endif
+    g_width = bytes;
 }
+
+void UseVectors(bool on) { UseWidth(on ? 64 : 0); }
 
 std::size_t FindLineEnd(const char* p, std::size_t n) {
     std::size_t i = 0;
@@ -167,25 +253,39 @@ std::size_t FindFields(const char* p, std::size_t n, std::size_t* at, std::size_
     return n;
 }
 
-void Masks64(const char* p, std::uint64_t& bars, std::uint64_t& ends) {
-    bars = ends = 0;
+void BlockMasks(const char* p, std::size_t n, std::uint64_t* bars, std::uint64_t* ends) {
+    std::size_t w = 0;
 #ifdef CT_SCAN_SSE2
     if (g_vectors) {
+#ifdef CT_SCAN_AVX2
+        if (Use512()) w = BlockMasksAvx512(p, n, bars, ends);
+        else if (Use256()) w = BlockMasksAvx2(p, n, bars, ends);
+#endif
         const __m128i cr = _mm_set1_epi8(kCr), lf = _mm_set1_epi8(kLf), bar = _mm_set1_epi8('|');
-        for (int k = 0; k < 4; ++k) {
-            const __m128i v = Load(p + 16 * k);
-            const auto e = static_cast<std::uint64_t>(static_cast<unsigned>(
-                _mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi8(v, cr), _mm_cmpeq_epi8(v, lf)))));
-            const auto b = static_cast<std::uint64_t>(static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(v, bar))));
-            ends |= e << (16 * k);
-            bars |= b << (16 * k);
+        for (; 64 * w + 64 <= n; ++w) {
+            std::uint64_t b = 0, e = 0;
+            for (int k = 0; k < 4; ++k) {
+                const __m128i v = Load(p + 64 * w + 16 * k);
+                e |= static_cast<std::uint64_t>(static_cast<unsigned>(
+                         _mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi8(v, cr), _mm_cmpeq_epi8(v, lf)))))
+                     << (16 * k);
+                b |= static_cast<std::uint64_t>(static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(v, bar))))
+                     << (16 * k);
+            }
+            bars[w] = b;
+            ends[w] = e;
         }
-        return;
     }
 #endif
-    for (int k = 0; k < 64; ++k) {
-        bars |= static_cast<std::uint64_t>(p[k] == '|') << k;
-        ends |= static_cast<std::uint64_t>(IsEol(p[k])) << k;
+    for (; 64 * w < n; ++w) {
+        std::uint64_t b = 0, e = 0;
+        for (std::size_t k = 0; k < 64 && 64 * w + k < n; ++k) {
+            const char c = p[64 * w + k];
+            b |= static_cast<std::uint64_t>(c == '|') << k;
+            e |= static_cast<std::uint64_t>(IsEol(c)) << k;
+        }
+        bars[w] = b;
+        ends[w] = e;
     }
 }
 
@@ -195,7 +295,8 @@ std::int64_t CountLineEnds(const char* p, std::size_t n) {
 #ifdef CT_SCAN_SSE2
     if (g_vectors) {
 #ifdef CT_SCAN_AVX2
-        if (kHasAvx2) i = CountLineEndsAvx2(p, n, count);
+        if (Use512()) i = CountLineEndsAvx512(p, n, count);
+        if (Use256()) i += CountLineEndsAvx2(p + i, n - i, count);
 #endif
         const __m128i cr = _mm_set1_epi8(kCr), lf = _mm_set1_epi8(kLf), zero = _mm_setzero_si128();
         // Per byte lane one line end at most per step (a CR that a LF follows
@@ -271,9 +372,10 @@ std::size_t NextEvent(const char* p, std::size_t n, const Needle& needle, bool& 
 #ifdef CT_SCAN_SSE2
     if (g_vectors) {
 #ifdef CT_SCAN_AVX2
-        if (kHasAvx2) {
+        if (Use256()) {
             const unsigned char ends[4] = {needle.firstOr_, needle.first_, needle.lastOr_, needle.last_};
-            const std::size_t at = NextEventAvx2(p, n, m, ends, needle, emptyLine, i);
+            const std::size_t at = Use512() ? NextEventAvx512(p, n, m, ends, needle, emptyLine, i)
+                                            : NextEventAvx2(p, n, m, ends, needle, emptyLine, i);
             if (at != n) return at;
         }
 #endif

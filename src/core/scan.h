@@ -1,6 +1,7 @@
 // Block scans for the readers: one pass over a buffer of whole lines, sixteen
-// bytes at a time where the machine has SSE2 (every x86-64 does), byte by byte
-// elsewhere. Both paths give the same answers; tests run both.
+// bytes at a time where the machine has SSE2 (every x86-64 does), 32 or 64
+// with AVX2 or AVX-512, byte by byte elsewhere. Every path gives the same
+// answers; tests run each.
 #pragma once
 
 #include <cstddef>
@@ -14,6 +15,10 @@ namespace ct::scan {
 // UseVectors(false), which the tests call to run the portable path).
 bool VectorsOn();
 void UseVectors(bool on);
+// Tests: the widest unit the scans may take, in bytes (64, 32, 16; 0 is
+// the portable path), so that each path the machine has can be run. The
+// machine's widest is the default.
+void UseWidth(unsigned bytes);
 
 // The first CR or LF in p[0..n), or n.
 std::size_t FindLineEnd(const char* p, std::size_t n);
@@ -32,9 +37,10 @@ std::size_t FindBars(const char* p, std::size_t n, std::size_t* at, std::size_t 
 // their number in `count`.
 std::size_t FindFields(const char* p, std::size_t n, std::size_t* at, std::size_t max, std::size_t& count);
 
-// Bit k of `bars` set when p[k] is a bar, of `ends` when it is a CR or LF,
-// for k in 0..63; p[0..64) must be readable.
-void Masks64(const char* p, std::uint64_t& bars, std::uint64_t& ends);
+// The bars and line ends of a whole block as bit masks, in one pass: bit k
+// of bars[w] is set when p[64 * w + k] is a '|', of ends[w] when it is a CR
+// or LF; both arrays hold (n + 63) / 64 words, the bits beyond n clear.
+void BlockMasks(const char* p, std::size_t n, std::uint64_t* bars, std::uint64_t* ends);
 
 // A term whose lines are the only ones that can match: its bytes, compared
 // with ASCII letters folded or exactly.

@@ -162,6 +162,7 @@ public:
     // from the raw bytes of those fields alone. False when it can't tell:
     // then TestFileLine decides, as for every line that isn't refused here.
     bool FileFieldsFail(const char* line, const std::size_t* bars, std::size_t count) const;
+    bool DateFails(const char* line, const std::size_t* bars, std::size_t count) const;
 
     // The term as the next test sees it (upper-cased; a folder test with
     // "ends with" may have taken closing backslashes off).
@@ -185,6 +186,9 @@ private:
     bool quickSize_ = false, quickDate_ = false;  // FileFieldsFail judges Size, Time
     SearchOp sizeOp_, dateOp_, descriptionOp_;
     Fixed sizeLimit_;
+    // The limit's digits when it is a whole number of at least 0: a Size of
+    // plain digits is then ordered against it by length, then bytes.
+    std::string sizeDigits_;
     SearchTime dateLimit_ = 0;
     std::uint64_t dateKey_ = 0;  // the limit as the stored form's ordering number
     std::string dateForm_;  // the limit in the stored form (when it has one)

@@ -30,12 +30,16 @@ std::string SizeText(const std::string& bytes, double gigabytes, const std::stri
 
 }  // namespace
 
-CatalogueCounter::CatalogueCounter(std::size_t blockSize) : block_(std::max<std::size_t>(1, blockSize)) {}
+CatalogueCounter::CatalogueCounter(std::size_t blockSize) : lines_(std::max<std::size_t>(1, blockSize)) {}
 
 CatalogueCounts CatalogueCounter::Count(const std::string& path) {
     CatalogueCounts counts;
-    LineReader lines(path, block_);
-    if (!lines.IsOpen()) return counts;
+    LineReader& lines = lines_;
+    struct Closer {
+        LineReader& r;
+        ~Closer() { r.Close(); }
+    } closer{lines};
+    if (!lines.Open(path)) return counts;
     counts.opened = true;
     // The reader hands out blocks of whole lines, so no line end is split:
     // the folder section to its empty line and the file section to the end

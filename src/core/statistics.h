@@ -36,7 +36,7 @@ public:
     CatalogueCounts Count(const std::string& path);
 
 private:
-    std::size_t block_;
+    LineReader lines_;  // one buffer for the whole run
 };
 
 // Reads every catalogue of `labels` in `dataFolder` by the counting way. Every

@@ -19,6 +19,7 @@
 #include <string>
 #include <vector>
 
+#include "core/catalogue.h"
 #include "core/textrules.h"
 #include "platform/volume.h"
 
@@ -365,6 +366,53 @@ void WalkFolder(const std::string& path, WalkList& folders, WalkList& files,
 DiscSource& SystemDiscSource() {
     static SystemSource source;
     return source;
+}
+
+namespace {
+
+void ListCatalogues(int parent, const char* name, std::vector<std::string>& labels, int depth) {
+    // Deeper than any collection nests, and a bound on the descriptors held.
+    if (depth > 64) return;
+    // The data folder may be a link; a folder below it is never followed.
+    const int fd = openat(parent, name, O_RDONLY | O_DIRECTORY | O_CLOEXEC | (depth > 0 ? O_NOFOLLOW : 0));
+    if (fd < 0) return;
+    DIR* dir = fdopendir(fd);
+    if (!dir) {
+        close(fd);
+        return;
+    }
+    std::string label;
+    while (const dirent* e = readdir(dir)) {
+        const std::string_view entry = e->d_name;
+        if (entry == "." || entry == "..") continue;
+        unsigned char type = e->d_type;
+        if (type == DT_UNKNOWN) {
+            struct stat st{};
+            if (fstatat(dirfd(dir), e->d_name, &st, AT_SYMLINK_NOFOLLOW) != 0) continue;
+            type = S_ISDIR(st.st_mode) ? DT_DIR : S_ISLNK(st.st_mode) ? DT_LNK : S_ISREG(st.st_mode) ? DT_REG : DT_FIFO;
+        }
+        if (type == DT_DIR) {
+            ListCatalogues(dirfd(dir), e->d_name, labels, depth + 1);
+            continue;
+        }
+        if (!LabelOfCatalogueName(entry, label)) continue;
+        if (type == DT_LNK) {  // a link counts when it leads to a regular file, or to nothing yet
+            struct stat st{};
+            if (fstatat(dirfd(dir), e->d_name, &st, 0) == 0 && !S_ISREG(st.st_mode)) continue;
+        } else if (type != DT_REG) {
+            continue;  // a FIFO, a socket or a device would only hang whoever opened it
+        }
+        labels.push_back(label);
+    }
+    closedir(dir);
+}
+
+}  // namespace
+
+std::vector<std::string> CatalogueLabels(const std::string& dataFolder) {
+    std::vector<std::string> labels;
+    ListCatalogues(AT_FDCWD, dataFolder.c_str(), labels, 0);
+    return labels;
 }
 
 }  // namespace ct

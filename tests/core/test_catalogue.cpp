@@ -124,6 +124,8 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(
         EntryPathRow{"Nested", "/media/cd", "/media/cd/Bilder/Urlaub", "\\Bilder\\Urlaub"},
         EntryPathRow{"ControlCharacters", "/r", "/r/a\tb\nc\x7F", "\\a?b?c?"},
+        EntryPathRow{"BarAndBackslashInAPrintableName", "/r", "/r/a|b\\c", "\\a?b?c"},
+        EntryPathRow{"C1ControlInUtf8", "/r", "/r/a\xC2\x85" "b", "\\a?b"},
         EntryPathRow{"Latin1NameMadeUtf8", "/r", "/r/M\xFCll/ok", "\\M\xC3\xBCll\\ok"}),
     [](const auto& info) { return std::string(info.param.name); });
 

@@ -45,6 +45,9 @@ const std::string kLines =  // folder lines, empty line, file lines; EOL stands 
     "\\Lied| 70000.5|A|31.02.2003 04:05:06|EOL"
     "\\Ende|-12|A|01.02.2003 04:05:06EOL"
     "\\Gross|99999999999999999|A| 1.02.2003 04:05:06|EOL"
+    "\\Null|0|A|01.02.2003 04:05:06|EOL"
+    "\\Vorne|0070000|A|01.02.2003 04:05:06|EOL"
+    "\\Zeichen|7x|A|01.02.2003 04:05:06|EOL"
     "\\Musik\\xylophonxylophon|9||01.02.2003 04:05:06|EOL";
 
 std::string With(std::string text, const std::string& eol) {
@@ -55,7 +58,7 @@ std::string With(std::string text, const std::string& eol) {
 std::vector<Catalogue> Catalogues() {
     std::string padded = kLines;  // a long line moves every later line across blocks
     padded.insert(padded.find("\\Musik\\Orchester|"), "\\" + std::string(300, 'x') + "Xylophon|R||EOL");
-    return {
+    std::vector<Catalogue> all = {
         {"CrLf", With(kLines, "\r\n")},
         {"LfOnly", With(kLines, "\n")},
         {"LoneCr", With(kLines, "\r")},
@@ -66,6 +69,15 @@ std::vector<Catalogue> Catalogues() {
         {"CutInFolders", With("1|2|||||EOLEOL\\Xylophon|||", "\r\n")},
         {"EmptyLineAmongFiles", With("1|2|||||EOLEOLEOL\\a|1|||EOLEOL\\Xylophon|1|||EOL", "\r\n")},
     };
+    // Each section's first line longer by `shift`: every CR LF, empty line
+    // and term once astride the end of a vector step, which counts from it.
+    for (int shift = 1; shift < 64; shift += 3) {
+        std::string lines = kLines;
+        for (const char* first : {"\\Xylophon|R|", "\\Musik\\Orchester\\XYLOPHON|"})
+            lines.insert(lines.find(first) + 1, std::string(shift, 'x'));
+        all.push_back({"Shifted", With(lines, "\r\n")});
+    }
+    return all;
 }
 
 struct Query {
@@ -104,6 +116,9 @@ const Query kQueries[] = {
     {"SizeGreater", 0, kNone, "", kNone, "", ct::SearchOp::Greater, "70000.4"},
     {"SizeEqualAndDateLess", 0, kNone, "", kNone, "", ct::SearchOp::Equal, "-12", ct::SearchOp::Less, "2.2.2003"},
     {"NameAndSize", 0, ct::SearchOp::Contains, "xylophon", kNone, "", ct::SearchOp::NotEqual, "8"},
+    {"SizeGreaterByLength", 0, kNone, "", kNone, "", ct::SearchOp::Greater, "9"},
+    {"SizeEqualWhole", 0, kNone, "", kNone, "", ct::SearchOp::Equal, "70000"},
+    {"SizeLessZero", 0, kNone, "", kNone, "", ct::SearchOp::Less, "0"},
 };
 
 std::vector<std::string> Hits(const std::string& folder, const Query& q, bool prefilter, std::size_t block) {
@@ -138,10 +153,10 @@ TEST(FastScan, SameHitsAsThePlainReader) {
         for (const Query& q : kQueries) {
             ct::scan::UseVectors(true);
             const std::vector<std::string> want = Hits(dir.string(), q, false, 1 << 16);
-            for (bool vectors : {true, false}) {
-                ct::scan::UseVectors(vectors);
-                for (std::size_t block : {1u, 5u, 16u, 17u, 33u, 64u, 1u << 16}) {
-                    SCOPED_TRACE(std::string(cat.name) + " " + q.name + (vectors ? " vector" : " scalar") +
+            for (unsigned width : {64u, 32u, 16u, 0u}) {
+                ct::scan::UseWidth(width);
+                for (std::size_t block : {1u, 5u, 16u, 17u, 33u, 64u, 100u, 1u << 16}) {
+                    SCOPED_TRACE(std::string(cat.name) + " " + q.name + " width " + std::to_string(width) +
                                  " block " + std::to_string(block));
                     EXPECT_EQ(Hits(dir.string(), q, true, block), want);
                     if (block < 64) {
@@ -164,8 +179,8 @@ TEST(FastScan, LineEndsAndBarsFoundAlikeOnBothPaths) {
         std::int64_t plain = 0;
         for (std::size_t i = 0; i < s.size(); ++i)
             plain += s[i] == '\n' || (s[i] == '\r' && (i + 1 == s.size() || s[i + 1] != '\n'));
-        for (bool vectors : {true, false}) {
-            ct::scan::UseVectors(vectors);
+        for (unsigned vectors : {64u, 32u, 16u, 0u}) {
+            ct::scan::UseWidth(vectors);
             EXPECT_EQ(ct::scan::CountLineEnds(s.data(), s.size()), plain) << round << vectors;
             EXPECT_EQ(ct::scan::FindLineEnd(s.data(), s.size()), s.find_first_of("\r\n") == std::string::npos
                                                                      ? s.size()
@@ -175,6 +190,15 @@ TEST(FastScan, LineEndsAndBarsFoundAlikeOnBothPaths) {
                 if (s[i] == '|') want[n++] = i;
             ASSERT_EQ(ct::scan::FindBars(s.data(), s.size(), at, 4), n);
             EXPECT_TRUE(std::equal(at, at + n, want));
+            std::vector<std::uint64_t> bars((s.size() + 63) / 64), ends(bars.size()), wantBars(bars.size()),
+                wantEnds(bars.size());
+            for (std::size_t i = 0; i < s.size(); ++i) {
+                wantBars[i / 64] |= std::uint64_t{s[i] == '|'} << i % 64;
+                wantEnds[i / 64] |= std::uint64_t{s[i] == '\r' || s[i] == '\n'} << i % 64;
+            }
+            ct::scan::BlockMasks(s.data(), s.size(), bars.data(), ends.data());
+            EXPECT_EQ(bars, wantBars) << round << vectors;
+            EXPECT_EQ(ends, wantEnds) << round << vectors;
         }
     }
     ct::scan::UseVectors(true);

@@ -8,11 +8,13 @@
 #include <sys/xattr.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <ctime>
 #include <string>
 #include <vector>
 
+#include "core/catalogue.h"
 #include "support/scratch.h"
 
 namespace ct {
@@ -129,6 +131,37 @@ TEST(WalkFolder, DateIsTheCreationTimeInUtc) {
     WalkFolder(s.Path(), folders, files);
     ASSERT_EQ(files.size(), 1u);
     EXPECT_EQ(files[0].Date, expected);
+}
+
+}  // namespace
+}  // namespace ct
+
+namespace ct {
+namespace {
+
+// The search's and the statistics' own listing must give the discs the disc
+// list gives, from a tree of everything that may stand in a data folder.
+TEST(CatalogueLabels, SameDiscsAsTheWalkedList) {
+    test::Scratch dir;
+    const std::string data = dir.Mkdir("data");
+    dir.File("data/Fotos.idx", "x");
+    dir.File("data/unter/Alt.idx", "x");
+    dir.File("data/notiz.txt", "x");
+    dir.Mkdir("data/Ordner.idx");
+    dir.File("elsewhere/Fremd.idx", "x");
+    ASSERT_EQ(mkfifo((data + "/Rohr.idx").c_str(), 0600), 0);
+    ASSERT_EQ(symlink((dir / "elsewhere/Fremd.idx").c_str(), (data + "/Verweis.idx").c_str()), 0);
+    ASSERT_EQ(symlink((data + "/Rohr.idx").c_str(), (data + "/AufRohr.idx").c_str()), 0);
+    ASSERT_EQ(symlink((dir / "fehlt").c_str(), (data + "/Leer.idx").c_str()), 0);
+    ASSERT_EQ(symlink((dir / "elsewhere").c_str(), (data + "/woanders").c_str()), 0);
+
+    WalkList folders, files;
+    WalkFolder(data, folders, files);
+    std::vector<std::string> walked = LabelsOf(files), listed = CatalogueLabels(data);
+    std::sort(walked.begin(), walked.end());
+    std::sort(listed.begin(), listed.end());
+    EXPECT_EQ(listed, (std::vector<std::string>{"Alt", "Fotos", "Leer", "Verweis"}));
+    EXPECT_EQ(listed, walked);
 }
 
 }  // namespace
