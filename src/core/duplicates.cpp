@@ -188,20 +188,23 @@ private:
     std::vector<std::unique_ptr<Record[]>> blocks_;
     std::vector<Record*> free_;  // chunks folded, to be written again
     std::size_t left_ = 0;       // chunks not yet cut from the last block
-    // Folds once the records hold at least two lines a pair, as one part
-    // shows them (the hash spreads the pairs evenly over the parts); else
-    // looks again at twice as many.
+    // Folds once the records hold at least two lines a pair, as the fullest
+    // part shows them (the hash spreads the pairs evenly over the parts);
+    // else looks again at twice as many.
     void CheckFold() {
-        const std::size_t n = Count(0);
+        std::size_t fullest = 0;
+        for (std::size_t b = 1; b < kParts; ++b)
+            if (Count(b) > Count(fullest)) fullest = b;
+        const std::size_t n = Count(fullest);
         std::vector<std::uint64_t> seen(std::bit_ceil(2 * n + 2), 0);
         std::size_t pairs = 0;
-        ForEach(0, [&](const Record& r) {
+        ForEach(fullest, [&](const Record& r) {
             const std::uint64_t h = r.hash | 1;  // 0 marks a free place
             std::size_t i = static_cast<std::size_t>(h >> 16) & (seen.size() - 1);
             while (seen[i] && seen[i] != h) i = (i + 1) & (seen.size() - 1);
             if (!seen[i]) seen[i] = h, ++pairs;
         });
-        if (2 * pairs <= n)
+        if (n && 2 * pairs <= n)
             FoldAll();
         else
             checkAt_ *= 2;

@@ -42,8 +42,8 @@ std::vector<DuplicateGroup> FindDuplicates(
 // together (0 makes every file meet every other), so that files whose hashes
 // meet must still be told apart by their names; read `block` bytes at a
 // time, so that lines and line ends straddle reads; one thread or two; and
-// look whether to fold the lines into pairs after `foldAt` lines (1: from the
-// first line on). (64, 1 << 18, true, 1 << 20) is the program's own setting.
+// look whether to fold the lines into pairs after `foldAt` lines (and at
+// every doubling). (64, 1 << 18, true, 1 << 20) is the program's own setting.
 void SetDuplicateSeamsForTesting(int hashBits, std::size_t block, bool threads = true,
                                  std::size_t foldAt = std::size_t{1} << 20);
 
