@@ -630,6 +630,19 @@ std::vector<DuplicateGroup> FindDuplicates(const std::string& dataFolder,
     std::atomic<bool> stop{false};
     const auto pass = [&](int t) {
         if (t == 1 && !twoThreads) return;  // the one pass took them all
+        // However this pass ends (a throw from `progress` or an allocation
+        // included), the other one must not wait for it.
+        struct Release {
+            std::atomic<std::size_t>& heard;
+            std::atomic<bool>& stop;
+            bool mine;
+            ~Release() {
+                if (!mine) return;
+                if (std::uncaught_exceptions()) stop = true;
+                heard = SIZE_MAX;
+                heard.notify_one();
+            }
+        } release{heard, stop, t == 0};
         std::vector<char> buf(gBlock);
         for (std::size_t disc = twoThreads ? t : 0;; disc += twoThreads ? 2 : 1) {
             if (t == 0) {

@@ -134,10 +134,15 @@ TEST(FindDuplicates, SameNameAndSizeOnTwoDiscsLargestFirst) {
         for (std::size_t d = 1; d <= row.labels.size(); ++d) all.push_back(d * 10 + row.labels.size());
         EXPECT_EQ(heard, all);
     }
-    // Stopped at the first disc, no more than one disc is read: no copies.
+    // Stopped at the first disc, no disc is read: no copies. A progress that
+    // throws ends the run as well, with both threads.
+    SetDuplicateSeamsForTesting(64, 1 << 18, true);
     EXPECT_TRUE(FindDuplicates(s.Path(), {"Eins", "Zwei", "Drei"}, 0, [](std::size_t, std::size_t) {
                     return false;
                 }).empty());
+    EXPECT_THROW(FindDuplicates(s.Path(), {"Eins", "Zwei", "Drei"}, 0,
+                                [](std::size_t disc, std::size_t) -> bool { return disc < 2 || (throw 7, false); }),
+                 int);
     SetDuplicateSeamsForTesting(64, 1 << 18);
     scan::UseVectors(true);
 }
