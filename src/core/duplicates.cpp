@@ -676,6 +676,11 @@ std::vector<DuplicateGroup> FindDuplicates(const std::string& dataFolder,
     const auto fetch = [&](int t) {
         std::vector<char> buf;
         const std::size_t from = t ? half : 0, to = t ? candidates.size() : half;
+        // Room for all at once: a growing arena would copy itself again and
+        // again, and fresh pages cost more here than the lines themselves.
+        // (Pages that stay unwritten cost nothing.)
+        got[t].reserve(t ? to - from : candidates.size());
+        bytesOf[t].reserve((t ? to - from : candidates.size()) * 256);
         for (std::size_t i = from, j; i < to; i = j) {
             const std::uint64_t disc = candidates[i].where >> kOffsetBits;
             for (j = i + 1; j < to && (candidates[j].where >> kOffsetBits) == disc;) ++j;
