@@ -43,6 +43,7 @@ int RunDuplicates(Context& ctx) {
 
     const std::vector<DuplicateGroup> groups = FindDuplicates(ctx.dataFolder, labels, minSize);
     const Format format = FormatOf(ctx);
+    std::string value;  // one copy's text, its room used again
     if (format == Format::Text) {
         for (const DuplicateGroup& g : groups) {
             if (ctx.OutputGone()) break;
@@ -50,7 +51,10 @@ int RunDuplicates(Context& ctx) {
                      << ctx.T({"%1 Bytes, %2 Kopien", "%1 bytes, %2 copies"},
                               {std::to_string(g.size), std::to_string(g.hits.size())})
                      << "\n";
-            for (const std::string& hit : g.hits) *ctx.out << "  " << Value(ctx, hit, true) << "\n";
+            for (const std::string& hit : g.hits) {
+                ValueInto(ctx, hit, true, value);
+                *ctx.out << "  " << value << "\n";
+            }
         }
     } else {
         Records records(ctx, {{"group", true}, {"name"}, {"size", true}, {"hit"}});
@@ -62,7 +66,7 @@ int RunDuplicates(Context& ctx) {
             values[1] = Value(ctx, g.name);
             values[2] = std::to_string(g.size);
             for (const std::string& hit : g.hits) {
-                values[3] = Value(ctx, hit, true);
+                ValueInto(ctx, hit, true, values[3]);
                 records.Add(values);
             }
         }

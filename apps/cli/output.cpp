@@ -26,11 +26,19 @@ Format FormatOf(const Context& ctx) {
     return f == "tsv" ? Format::Tsv : f == "json" ? Format::Json : Format::Text;
 }
 
-std::string Value(const Context& ctx, std::string_view text, bool isPath) {
-    std::string out = DecodeLine(text);
+void ValueInto(const Context& ctx, std::string_view text, bool isPath, std::string& out) {
+    if (IsValidUtf8(text))
+        out.assign(text);  // as DecodeLine takes it, into the room `out` has
+    else
+        out = DecodeLine(text);
     if (isPath && ctx.args.Has("--slashes"))
         for (char& c : out)
             if (c == '\\') c = '/';
+}
+
+std::string Value(const Context& ctx, std::string_view text, bool isPath) {
+    std::string out;
+    ValueInto(ctx, text, isPath, out);
     return out;
 }
 
