@@ -624,7 +624,7 @@ std::vector<DuplicateGroup> FindDuplicates(const std::string& dataFolder,
     // records of its own. Only this thread speaks to `progress`, a disc or two
     // ahead of its own, and the other reads no disc `progress` hasn't heard of.
     const std::size_t discs = std::min(labels.size(), kMaxDiscs);
-    const bool twoThreads = gThreads && discs > 1;
+    const bool twoThreads = gThreads && discs > 1 && std::thread::hardware_concurrency() != 1;
     Records records[2];
     std::atomic<std::size_t> heard{0};
     std::atomic<bool> stop{false};
