@@ -68,7 +68,9 @@ from a terminal.")
   set(CPACK_DEBIAN_PACKAGE_SECTION utils)
   set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
   set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-  set(CPACK_DEBIAN_PACKAGE_DEPENDS "xdg-utils")
+  # libarchive is loaded only when an ISO image is read (dlopen), so
+  # dpkg-shlibdeps can't see it.
+  set(CPACK_DEBIAN_PACKAGE_DEPENDS "xdg-utils, libarchive13")
   set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
   set(CPACK_STRIP_FILES ON)
   set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)

@@ -3,7 +3,7 @@
 # when it is all there already. Needs root (or sudo) for apt-get.
 set -euo pipefail
 pkgs=(cmake g++ make pkg-config libgtest-dev qt6-base-dev qt6-base-dev-tools libgl-dev
-      libarchive-dev libudf-dev
+      libarchive-dev
       xvfb xauth xorriso genisoimage dosfstools exfatprogs ntfs-3g udftools mtools fonts-dejavu-core xdg-utils man-db
       qt6-translations-l10n)
 missing=()

@@ -132,6 +132,10 @@ struct Registration {
 
 const std::vector<Command>& Commands();
 
+// Refuses a disc image that `why` says can't be read: damaged or cut short,
+// or the library for its file system can't be loaded.
+int RefuseImage(const Context& ctx, const Failure& why);
+
 // --- Values shared by several commands ----------------------------------------
 
 // "100", "1.5K", "5M", "2G", "1T" (K, M, G, T powers of 1024; "KB", "KiB" too)

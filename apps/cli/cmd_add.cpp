@@ -13,6 +13,15 @@
 
 namespace ct::cli {
 
+int RefuseImage(const Context& ctx, const Failure& why) {
+    if (why.code == FailCode::LibraryMissing)
+        return ctx.Refuse({"das Abbild kann nicht gelesen werden: %1", "the image can't be read: %1"},
+                          {FailureText(why, ctx.language)});
+    return ctx.Refuse({"das Abbild „%1“ kann nicht gelesen werden (beschädigt oder unvollständig)",
+                       "the image '%1' can't be read (damaged or incomplete)"},
+                      {why.path});
+}
+
 namespace {
 
 int RunAdd(Context& ctx) {
@@ -23,10 +32,8 @@ int RunAdd(Context& ctx) {
     if (!IsDiscImage(pos[0]) && !std::filesystem::is_directory(pos[0], ec))
         return ctx.Refuse({"„%1“ ist weder ein Ordner noch ein Abbild eines Datenträgers",
                            "'%1' is neither a folder nor a disc image"}, {pos[0]});
-    if (IsDiscImage(pos[0]) && !ImageReadable(pos[0]))
-        return ctx.Refuse({"das Abbild „%1“ kann nicht gelesen werden (UDF nach Revision 2.01 ohne ISO-9660-Teil)",
-                           "the image '%1' can't be read (UDF beyond revision 2.01 without an ISO 9660 side)"},
-                          {pos[0]});
+    if (IsDiscImage(pos[0]))
+        if (const Failure why = ImageFailure(pos[0])) return RefuseImage(ctx, why);
 
     AddRequest request;
     request.root = pos[0];
@@ -80,10 +87,12 @@ Registration reg{{
                 "read a folder, a mounted volume or a disc image (ISO 9660, UDF) into a new catalogue"},
     .details = {"Die Bezeichnung wird wie im Fenster bereinigt; ist sie vergeben, wird nichts gelesen oder "
                 "geschrieben. Ein Abbild wird gelesen wie die gebrannte Scheibe im Laufwerk, ohne es "
-                "einzuhängen.",
+                "einzuhängen: ISO 9660 mit Joliet oder Rock Ridge, UDF jeder Revision bis 2.60 (DVD, "
+                "Blu-ray). Ein beschädigtes Abbild ergibt keinen Katalog.",
                 "The label is cleaned as in the window; one in use is refused, and nothing is read or "
                 "written. An image file is read as the burnt disc would read in a drive, without "
-                "mounting it."},
+                "mounting it: ISO 9660 with Joliet or Rock Ridge, UDF of every revision up to 2.60 "
+                "(DVD, Blu-ray). A damaged image gives no catalogue."},
     .options = {{"--label", Takes::Value, "LABEL", {"die Bezeichnung (Pflicht)", "the label (required)"}, "", {}, true},
                 {"--description", Takes::Value, "TEXT",
                  {"die Beschreibung des Datenträgers", "the disc's description"}}},

@@ -38,10 +38,8 @@ int RunVerify(Context& ctx) {
     if (!IsDiscImage(root) && !std::filesystem::is_directory(root, ec))
         return ctx.Refuse({"„%1“ ist weder ein Ordner noch ein Abbild eines Datenträgers",
                            "'%1' is neither a folder nor a disc image"}, {root});
-    if (IsDiscImage(root) && !ImageReadable(root))
-        return ctx.Refuse({"das Abbild „%1“ kann nicht gelesen werden (UDF nach Revision 2.01 ohne ISO-9660-Teil)",
-                           "the image '%1' can't be read (UDF beyond revision 2.01 without an ISO 9660 side)"},
-                          {root});
+    if (IsDiscImage(root))
+        if (const Failure why = ImageFailure(root)) return RefuseImage(ctx, why);
 
     // The count of entries found so far, as a terminal line that rewrites
     // itself; nothing when stderr is no terminal.
@@ -53,8 +51,13 @@ int RunVerify(Context& ctx) {
                      << std::flush;
         };
     WalkList folders, files;
-    DiscSourceWithImages().WalkFolder(root, folders, files, progress);
+    // An image read only in part would tell of entries missing that aren't.
+    const bool image = IsDiscImage(root);
+    const bool walked = !image || WalkImage(root, folders, files, progress);
+    if (!image) DiscSourceWithImages().WalkFolder(root, folders, files, progress);
     if (showProgress) *ctx.err << "\r\033[K" << std::flush;
+    if (!walked)
+        return RefuseImage(ctx, ct::Fail(FailCode::Unreadable, root));
 
     const VerifyReport report = VerifyDisc(catalogue, root, folders, files);
     if (!report.opened)

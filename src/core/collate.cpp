@@ -37,9 +37,9 @@ bool Decode(std::string_view s, std::size_t i, char32_t& cp, std::size_t& len) {
 
 }  // namespace
 
-std::string SortKey(std::string_view utf8) {
-    std::string key;
-    key.reserve(utf8.size() * 2 + 1);
+namespace {
+
+void AppendSortKey(std::string& key, std::string_view utf8) {
     for (std::size_t i = 0; i < utf8.size();) {
         const auto b = static_cast<unsigned char>(utf8[i]);
         if (b < 0x80) {
@@ -72,18 +72,33 @@ std::string SortKey(std::string_view utf8) {
     }
     key += '\0';
     key.append(utf8);
+}
+
+}  // namespace
+
+std::string SortKey(std::string_view utf8) {
+    std::string key;
+    key.reserve(utf8.size() * 2 + 1);
+    AppendSortKey(key, utf8);
     return key;
 }
 
 bool ListOrderLess(std::string_view a, std::string_view b) { return SortKey(a) < SortKey(b); }
 
 void SortForList(std::vector<std::string>& texts) {
-    std::vector<std::string> keys;
-    keys.reserve(texts.size());
-    for (const std::string& t : texts) keys.push_back(SortKey(t));
+    // All keys in one string, each item's found by its place: one allocation
+    // for the run instead of one per item.
+    std::string arena;
+    std::vector<std::size_t> at(texts.size() + 1);
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        at[i] = arena.size();
+        AppendSortKey(arena, texts[i]);
+    }
+    at[texts.size()] = arena.size();
+    auto key = [&](std::size_t i) { return std::string_view(arena).substr(at[i], at[i + 1] - at[i]); };
     std::vector<std::size_t> order(texts.size());
     std::iota(order.begin(), order.end(), std::size_t{0});
-    std::sort(order.begin(), order.end(), [&](std::size_t x, std::size_t y) { return keys[x] < keys[y]; });
+    std::sort(order.begin(), order.end(), [&](std::size_t x, std::size_t y) { return key(x) < key(y); });
     std::vector<std::string> sorted;
     sorted.reserve(texts.size());
     for (std::size_t i : order) sorted.push_back(std::move(texts[i]));

@@ -39,6 +39,8 @@ constexpr Wording kWordings[] = {
      "\"%1\" is read-only and stays unchanged."},
     {FailCode::BadText, "Eine Beschreibung kann keinen Zeilenumbruch enthalten; „%1“ bleibt unverändert.",
      "A description can't hold a line break; \"%1\" stays unchanged."},
+    {FailCode::LibraryMissing, "Die Bibliothek „%1“ kann nicht geladen werden.",
+     "Cannot load the library \"%1\"."},
 };
 
 // The system's reasons a catalogue's file steps meet, in German: the C

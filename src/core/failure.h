@@ -28,6 +28,7 @@ enum class FailCode {
     ReadOnly,        // `path` may not be changed (no write permission)
     SetAside,        // `path` couldn't be set aside for a re-read; it stays as it was
     BadText,         // the text for `path` holds a line break, which no line can keep
+    LibraryMissing,  // the shared library `path`, loaded only when needed, can't be loaded
 };
 
 struct Failure {

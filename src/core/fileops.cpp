@@ -109,6 +109,14 @@ ReadFile FileOps::OpenRead(const std::string& path, Failure* failure) {
 
 bool FileOps::RemoveUnheld(const std::string& path) { return Remove(path, nullptr); }
 
+std::vector<std::string> FileOps::Names(const std::string& folder) {
+    std::vector<std::string> names;
+    std::error_code ec;
+    for (std::filesystem::directory_iterator it(folder, ec), end; !ec && it != end; it.increment(ec))
+        names.push_back(it->path().filename().string());
+    return names;
+}
+
 Failure WriteWholeFile(FileOps& ops, const std::string& path, std::string_view content) {
     Failure failure;
     // Only an existing file can be locked; a new one (a first CT.ini) has no
@@ -147,14 +155,8 @@ int CleanScratchFiles(FileOps& ops, const std::vector<std::string>& folders) {
     for (const std::string& folder : folders) {
         std::error_code ec;
         std::vector<std::string> found;
-        // The name read off the entry's path in place: a path object per entry
-        // would cost a folder of thousands of catalogues at every start.
-        for (std::filesystem::directory_iterator it(folder, ec), end; !ec && it != end; it.increment(ec)) {
-            const std::string& path = it->path().native();
-            const std::size_t slash = path.rfind('/');
-            if (IsScratchName(std::string_view(path).substr(slash == std::string::npos ? 0 : slash + 1)))
-                found.push_back(path);
-        }
+        for (const std::string& name : ops.Names(folder))
+            if (IsScratchName(name)) found.push_back(Join(folder, name));
         for (const std::string& path : found)
             if (ops.RemoveUnheld(path)) ++removed;
     }

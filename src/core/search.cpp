@@ -464,13 +464,19 @@ bool Matcher::AsciiNameTest(std::string_view t) const {
 bool Matcher::TestDisc(std::string_view label, std::string_view headerLine) {
     if (headerLine.find('|') == std::string_view::npos) return false;  // no header to judge
     if (nameOp_ == SearchOp::None) return true;
-    const std::string header = DecodeLine(headerLine);
-    std::string l, d;
-    UpperInto(label, l);
-    UpperInto(std::string_view(header).substr(header.rfind('|') + 1), d);
+    // Only the description is tested; a line of valid UTF-8 is read as it
+    // stands, any other is decoded whole, as its encoding is the line's.
+    std::string_view description = headerLine.substr(headerLine.rfind('|') + 1);
+    std::string decoded;
+    if (!IsValidUtf8(headerLine)) {
+        decoded = DecodeLine(headerLine);
+        description = std::string_view(decoded).substr(decoded.rfind('|') + 1);
+    }
+    UpperInto(label, discLabel_);
+    UpperInto(description, discText_);
     // For a negated operator "false when both" is "true when either", so one
     // rule serves all eight.
-    return CompareText(nameOp_, l, term_) || CompareText(nameOp_, d, term_);
+    return CompareText(nameOp_, discLabel_, term_) || CompareText(nameOp_, discText_, term_);
 }
 
 bool Matcher::SectionNeedle(bool folderSection, scan::Needle& needle) const {

@@ -198,6 +198,7 @@ private:
     // names are passed over in a few steps.
     std::array<unsigned char, 256> skip_{};
     std::string upper_;    // scratch: the upper-cased text under test
+    std::string discLabel_, discText_;  // scratch of TestDisc, kept for the next disc
     std::string decoded_;  // scratch: a line that isn't plain ASCII, decoded
 };
 

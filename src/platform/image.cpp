@@ -1,12 +1,12 @@
-// Disc images through the libraries of the field: libarchive for ISO 9660
-// (it handles Joliet, Rock Ridge, multi-extent files and zisofs), libudf for
-// UDF. The header figures come from the project's own superblock probe, so an
+// Disc images: libarchive for ISO 9660 (it handles Joliet, Rock Ridge,
+// multi-extent files and zisofs), our own reader for UDF of every revision.
+// The header figures come from the project's own superblock probe, so an
 // image and the disc burnt from it get the same serial number.
 #include "platform/image.h"
 
 #include <archive.h>
 #include <archive_entry.h>
-#include <cdio/udf.h>
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <locale.h>
 #include <sys/stat.h>
@@ -16,11 +16,14 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
+#include <type_traits>
 #include <vector>
 
 #include "core/textrules.h"
 #include "platform/probe.h"
+#include "platform/udf.h"
 #include "platform/volume.h"
 #include "platform/walk.h"
 
@@ -203,6 +206,57 @@ std::set<std::string> HiddenPaths(int fd, bool joliet) {
     return hidden;
 }
 
+// libarchive, and through it ICU and libxml2, is loaded the first time an ISO
+// image is read, not at every start of either program: most commands never
+// read an image, and loading those libraries was a third of a short
+// command's start-up. Its headers still give the functions' types.
+constexpr const char* kArchiveLibrary = "libarchive.so.13";
+
+struct ArchiveCalls {
+    decltype(&archive_read_new) readNew;
+    decltype(&archive_read_free) readFree;
+    decltype(&archive_read_support_format_iso9660) supportIso9660;
+    decltype(&archive_read_set_format_option) setFormatOption;
+    decltype(&archive_read_open_filename) openFilename;
+    decltype(&archive_read_next_header) nextHeader;
+    decltype(&archive_entry_pathname_utf8) pathnameUtf8;
+    decltype(&archive_entry_pathname) pathname;
+    decltype(&archive_entry_filetype) filetype;
+    decltype(&archive_entry_mtime) mtime;
+    decltype(&archive_entry_size) size;
+    decltype(&archive_entry_hardlink) hardlink;
+};
+
+// Resolved once (a function-local static, so two threads load it once);
+// null when the library or one of its functions is missing. The library
+// stays loaded for the life of the process.
+const ArchiveCalls* Archive() {
+    static const std::optional<ArchiveCalls> calls = []() -> std::optional<ArchiveCalls> {
+        void* lib = dlopen(kArchiveLibrary, RTLD_NOW | RTLD_LOCAL);
+        if (!lib) return std::nullopt;
+        ArchiveCalls c{};
+        bool all = true;
+        auto bind = [&](auto& call, const char* name) {
+            call = reinterpret_cast<std::remove_reference_t<decltype(call)>>(dlsym(lib, name));
+            all = all && call;
+        };
+        bind(c.readNew, "archive_read_new");
+        bind(c.readFree, "archive_read_free");
+        bind(c.supportIso9660, "archive_read_support_format_iso9660");
+        bind(c.setFormatOption, "archive_read_set_format_option");
+        bind(c.openFilename, "archive_read_open_filename");
+        bind(c.nextHeader, "archive_read_next_header");
+        bind(c.pathnameUtf8, "archive_entry_pathname_utf8");
+        bind(c.pathname, "archive_entry_pathname");
+        bind(c.filetype, "archive_entry_filetype");
+        bind(c.mtime, "archive_entry_mtime");
+        bind(c.size, "archive_entry_size");
+        bind(c.hardlink, "archive_entry_hardlink");
+        return all ? std::optional<ArchiveCalls>(c) : std::nullopt;
+    }();
+    return calls ? &*calls : nullptr;
+}
+
 // libarchive turns UTF-16 names into the locale's character set; the walk
 // wants UTF-8 whatever the program's locale is.
 class Utf8Locale {
@@ -224,14 +278,16 @@ private:
 };
 
 bool ReadIsoTree(const std::string& image, bool joliet, std::vector<IsoNode>& nodes) {
+    const ArchiveCalls* lib = Archive();
+    if (!lib) return false;
     Utf8Locale utf8;
-    std::unique_ptr<archive, decltype(&archive_read_free)> a(archive_read_new(), &archive_read_free);
+    std::unique_ptr<archive, decltype(lib->readFree)> a(lib->readNew(), lib->readFree);
     if (!a) return false;
-    archive_read_support_format_iso9660(a.get());
+    lib->supportIso9660(a.get());
     // With both trees present libarchive would take the Rock Ridge names; a
     // drive shows the Joliet ones.
-    if (joliet) archive_read_set_format_option(a.get(), "iso9660", "rockridge", nullptr);
-    if (archive_read_open_filename(a.get(), image.c_str(), 1 << 16) != ARCHIVE_OK) return false;
+    if (joliet) lib->setFormatOption(a.get(), "iso9660", "rockridge", nullptr);
+    if (lib->openFilename(a.get(), image.c_str(), 1 << 16) != ARCHIVE_OK) return false;
 
     std::map<std::string, std::size_t> byPath{{"", 0}};
     nodes.assign(1, IsoNode{});
@@ -258,19 +314,19 @@ bool ReadIsoTree(const std::string& image, bool joliet, std::vector<IsoNode>& no
     std::map<std::string, std::uint64_t> sizes;  // for entries libarchive gives as hard links
     archive_entry* entry = nullptr;
     int r;
-    while ((r = archive_read_next_header(a.get(), &entry)) == ARCHIVE_OK) {
-        const char* raw = archive_entry_pathname_utf8(entry);
-        if (!raw) raw = archive_entry_pathname(entry);
+    while ((r = lib->nextHeader(a.get(), &entry)) == ARCHIVE_OK) {
+        const char* raw = lib->pathnameUtf8(entry);
+        if (!raw) raw = lib->pathname(entry);
         std::string path = raw ? raw : "";
         while (!path.empty() && path.back() == '/') path.pop_back();
         if (path.rfind("./", 0) == 0) path.erase(0, 2);
         if (path.empty() || path == ".") continue;
-        const bool folder = archive_entry_filetype(entry) == AE_IFDIR;
+        const bool folder = lib->filetype(entry) == AE_IFDIR;
         IsoNode& node = nodes[nodeOf(path, folder)];
         node.folder = folder;
-        node.time = archive_entry_mtime(entry);
-        node.size = folder ? 0 : static_cast<std::uint64_t>(archive_entry_size(entry));
-        if (const char* target = archive_entry_hardlink(entry)) {
+        node.time = lib->mtime(entry);
+        node.size = folder ? 0 : static_cast<std::uint64_t>(lib->size(entry));
+        if (const char* target = lib->hardlink(entry)) {
             // Files that share their data on the disc: libarchive gives the
             // later ones as links without a size; a drive shows each whole.
             const auto it = sizes.find(target);
@@ -317,40 +373,33 @@ void EmitIso(const std::vector<IsoNode>& nodes, std::size_t at, const std::strin
 
 // --- UDF -------------------------------------------------------------------
 
-// Takes ownership of `dir` (libudf frees a directory read to its end).
-void WalkUdfLevel(udf_dirent_t* dir, const std::string& prefix, WalkList& folders, WalkList& files,
+UdfResult WalkUdf(const std::string& image, const std::string& prefix, WalkList& folders, WalkList& files,
                   const std::function<void(std::size_t)>& progress) {
-    while ((dir = udf_readdir(dir)) != nullptr) {
-        const udf_fileid_desc_t* fid = dir->fid;
-        const unsigned characteristics = fid ? fid->file_characteristics : 0;
-        if (characteristics & UDF_FILE_PARENT) continue;
-        const char* name = udf_get_filename(dir);
-        if (!name || !*name) continue;
+    const int fd = open(image.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (fd < 0) return UdfResult::NotUdf;
+    const UdfResult r = ReadUdfTree(fd, [&](const UdfEntry& e) {
         WalkRecord record;
-        record.Name = prefix + name;
-        record.Attributes = (characteristics & UDF_FILE_HIDDEN) ? "R H" : "R";
-        record.Date = TimeText(udf_get_modification_time(dir));
-        if (udf_is_dir(dir)) {
-            folders.push_back(record);
-            Report(progress, folders, files);
-            if (udf_dirent_t* sub = udf_opendir(dir))
-                WalkUdfLevel(sub, record.Name + '/', folders, files, progress);
+        record.Name = prefix + e.path;
+        record.Attributes = e.hidden ? "R H" : "R";
+        record.Date = TimeText(e.mtime);
+        if (e.folder) {
+            folders.push_back(std::move(record));
         } else {
-            record.Size = LowSize(udf_get_file_length(dir));
+            record.Size = LowSize(e.size);
             files.push_back(std::move(record));
-            Report(progress, folders, files);
         }
-    }
+        Report(progress, folders, files);
+    });
+    close(fd);
+    return r;
 }
 
-bool WalkUdf(const std::string& image, const std::string& prefix, WalkList& folders, WalkList& files,
-             const std::function<void(std::size_t)>& progress) {
-    udf_t* udf = udf_open(image.c_str());
-    if (!udf) return false;
-    udf_dirent_t* root = udf_get_root(udf, true, 0);
-    if (root) WalkUdfLevel(root, prefix, folders, files, progress);
-    udf_close(udf);
-    return root != nullptr;
+bool UdfOpens(const std::string& image) {
+    const int fd = open(image.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (fd < 0) return false;
+    const bool ok = ReadUdfTree(fd, {}) == UdfResult::Ok;
+    close(fd);
+    return ok;
 }
 
 class WithImages final : public DiscSource {
@@ -366,12 +415,20 @@ public:
     // lists first (its reader holds the tree anyway) and then handed on.
     WalkSummary Walk(const std::string& path, WalkSink& sink) override {
         if (IsDiscImage(path)) {
-            if (!ImageReadable(path)) {
-                WalkSummary none;
-                none.failure = Fail(FailCode::Unreadable, path);
-                return none;
+            // An image read only in part (a damaged folder deep down) adds
+            // nothing rather than a catalogue that looks whole.
+            WalkList folders, files;
+            WalkSummary summary;
+            if (!WalkImage(path, folders, files, [&sink](std::size_t n) { sink.Progress(n); })) {
+                const Failure why = ImageFailure(path);
+                summary.failure = why ? why : Fail(FailCode::Unreadable, path);
+                return summary;
             }
-            return DiscSource::Walk(path, sink);
+            for (const WalkRecord& r : folders)
+                if (!sink.Folder(r)) return WalkSummary{0, true, {}};
+            for (const WalkRecord& r : files)
+                if (!sink.File(r)) return WalkSummary{0, true, {}};
+            return summary;
         }
         return SystemDiscSource().Walk(path, sink);
     }
@@ -390,28 +447,22 @@ bool IsDiscImage(const std::string& path) {
     return d.iso || d.udf;
 }
 
-bool ImageReadable(const std::string& image) {
+Failure ImageFailure(const std::string& image) {
     const Descriptors d = RecogniseFile(image);
-    if (d.iso) return true;
-    if (!d.udf) return false;
-    udf_t* udf = udf_open(image.c_str());
-    if (!udf) return false;
-    udf_dirent_t* root = udf_get_root(udf, true, 0);
-    if (root) udf_dirent_free(root);
-    udf_close(udf);
-    return root != nullptr;
+    if (d.udf && UdfOpens(image)) return {};
+    if (!d.iso) return Fail(FailCode::Unreadable, image);
+    return Archive() ? Failure{} : Fail(FailCode::LibraryMissing, kArchiveLibrary);
 }
 
 bool WalkImage(const std::string& image, WalkList& folders, WalkList& files,
                const std::function<void(std::size_t)>& progress) {
     const Descriptors d = RecogniseFile(image);
     const std::string prefix = image + '/';
-    // A drive mounts the UDF side of a bridge disc; libudf reads UDF up to
-    // revision 2.01 without extended file entries, so an image it can't read
-    // falls back to its ISO 9660 side where there is one.
+    // A drive mounts the UDF side of a bridge disc; where that side is
+    // damaged, the ISO 9660 side, if any, still tells what the disc holds.
     if (d.udf) {
         const std::size_t f = folders.size(), g = files.size();
-        if (WalkUdf(image, prefix, folders, files, progress)) return true;
+        if (WalkUdf(image, prefix, folders, files, progress) == UdfResult::Ok) return true;
         folders.resize(f);
         files.resize(g);
     }

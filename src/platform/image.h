@@ -1,6 +1,7 @@
 // Disc images read as the burnt disc would read in a drive, without mounting
 // and without root: ISO 9660 (Joliet names where present, else Rock Ridge,
-// else the primary names) through libarchive, UDF through libcdio's libudf.
+// else the primary names) through libarchive, UDF of every revision through
+// our own reader (platform/udf.h).
 //
 // Contract of the walk: depth first, going down into a folder the moment it is
 // met; the entries of one folder in the order the disc records them (ISO 9660
@@ -14,6 +15,7 @@
 #include <string>
 
 #include "core/adddisc.h"
+#include "core/failure.h"
 #include "core/records.h"
 
 namespace ct {
@@ -21,12 +23,16 @@ namespace ct {
 // A regular file that carries an ISO 9660 or UDF volume descriptor.
 bool IsDiscImage(const std::string& path);
 
-// Whether the libraries can read the image's files: UDF that libudf reads,
-// or an ISO 9660 side. A UDF image of a later revision without one isn't.
-bool ImageReadable(const std::string& image);
+// Why the image's files can't be read, or no failure: Unreadable when it has
+// neither a UDF volume whose root folder reads nor an ISO 9660 side,
+// LibraryMissing (the library's name as the path) when it has only the ISO
+// 9660 side and libarchive can't be loaded. A folder damaged further down
+// shows only in the walk.
+Failure ImageFailure(const std::string& image);
 
-// False when the image can't be opened or read as either file system; the
-// lists then hold what was read before the failure.
+// False when the image can't be opened or read whole as either file system
+// (a damaged UDF side falls back to the ISO 9660 one); the lists then hold
+// what was read before the failure.
 bool WalkImage(const std::string& image, WalkList& folders, WalkList& files,
                const std::function<void(std::size_t)>& progress = {});
 

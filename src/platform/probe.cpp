@@ -11,6 +11,7 @@
 
 #include "core/text.h"
 #include "platform/probe.h"
+#include "platform/udf.h"
 #include "platform/volume.h"
 
 namespace ct {
@@ -188,8 +189,13 @@ bool ProbeUdf(int fd, std::uint64_t session, VolumeLabel& out) {
     out.name = logicalName.empty() ? volumeName : logicalName;
     out.serial = 0;
     if (haveLvd && havePd) {
-        const Bytes fsd = ReadAt(
-            fd, (static_cast<std::uint64_t>(partitionStart) + fsdBlock) * kOpticalSector, kOpticalSector);
+        // The file set as the volume maps it: on a disc with a metadata
+        // partition (Blu-ray) or a virtual one (DVD-R, BD-R) it isn't at the
+        // physical partition's block of its number.
+        Bytes fsd;
+        if (session != 0 || !ReadUdfFileSet(fd, fsd))
+            fsd = ReadAt(fd, (static_cast<std::uint64_t>(partitionStart) + fsdBlock) * kOpticalSector,
+                         kOpticalSector);
         if (fsd.size() == kOpticalSector && Le16(fsd, 0) == 256) {
             const auto s = Sums(fsd);
             out.serial = static_cast<std::uint32_t>(s[3]) << 24 | static_cast<std::uint32_t>(s[2]) << 16 |

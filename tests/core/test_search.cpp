@@ -59,7 +59,7 @@ void WriteCollection(TempDir& dir) {
         "\\a*b.txt|0||00.00.0 00:00:00|x|y",
     });
     dir.Write("Archiv", {
-        "0|0||0|0|0|alte a|b Urlaubsbilder",
+        "0|0||0|0|0|alte a|b Urlaubsbilder f\xfcr Oma",
         "",
         "\\Urlaub2004|A|05.06.2004 12:00:00|",
         "",
@@ -156,6 +156,7 @@ const Row kRows[] = {
     {"EqualIsNoPrefix", [] { return Criteria(0, EQ, "P1"); }, {}},
     {"EqualFileByOwnName", [] { return Criteria(0, EQ, "BILD.JPG"); }, {"Urlaub\\\\FOTOS\\2001\\bild.jpg"}},
     {"DiscByDescriptionBehindLastBar", [] { return Criteria(0, BEG, "b urlaubs"); }, {"Archiv"}},
+    {"DiscDescriptionInWindows1252", [] { return Criteria(0, CONT, "bilder für"); }, {"Archiv"}},
     {"Windows1252LineDecoded", [] { return Criteria(0, BEG, "straße"); },
      {"Archiv\\\\Urlaub2004\\Straße.txt"}},
     // The closing backslash: folder lines with "ends with" take one off for good.

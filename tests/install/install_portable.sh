@@ -19,6 +19,13 @@ mkdir -p "$dest/../walkme/sub" && echo hi > "$dest/../walkme/sub/a.txt"
 "$dest/cartulon-cli" add "$dest/../walkme" --label InstallCheck >/dev/null
 [ -f "$dest/Daten/InstallCheck.idx" ] || { echo "cartulon-cli did not write into the folder's Daten/"; fail=1; }
 "$dest/cartulon-cli" list | grep -qx InstallCheck || { echo "cartulon-cli list misses the new disc"; fail=1; }
+# libarchive isn't loaded at start, only when an ISO image is read, and then it is.
+! ldd "$dest/cartulon-cli" | grep -q libarchive || { echo "cartulon-cli links libarchive at start"; fail=1; }
+if command -v xorriso >/dev/null; then
+  xorriso -as mkisofs -J -o "$dest/../walkme.iso" "$dest/../walkme" 2>/dev/null
+  "$dest/cartulon-cli" add "$dest/../walkme.iso" --label IsoCheck >/dev/null || { echo "cartulon-cli can't add an ISO image"; fail=1; }
+  rm -f "$dest/Daten/IsoCheck.idx" "$dest/../walkme.iso"
+fi
 rm -f "$dest/Daten/InstallCheck.idx"; rm -rf "$dest/../walkme"
 [ $fail -eq 0 ] && echo "installed program folder complete"
 exit $fail

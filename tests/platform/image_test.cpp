@@ -9,9 +9,11 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <initializer_list>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -48,6 +50,7 @@ const Entry kTree[] = {
     {"alpha/", 0, 1400000000},
     {"alpha/\xC3\xA4rger \xE2\x82\xAC.txt", 4, 1500000000},
     {"b.txt", 0, 1600000000},
+    {"big.bin", 300000, 1700000000},
 };
 
 std::string MakeTree(const Scratch& s) {
@@ -143,77 +146,301 @@ TEST(WalkImage, HiddenFlagBecomesH) {
     EXPECT_EQ(ImageLines(image, ok), expected);
 }
 
+// The header's figures: label, serial, file system and blocks.
+void ExpectHeader(const std::string& image, const std::string& label, const char* fileSystem,
+                  std::uint32_t serial, std::uint32_t blocks) {
+    VolumeInfo v;
+    ReadImageVolumeInfo(image, v);
+    EXPECT_EQ(v.VolumeName, label);
+    EXPECT_EQ(v.FileSystem, fileSystem);
+    EXPECT_EQ(static_cast<std::uint32_t>(v.SerialNumber), serial);
+    EXPECT_NE(serial, 0u);
+    EXPECT_EQ(v.ClusterCount, static_cast<std::int32_t>(blocks));
+    EXPECT_EQ(v.SectorsPerCluster, 1);
+    EXPECT_EQ(v.BytesPerSector, 2048);
+    EXPECT_EQ(v.Size.raw, static_cast<std::int64_t>(blocks) * 2048 * Fixed::kScale);
+}
+
 TEST(ReadImageVolumeInfo, HeaderFromTheDescriptors) {
-    if (!Have("xorriso") || !Have("mkudffs")) GTEST_SKIP() << "xorriso or mkudffs is missing";
+    if (!Have("xorriso")) GTEST_SKIP() << "xorriso is missing";
     Scratch s;
     s.Write("tree/a.txt", "content");
-    const std::string iso = s / "disc.iso", udf = s / "disc.udf";
+    const std::string iso = s / "disc.iso";
     ASSERT_TRUE(Shell("xorriso -as mkisofs -J -V 'Urlaub 2003' -o " + iso + " " + (s / "tree")));
-    ASSERT_TRUE(Shell("truncate -s 4M " + udf + " && mkudffs -b 2048 --media-type=hd --label=Leer " + udf));
-
     std::uint32_t isoBlocks = 0;  // the descriptor's block count, little-endian half (as is this machine)
     std::memcpy(&isoBlocks, ReadAll(iso).data() + 16 * 2048 + 80, 4);
-    // mkudffs says the serial Windows shows ("winserialnum=0x..."): a check
-    // from outside the project's own probe.
-    FILE* info = popen(("udfinfo " + udf + " 2>/dev/null").c_str(), "r");
-    ASSERT_NE(info, nullptr);
-    char line[256];
-    std::uint32_t udfSerial = 0;
-    while (std::fgets(line, sizeof line, info))
-        if (std::string(line).rfind("winserialnum=", 0) == 0) udfSerial = std::strtoul(line + 13, nullptr, 16);
-    pclose(info);
     VolumeLabel isoProbe;
     ASSERT_TRUE(ProbeVolumeFile(iso, isoProbe));
-
-    const struct {
-        const char* name;
-        std::string image, label, fileSystem;
-        std::uint32_t serial, blocks;
-    } rows[] = {
-        {"Iso", iso, "Urlaub 2003", "CDFS", isoProbe.serial, isoBlocks},
-        {"Udf", udf, "Leer", "UDF", udfSerial, 4u * 1024 * 1024 / 2048},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        VolumeInfo v;
-        ReadImageVolumeInfo(row.image, v);
-        EXPECT_EQ(v.VolumeName, row.label);
-        EXPECT_EQ(v.FileSystem, row.fileSystem);
-        EXPECT_EQ(static_cast<std::uint32_t>(v.SerialNumber), row.serial);
-        EXPECT_NE(row.serial, 0u);
-        EXPECT_EQ(v.ClusterCount, static_cast<std::int32_t>(row.blocks));
-        EXPECT_EQ(v.SectorsPerCluster, 1);
-        EXPECT_EQ(v.BytesPerSector, 2048);
-        EXPECT_EQ(v.Size.raw, static_cast<std::int64_t>(row.blocks) * 2048 * Fixed::kScale);
-    }
+    ExpectHeader(iso, "Urlaub 2003", "CDFS", isoProbe.serial, isoBlocks);
     // Anything else is no image, and its figures stay as the caller set them.
     VolumeInfo none;
     ReadImageVolumeInfo(s / "tree/a.txt", none);
     EXPECT_EQ(none.FileSystem, "");
     EXPECT_FALSE(IsDiscImage(s / "tree/a.txt"));
     EXPECT_FALSE(IsDiscImage(s / "tree"));
-    // libudf reads no extended file entries: such an image is refused, not
-    // catalogued as empty.
-    EXPECT_TRUE(ImageReadable(iso));
-    EXPECT_FALSE(ImageReadable(udf));
+    EXPECT_FALSE(ImageFailure(iso));
 }
 
-// A UDF image libudf can't read (extended file entries), with no ISO side, must not become an
-// empty catalogue under the label.
-TEST(AddImage, UnreadableImageAddsNothing) {
+// --- UDF -------------------------------------------------------------------
+// mkudffs makes empty volumes of every revision and nothing here can mount
+// one, so this writes kTree into such a volume as a UDF writer would: an
+// entry of the kind mkudffs chose (file entry or extended file entry) per item,
+// each on its own block at the partition's middle, the folders' identifiers
+// in the root's entry and in a block of their own below, files' data in the
+// entry or in two extents, times one hour east of UTC, a deleted identifier in
+// the root. On write-once media (VAT) the table moves to the new last block. With `metadata`
+// the folders move into a metadata partition, as on Blu-ray discs, whose
+// metadata file is broken so that its mirror must be read.
+std::uint16_t Crc(const unsigned char* p, std::size_t n) {
+    std::uint16_t crc = 0;
+    while (n--) {
+        crc ^= static_cast<std::uint16_t>(*p++ << 8);
+        for (int i = 0; i < 8; ++i) crc = static_cast<std::uint16_t>(crc & 0x8000 ? crc << 1 ^ 0x1021 : crc << 1);
+    }
+    return crc;
+}
+void P16(unsigned char* p, unsigned v) { p[0] = static_cast<unsigned char>(v), p[1] = static_cast<unsigned char>(v >> 8); }
+void P32(unsigned char* p, std::uint64_t v) { P16(p, v & 0xFFFF), P16(p + 2, (v >> 16) & 0xFFFF); }
+unsigned G16(const unsigned char* p) { return p[0] | p[1] << 8; }
+std::uint32_t G32(const unsigned char* p) { return G16(p) | G16(p + 2) << 16; }
+
+struct Udf {
+    std::string img;
+    std::uint32_t pstart = 0, vat = 0, meta = 0, next = 0, data = 0;
+    unsigned id = 0, version = 0;
+    std::map<std::string, std::uint32_t> blocks;  // item -> its entry's block
+
+    unsigned char* At(std::uint32_t block) { return reinterpret_cast<unsigned char*>(img.data()) + block * 2048ull; }
+    bool InMeta(std::uint32_t b) const { return meta && b >= meta && b < meta + 256; }
+    std::uint32_t Lbn(std::uint32_t b) const { return InMeta(b) ? b - meta : b - pstart; }
+    void Tag(unsigned char* p, unsigned tag, std::uint32_t at, std::size_t crcLength) {
+        P16(p, tag), P16(p + 2, version), P16(p + 8, Crc(p + 16, crcLength)), P16(p + 10, crcLength), P32(p + 12, at);
+        unsigned sum = 0;
+        for (int i = 0; i < 16; ++i) sum += i == 4 ? 0 : p[i];
+        p[4] = static_cast<unsigned char>(sum);
+    }
+    // A short (8 bytes), long (16) or extended (20) allocation descriptor.
+    std::string Ad(std::uint64_t length, std::uint32_t block, int size) {
+        std::string a(size, '\0');
+        auto* p = reinterpret_cast<unsigned char*>(a.data());
+        const int at = size == 20 ? 12 : 4;
+        P32(p, length), P32(p + at, Lbn(block));
+        if (size > 8) P16(p + at + 4, InMeta(block));
+        return a;
+    }
+    void Icb(std::uint32_t block, int type, std::uint64_t length, std::int64_t mtime, unsigned ads,
+               const std::string& descriptors) {
+        unsigned char* p = At(block);
+        const std::uint32_t at = p[0] ? G32(p + 12) : Lbn(block);  // the root keeps its place
+        const std::size_t base = id == 266 ? 216 : 176;
+        std::memset(p, 0, 2048);
+        P16(p + 20, 4), P16(p + 24, 1), p[27] = static_cast<unsigned char>(type), P16(p + 34, ads);
+        P16(p + 48, 1), P32(p + 56, length), P32(p + 64, id == 266 ? length : 0);
+        const time_t east = mtime + 3600;
+        tm t{};
+        gmtime_r(&east, &t);
+        unsigned char* s = p + (id == 266 ? 92 : 84);
+        P16(s, 0x1000 | 60), P16(s + 2, t.tm_year + 1900);
+        s[4] = t.tm_mon + 1, s[5] = t.tm_mday, s[6] = t.tm_hour, s[7] = t.tm_min, s[8] = t.tm_sec;
+        P32(p + base - 4, descriptors.size());
+        std::memcpy(p + base, descriptors.data(), descriptors.size());
+        Tag(p, id, at, base + descriptors.size() - 16);
+    }
+    std::string Fid(unsigned characteristics, const std::string& utf8, std::uint32_t block) {
+        std::u16string units;  // names here are of the first plane
+        for (std::size_t i = 0; i < utf8.size();) {
+            const unsigned char c = utf8[i];
+            const int n = c < 0x80 ? 1 : c < 0xE0 ? 2 : 3;
+            char16_t u = n == 1 ? c : n == 2 ? c & 0x1F : c & 0x0F;
+            for (int k = 1; k < n; ++k) u = static_cast<char16_t>(u << 6 | (utf8[i + k] & 0x3F));
+            units += u, i += n;
+        }
+        const bool wide = std::any_of(units.begin(), units.end(), [](char16_t u) { return u > 0xFF; });
+        std::string name = units.empty() ? "" : wide ? "\x10" : "\x08";
+        for (char16_t u : units) name += wide ? std::string{static_cast<char>(u >> 8), static_cast<char>(u)} : std::string(1, static_cast<char>(u));
+        std::string f(38 + name.size(), '\0');
+        auto* p = reinterpret_cast<unsigned char*>(f.data());
+        P16(p + 16, 1), p[18] = static_cast<unsigned char>(characteristics), p[19] = static_cast<unsigned char>(name.size());
+        std::memcpy(p + 20, Ad(2048, block, 16).data(), 16);
+        std::memcpy(p + 38, name.data(), name.size());
+        Tag(p, 257, 0, f.size() - 16);
+        return f.append((4 - f.size() % 4) % 4, '\0');
+    }
+    void Folder(const std::string& path, std::uint32_t block, std::uint32_t parent, std::int64_t mtime) {
+        // Deleted identifiers first: in the root's entry one, elsewhere enough
+        // that the living ones cross from the folder's first block to its second.
+        std::string fids = Fid(8 | 2, "", parent) + Fid(4, "weg.txt", 0);
+        while (fids.size() < 2000 && (meta || !path.empty())) fids += Fid(4, std::string(200, 'w'), 0);
+        for (const Entry& e : kTree) {
+            const std::string p = e.path;
+            if (p.rfind(path, 0) != 0 || p == path || p.find('/', path.size()) < p.size() - 1) continue;
+            const std::uint32_t b = blocks[p] = next++;
+            if (p.back() == '/') {
+                Folder(p, b, block, e.mtime);
+            } else if (e.size <= 64) {
+                Icb(b, 5, e.size, e.mtime, e.size ? 3 : 0, std::string(e.size, 'x'));
+            } else {
+                Icb(b, 5, e.size, e.mtime, 1, Ad(e.size, data, 16));
+                data += (e.size + 2047) / 2048;
+            }
+            const std::string name = p.substr(path.size(), p.size() - path.size() - (p.back() == '/'));
+            fids += Fid(p.back() == '/' ? 2 : 0, name, b);
+        }
+        if (path.empty() && !meta) return Icb(block, 4, fids.size(), mtime, 3, fids);
+        // Two extents; short, long or extended descriptors by folder, Zeta's
+        // second one in a continuation.
+        const std::uint32_t d = next;
+        next += 3;
+        const std::size_t half = 2048;
+        std::memcpy(At(d), fids.data(), half), std::memcpy(At(d + 1), fids.data() + half, fids.size() - half);
+        const int size = path == "alpha/" ? 20 : path == "Zeta/Unter/" ? 16 : 8;
+        std::string second = Ad(fids.size() - half, d + 1, size);
+        if (path == "Zeta/") {
+            unsigned char* more = At(d + 2);
+            P32(more + 20, second.size()), std::memcpy(more + 24, second.data(), second.size());
+            Tag(more, 258, Lbn(d + 2), 24 + second.size() - 16);
+            second = Ad(3u << 30 | 2048, d + 2, size);
+        }
+        Icb(block, 4, fids.size(), mtime, size == 20 ? 2 : size == 16, Ad(half, d, size) + second);
+    }
+};
+
+// An 8 MiB image mkudffs makes for `media` at `revision`, filled with kTree.
+Udf MakeUdf(const std::string& image, const char* media, const char* revision, bool metadata) {
+    Udf u;
+    if (!Shell("truncate -s 8M " + image + " && mkudffs -b 2048 --label=Sicherung --media-type=" + media +
+               " --udfrev=" + revision + " " + image))
+        return u;
+    u.img = ReadAll(image);
+    std::uint32_t root = 0, lvd = 0;
+    for (std::uint32_t b = 16; b < u.img.size() / 2048; ++b) {
+        const unsigned char* p = u.At(b);
+        const unsigned tag = G16(p);
+        if (tag == 6 && !lvd) lvd = b;
+        if (tag == 5 && !u.pstart) u.pstart = G32(p + 188);
+        if ((tag == 261 || tag == 266) && p[27] == 4 && !root) root = b, u.id = tag, u.version = G16(p + 2);
+        if ((tag == 261 || tag == 266) && p[27] == 248) u.vat = b;
+    }
+    const std::string vatEntry = u.vat ? u.img.substr(u.vat * 2048ull, 2048) : "";
+    u.next = u.vat ? u.vat : u.img.size() / 2048 / 2;
+    u.data = u.next + 1024;
+    if (metadata) {  // the file set and the folders into blocks 2048..2303, the files' data above
+        u.meta = u.next, u.next = u.meta + 1;
+        unsigned char* l = u.At(lvd);
+        unsigned char* map = l + 446;
+        map[0] = 2, map[1] = 64, std::memcpy(map + 5, "*UDF Metadata Partition", 23);
+        P16(map + 36, 1), P16(map + 38, G16(l + 444)), P32(map + 40, u.meta - 2 - u.pstart), P32(map + 44, u.meta - 1 - u.pstart);
+        P32(l + 264, 70), P32(l + 268, 2);
+        const std::uint32_t fsd = u.pstart + G32(l + 252);
+        P32(l + 252, 0), P16(l + 256, 1), u.Tag(l, 6, G32(l + 12), 440 + 70 - 16);
+        std::memcpy(u.At(u.meta), u.At(fsd), 2048);
+        root = u.next++;
+        P32(u.At(u.meta) + 404, root - u.meta), P16(u.At(u.meta) + 408, 1);
+        u.Tag(u.At(u.meta), 256, 0, G16(u.At(u.meta) + 10));
+        std::string ad(16, '\0');  // the partition's blocks, not its own, and room to grow
+        auto* a = reinterpret_cast<unsigned char*>(ad.data());
+        P32(a, 256 * 2048), P32(a + 4, u.meta - u.pstart), P32(a + 8, 1u << 30 | 64 * 2048);
+        for (std::uint32_t b : {u.meta - 2, u.meta - 1}) u.Icb(b, 250 + (b == u.meta - 1), 256 * 2048, 0, 0, ad);
+        u.At(u.meta - 2)[200] ^= 1;  // the metadata file breaks; its mirror holds
+    }
+    u.Folder("", root, root, 0);
+    const unsigned char* map = u.At(lvd) + 440;
+    if (map[0] == 2 && std::memcmp(map + 5, "*UDF Sparable", 13) == 0) {  // the folders' packet moves, as if worn
+        const std::uint32_t packet = G16(map + 40), lbn = u.blocks["Zeta/"] - u.pstart, first = lbn - lbn % packet;
+        const std::uint32_t to = u.data + packet - u.data % packet;
+        std::memcpy(u.At(to), u.At(u.pstart + first), packet * 2048);
+        std::memset(u.At(u.pstart + first), 0, packet * 2048);
+        for (unsigned t = 0; t < map[42]; ++t) {
+            unsigned char* table = u.At(G32(map + 48 + 4 * t));
+            P32(table + 56, first), P32(table + 60, to), u.Tag(table, 0, G32(table + 12), G16(table + 10));
+        }
+    }
+    if (u.vat) {
+        const std::uint32_t last = std::max(u.next, u.data);
+        std::memcpy(u.At(last), vatEntry.data(), 2048);
+        u.Tag(u.At(last), u.id, last - u.pstart, G16(u.At(last) + 10));
+        u.img.resize((last + 1) * 2048ull);
+    }
+    std::ofstream(image, std::ios::binary | std::ios::trunc) << u.img;
+    return u;
+}
+
+std::string UdfInfo(const std::string& image, const std::string& key) {
+    FILE* info = popen(("udfinfo " + image + " 2>/dev/null").c_str(), "r");
+    char line[256];
+    std::string value;
+    while (info && std::fgets(line, sizeof line, info))
+        if (std::string(line).rfind(key + "=", 0) == 0) value.assign(line + key.size() + 1, std::strcspn(line + key.size() + 1, "\n"));
+    if (info) pclose(info);
+    return value;
+}
+
+TEST(WalkImage, UdfOfEveryRevision) {
+    if (!Have("mkudffs") || !Have("udfinfo")) GTEST_SKIP() << "udftools is missing";
+    const struct {
+        const char* name;
+        const char* media;
+        const char* revision;
+        bool metadata;
+    } rows[] = {
+        {"Udf102", "hd", "1.02", false},          {"Udf150Sparable", "dvdrw", "1.50", false},
+        {"Udf201Extended", "hd", "2.01", false},  {"Udf250Vat", "bdr", "2.50", false},
+        {"Udf260Vat", "dvdr", "2.60", false},     {"MetadataPartitionMirror", "hd", "2.01", true},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        Scratch s;
+        const std::string image = s / "disc.udf";
+        ASSERT_FALSE(MakeUdf(image, row.media, row.revision, row.metadata).img.empty());
+        bool ok = false;
+        EXPECT_EQ(ImageLines(image, ok), ExpectedLines());
+        EXPECT_TRUE(ok);
+        // The tool's own reading of the volume: label and the serial Windows shows.
+        ExpectHeader(image, UdfInfo(image, "label"), "UDF",
+                     static_cast<std::uint32_t>(std::stoul(UdfInfo(image, "winserialnum"), nullptr, 16)),
+                     static_cast<std::uint32_t>(std::filesystem::file_size(image) / 2048));
+    }
+}
+
+// A damaged image is a failure that adds nothing, never a crash, a hang or a
+// catalogue that looks whole.
+TEST(AddImage, DamagedUdfAddsNothing) {
     if (!Have("mkudffs")) GTEST_SKIP() << "mkudffs is missing";
-    Scratch s;
-    const std::string udf = s / "bd.udf";
-    ASSERT_TRUE(Shell("truncate -s 4M " + udf + " && mkudffs -b 2048 --media-type=hd " + udf));
-    std::filesystem::create_directories(s / "Daten");
-    AddRequest request;
-    request.root = udf;
-    request.label = "BD";
-    request.dataFolder = s / "Daten";
-    const AddOutcome out = AddDisc(request, DiscSourceWithImages(), SystemFileOps());
-    EXPECT_EQ(out.result, AddResult::WriteFailed);
-    EXPECT_EQ(out.failure.code, FailCode::Unreadable);
-    EXPECT_TRUE(std::filesystem::is_empty(s / "Daten"));
+    const struct {
+        const char* name;
+        void (*damage)(Udf&);
+    } rows[] = {
+        {"Intact", [](Udf&) {}},
+        {"CutShort", [](Udf& u) { u.img.resize(u.img.size() / 2 + 8 * 2048); }},
+        {"BadTag", [](Udf& u) { u.At(u.blocks["Zeta/Unter/"])[60] ^= 1; }},
+        {"Loop", [](Udf& u) { std::memcpy(u.At(u.blocks["Zeta/Unter/"]), u.At(u.blocks["Zeta/"]), 2048); }},
+        {"DescriptorsBeyondBlock", [](Udf& u) {
+             unsigned char* p = u.At(u.blocks["Zeta/"]);
+             P32(p + 212, 4000), u.Tag(p, 266, G32(p + 12), 216 + 8 - 16);
+         }},
+        {"FolderBeyondItsData", [](Udf& u) {
+             unsigned char* p = u.At(u.blocks["alpha/"]);
+             P32(p + 56, 100000), u.Tag(p, 266, G32(p + 12), 216 + 8 - 16);
+         }},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        Scratch s;
+        const std::string image = s / "bd.udf";
+        Udf u = MakeUdf(image, "hd", "2.01", false);
+        row.damage(u);
+        std::ofstream(image, std::ios::binary | std::ios::trunc) << u.img;
+        std::filesystem::create_directories(s / "Daten");
+        AddRequest request;
+        request.root = image;
+        request.label = "BD";
+        request.dataFolder = s / "Daten";
+        const AddOutcome out = AddDisc(request, DiscSourceWithImages(), SystemFileOps());
+        const bool intact = row.name == std::string("Intact");
+        EXPECT_EQ(out.result, intact ? AddResult::Added : AddResult::WriteFailed);
+        EXPECT_EQ(out.failure.code, intact ? FailCode::None : FailCode::Unreadable);
+        EXPECT_EQ(std::filesystem::is_empty(s / "Daten"), !intact);
+    }
 }
 
 }  // namespace
