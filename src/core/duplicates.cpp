@@ -26,10 +26,10 @@ namespace ct {
 namespace {
 
 // The pass keeps one of these per file line and nothing else: a hash of the
-// (name as compared, size) and where the line stands (the disc in the top 24
-// bits, the line's byte offset in its catalogue below). No string, no node:
-// the records go into one flat vector, and sorting them by hash brings every
-// possible copy together. Only hashes found on two discs are looked at again.
+// (name as compared, size) and where the line stands (the disc above bit 40,
+// the line's byte offset in its catalogue below). No string, no node: parting
+// the records by hash brings every possible copy together, and only hashes
+// found on two discs are looked at again.
 struct Record {
     std::uint64_t hash;
     std::uint64_t where;
