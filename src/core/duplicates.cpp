@@ -689,26 +689,25 @@ std::vector<DuplicateGroup> FindDuplicates(const std::string& dataFolder,
         }
     };
     InTwo(twoThreads, fetch);
-    std::vector<Fetched>& fetched = got[0];
-    std::string& arena = bytesOf[0];
-    for (Fetched f : got[1]) {
-        const auto shift = static_cast<std::uint32_t>(arena.size());
-        f.upperAt += shift, f.nameAt += shift, f.pathAt += shift;
-        fetched.push_back(f);
-    }
-    arena += bytesOf[1];
     candidates = {};
+
+    // Copy k is the first half's k-th, or the second half's (k - first's
+    // size)-th: the halves stay where they were read into, not copied together.
+    const std::size_t firstHalf = got[0].size();
+    const auto fetched = [&](std::size_t k) -> const Fetched& {
+        return k < firstHalf ? got[0][k] : got[1][k - firstHalf];
+    };
+    const auto bytes = [&](std::size_t k, std::uint32_t at, std::uint32_t len) {
+        return std::string_view(bytesOf[k < firstHalf ? 0 : 1].data() + at, len);
+    };
 
     // The copies of one hash in disc and line order; a hash may stand for
     // more than one (name, size) when hashes meet, so the names decide.
     // (They stand in line order already; an order of small keys is sorted, not them.)
-    std::vector<std::pair<std::uint64_t, std::uint32_t>> order(fetched.size());
-    for (std::size_t i = 0; i < fetched.size(); ++i)
-        order[i] = {fetched[i].hash, static_cast<std::uint32_t>(i)};
+    std::vector<std::pair<std::uint64_t, std::uint32_t>> order(firstHalf + got[1].size());
+    for (std::size_t i = 0; i < order.size(); ++i)
+        order[i] = {fetched(i).hash, static_cast<std::uint32_t>(i)};
     std::sort(order.begin(), order.end());
-    const auto bytes = [&](std::uint32_t at, std::uint32_t len) {
-        return std::string_view(arena.data() + at, len);
-    };
     std::vector<DuplicateGroup> groups;
     std::vector<bool> taken;
     std::vector<std::size_t> members;
@@ -717,25 +716,28 @@ std::vector<DuplicateGroup> FindDuplicates(const std::string& dataFolder,
         taken.assign(j - i, false);
         for (std::size_t a = i; a < j; ++a) {
             if (taken[a - i]) continue;
-            const Fetched& head = fetched[order[a].second];
-            const std::string_view upper = bytes(head.upperAt, head.upperLen);
+            const std::size_t h = order[a].second;
+            const Fetched& head = fetched(h);
+            const std::string_view upper = bytes(h, head.upperAt, head.upperLen);
             bool manyDiscs = false;
             members.clear();
             for (std::size_t b = a; b < j; ++b) {
-                const Fetched& f = fetched[order[b].second];
-                if (taken[b - i] || f.size != head.size || bytes(f.upperAt, f.upperLen) != upper) continue;
+                const Fetched& f = fetched(order[b].second);
+                if (taken[b - i] || f.size != head.size ||
+                    bytes(order[b].second, f.upperAt, f.upperLen) != upper)
+                    continue;
                 taken[b - i] = true;
                 members.push_back(order[b].second);
                 manyDiscs = manyDiscs || (f.where >> kOffsetBits) != (head.where >> kOffsetBits);
             }
             if (!manyDiscs) continue;
             DuplicateGroup g;
-            g.name = DecodeLine(bytes(head.nameAt, head.nameLen));
+            g.name = DecodeLine(bytes(h, head.nameAt, head.nameLen));
             g.size = head.size;
             g.hits.reserve(members.size());
             for (const std::size_t m : members) {
-                const std::string& label = labels[fetched[m].where >> kOffsetBits];
-                const std::string_view path = bytes(fetched[m].pathAt, fetched[m].pathLen);
+                const std::string& label = labels[fetched(m).where >> kOffsetBits];
+                const std::string_view path = bytes(m, fetched(m).pathAt, fetched(m).pathLen);
                 std::string& hit = g.hits.emplace_back();
                 hit.reserve(label.size() + 1 + path.size());
                 hit += label;
