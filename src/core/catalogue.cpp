@@ -136,16 +136,21 @@ void LineReader::Grow(std::size_t size) {
 
 bool LineReader::Fill() {
     if (!file_ || eof_) return false;
-    // What is left behind the whole lines is the start of the next line.
-    const std::size_t carry = end_ - cut_;
-    if (carry > 0 && cut_ > 0) std::memmove(buf_.get(), buf_.get() + cut_, carry);
-    pos_ = cut_ = 0;
-    end_ = carry;
     // Most catalogues are small: one read of a modest buffer holds them.
     // The buffer grows (doubling) only for a line longer than itself.
     constexpr std::size_t kFirstBlock = 64 * 1024;
-    constexpr std::size_t kPage = 4096;
+    constexpr std::size_t kPage = 4096, kLine = 64;
     if (!buf_) Grow(std::min(block_, kFirstBlock));
+    // What is left behind the whole lines is the start of the next line. It
+    // is moved so that it ends on a cache line: the kernel copies the next
+    // block faster to an aligned place.
+    const std::size_t carry = end_ - cut_;
+    const auto carryEnd = reinterpret_cast<std::uintptr_t>(buf_.get()) + carry;
+    std::size_t lead = (kLine - carryEnd % kLine) % kLine;
+    if (lead + carry >= size_) lead = 0;
+    if (carry > 0 && cut_ != lead) std::memmove(buf_.get() + lead, buf_.get() + cut_, carry);
+    pos_ = cut_ = lead;
+    end_ = lead + carry;
     for (;;) {
         if (end_ == size_) Grow(size_ * 2);
         // Up to the size the file had when opened: the read that would only
@@ -168,8 +173,8 @@ bool LineReader::Fill() {
         // the next block would belong to it.
         std::size_t k = end_;
         if (buf_[k - 1] == '\r') --k;
-        while (k > 0 && buf_[k - 1] != '\n' && buf_[k - 1] != '\r') --k;
-        if (k > 0) {
+        while (k > pos_ && buf_[k - 1] != '\n' && buf_[k - 1] != '\r') --k;
+        if (k > pos_) {
             cut_ = k;
             return true;
         }

@@ -1,5 +1,7 @@
 #include "core/collate.h"
 
+#include <cstdint>
+
 #include <algorithm>
 #include <numeric>
 
@@ -96,9 +98,26 @@ void SortForList(std::vector<std::string>& texts) {
     }
     at[texts.size()] = arena.size();
     auto key = [&](std::size_t i) { return std::string_view(arena).substr(at[i], at[i + 1] - at[i]); };
+    // The first eight bytes of each key as one number, in byte order, settle
+    // most comparisons without a call; equal ones go on to the whole keys.
+    struct Item {
+        std::uint64_t head;
+        std::size_t index;
+    };
+    std::vector<Item> items(texts.size());
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        const std::string_view k = key(i);
+        std::uint64_t head = 0;
+        for (std::size_t b = 0; b < 8; ++b)
+            head = head << 8 | (b < k.size() ? static_cast<unsigned char>(k[b]) : 0u);
+        items[i] = {head, i};
+    }
+    std::sort(items.begin(), items.end(), [&](const Item& x, const Item& y) {
+        if (x.head != y.head) return x.head < y.head;
+        return key(x.index) < key(y.index);
+    });
     std::vector<std::size_t> order(texts.size());
-    std::iota(order.begin(), order.end(), std::size_t{0});
-    std::sort(order.begin(), order.end(), [&](std::size_t x, std::size_t y) { return key(x) < key(y); });
+    for (std::size_t i = 0; i < items.size(); ++i) order[i] = items[i].index;
     std::vector<std::string> sorted;
     sorted.reserve(texts.size());
     for (std::size_t i : order) sorted.push_back(std::move(texts[i]));

@@ -359,6 +359,15 @@ Needle::Needle(std::string_view term, bool foldCase) : term_(term), fold_(foldCa
     part(static_cast<unsigned char>(term_.back()), lastOr_, last_);
 }
 
+bool Needle::Is(std::string_view term, bool foldCase) const {
+    if (foldCase != fold_ || term.size() != term_.size()) return false;
+    for (std::size_t i = 0; i < term.size(); ++i) {
+        const auto b = static_cast<unsigned char>(term[i]);
+        if ((fold_ ? Upper(b) : b) != static_cast<unsigned char>(term_[i])) return false;
+    }
+    return true;
+}
+
 bool Needle::At(const char* p) const {
     if (!fold_) return std::memcmp(p, term_.data(), term_.size()) == 0;
     for (std::size_t i = 0; i < term_.size(); ++i)

@@ -51,6 +51,8 @@ public:
     std::size_t size() const { return term_.size(); }
     // Whether p[0..size) is the term.
     bool At(const char* p) const;
+    // Whether Needle(term, foldCase) would be this one.
+    bool Is(std::string_view term, bool foldCase) const;
 
 private:
     friend std::size_t NextEvent(const char*, std::size_t, const Needle&, bool&);

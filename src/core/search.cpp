@@ -491,14 +491,15 @@ bool Matcher::SectionNeedle(bool folderSection, scan::Needle& needle) const {
     // "Ends with" shortens the term at each folder line it tests, so there
     // every folder line is tested while the term still ends in a backslash.
     const bool shrinking = folderSection && nameOp_ == SearchOp::EndsWith && !term_.empty() && term_.back() == '\\';
+    // A needle already made for the same term is kept: each catalogue asks.
     if (checkName_ && positive(nameOp_) && termRawSafe_ && usable(term_) && !shrinking) {
-        needle = scan::Needle(term_, true);
+        if (!needle.Is(term_, true)) needle = scan::Needle(term_, true);
         return true;
     }
     // The description test is exact: an ASCII text has the same bytes in
     // every encoding a line may have, and no other character yields them.
     if (checkDescription_ && positive(descriptionOp_) && usable(description_) && IsAscii(description_)) {
-        needle = scan::Needle(description_, false);
+        if (!needle.Is(description_, false)) needle = scan::Needle(description_, false);
         return true;
     }
     return false;

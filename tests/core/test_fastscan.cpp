@@ -230,3 +230,15 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& info) { return std::string(info.param.name); });
 
 }  // namespace
+
+// A run keeps its needle while the term stays; any change must make a new one.
+TEST(FastScan, NeedleKeptOnlyForTheSameTerm) {
+    const ct::scan::Needle folded("Xylophon\\", true), exact("Konzert", false);
+    EXPECT_TRUE(folded.Is("XYLOPHON\\", true));
+    EXPECT_TRUE(folded.Is("xylophon\\", true));
+    EXPECT_FALSE(folded.Is("XYLOPHON", true));  // an "ends with" term that lost its backslash
+    EXPECT_FALSE(folded.Is("XYLOPHON\\", false));
+    EXPECT_TRUE(exact.Is("Konzert", false));
+    EXPECT_FALSE(exact.Is("KONZERT", false));
+    EXPECT_FALSE(exact.Is("Konzert", true));
+}
