@@ -1,9 +1,13 @@
 #!/usr/bin/env bash
 # `duplicates` against `stats` over the same collection, in the same run and
 # from the same (warm) page cache. Both read every catalogue once; duplicates
-# also takes each file line apart, keeps sixteen bytes per line and reads the
-# lines of the copies again for their hit texts, so the statistics run is the
-# measure it is held to (target: at most twice its time).
+# also takes each file line apart and hashes its name and size, keeps sixteen
+# bytes per line (or, where lines run to several per pair, per pair), reads
+# the lines of the copies again for their hit texts and prints one record a
+# copy, so the statistics run is the measure it is held to (target: at most
+# twice its time). Duplicates reads with two threads (every other disc each):
+# its wall time gains from a second core, its CPU time does not. Run it on an
+# otherwise idle machine: on a busy one the wall times say little.
 #
 #   bench/duplicates.sh [BUILD_DIR]     (default: build)
 #   DISCS=1000 FILES=2000 SHARED=5 RUNS=3 KEEP=1 bench/duplicates.sh

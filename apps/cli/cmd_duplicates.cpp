@@ -43,6 +43,7 @@ int RunDuplicates(Context& ctx) {
 
     const std::vector<DuplicateGroup> groups = FindDuplicates(ctx.dataFolder, labels, minSize);
     const Format format = FormatOf(ctx);
+    std::string value;  // one copy's text, its room used again
     if (format == Format::Text) {
         for (const DuplicateGroup& g : groups) {
             if (ctx.OutputGone()) break;
@@ -50,16 +51,24 @@ int RunDuplicates(Context& ctx) {
                      << ctx.T({"%1 Bytes, %2 Kopien", "%1 bytes, %2 copies"},
                               {std::to_string(g.size), std::to_string(g.hits.size())})
                      << "\n";
-            for (const std::string& hit : g.hits) *ctx.out << "  " << Value(ctx, hit, true) << "\n";
+            for (const std::string& hit : g.hits) {
+                ValueInto(ctx, hit, true, value);
+                *ctx.out << "  " << value << "\n";
+            }
         }
     } else {
         Records records(ctx, {{"group", true}, {"name"}, {"size", true}, {"hit"}});
+        // One record a copy: the group's fields are made once, not per copy.
+        std::vector<std::string> values(4);
         std::size_t number = 0;
         for (const DuplicateGroup& g : groups) {
-            ++number;
-            for (const std::string& hit : g.hits)
-                records.Add({std::to_string(number), Value(ctx, g.name), std::to_string(g.size),
-                             Value(ctx, hit, true)});
+            values[0] = std::to_string(++number);
+            values[1] = Value(ctx, g.name);
+            values[2] = std::to_string(g.size);
+            for (const std::string& hit : g.hits) {
+                ValueInto(ctx, hit, true, values[3]);
+                records.Add(values);
+            }
         }
     }
     return groups.empty() ? kNothing : kDone;

@@ -26,11 +26,19 @@ Format FormatOf(const Context& ctx) {
     return f == "tsv" ? Format::Tsv : f == "json" ? Format::Json : Format::Text;
 }
 
-std::string Value(const Context& ctx, std::string_view text, bool isPath) {
-    std::string out = DecodeLine(text);
+void ValueInto(const Context& ctx, std::string_view text, bool isPath, std::string& out) {
+    if (IsValidUtf8(text))
+        out.assign(text);  // as DecodeLine takes it, into the room `out` has
+    else
+        out = DecodeLine(text);
     if (isPath && ctx.args.Has("--slashes"))
         for (char& c : out)
             if (c == '\\') c = '/';
+}
+
+std::string Value(const Context& ctx, std::string_view text, bool isPath) {
+    std::string out;
+    ValueInto(ctx, text, isPath, out);
     return out;
 }
 
@@ -58,10 +66,10 @@ std::string JsonString(std::string_view utf8) {
 }
 
 Records::Records(const Context& ctx, std::vector<Field> fields, bool single)
-    : ctx_(ctx), fields_(std::move(fields)), single_(single) {}
+    : ctx_(ctx), fields_(std::move(fields)), single_(single), format_(FormatOf(ctx)) {}
 
 Records::~Records() {
-    if (FormatOf(ctx_) != Format::Json) return;
+    if (format_ != Format::Json) return;
     if (!single_)
         *ctx_.out << (count_ ? "\n]\n" : "[]\n");
     else if (!count_)
@@ -70,14 +78,22 @@ Records::~Records() {
 
 void Records::Add(const std::vector<std::string>& values) {
     std::ostream& out = *ctx_.out;
-    if (FormatOf(ctx_) == Format::Tsv) {
+    if (format_ == Format::Tsv) {
         // A tab or a line break inside a value would split the record: they
-        // become blanks.
+        // become blanks. The record is made whole, then written at once: a
+        // stream call per byte cost more than all the rest of a long listing.
+        std::string& line = line_;
+        line.clear();
         for (std::size_t i = 0; i < values.size(); ++i) {
-            if (i) out << '\t';
-            for (char c : values[i]) out << (c == '\t' || c == '\n' || c == '\r' ? ' ' : c);
+            if (i) line += '\t';
+            const std::size_t at = line.size();
+            line += values[i];
+            for (std::size_t k = line.find_first_of("\t\n\r", at); k != std::string::npos;
+                 k = line.find_first_of("\t\n\r", k + 1))
+                line[k] = ' ';
         }
-        out << '\n';
+        line += '\n';
+        out.write(line.data(), static_cast<std::streamsize>(line.size()));
     } else {
         out << (single_ ? "" : count_ ? ",\n  " : "[\n  ") << '{';
         for (std::size_t i = 0; i < values.size() && i < fields_.size(); ++i) {

@@ -17,6 +17,8 @@ Format FormatOf(const Context& ctx);
 // A catalogue text as UTF-8 (a line that isn't valid UTF-8 is Windows-1252),
 // with '\' turned into '/' when --slashes was given and `isPath`.
 std::string Value(const Context& ctx, std::string_view text, bool isPath = false);
+// The same into `out`, whose room is used again: for long listings.
+void ValueInto(const Context& ctx, std::string_view text, bool isPath, std::string& out);
 
 // What JSON takes as a number: -?digits(.digits)?, no leading zeros.
 bool IsJsonNumber(std::string_view s);
@@ -42,7 +44,9 @@ private:
     const Context& ctx_;
     std::vector<Field> fields_;
     bool single_;
+    Format format_;
     std::size_t count_ = 0;
+    std::string line_;  // a tsv record, kept for its capacity
 };
 
 }  // namespace ct::cli

@@ -1,13 +1,16 @@
 #include "core/duplicates.h"
 
 #include <algorithm>
+#include <atomic>
 #include <bit>
 #include <charconv>
 #include <climits>
 #include <cstdio>
 #include <cstring>
+#include <exception>
 #include <memory>
 #include <string_view>
+#include <thread>
 
 #ifdef __SSE2__
 #include <emmintrin.h>
@@ -23,53 +26,223 @@ namespace ct {
 namespace {
 
 // The pass keeps one of these per file line and nothing else: a hash of the
-// (name as compared, size) and where the line stands (the disc in the top 24
-// bits, the line's byte offset in its catalogue below). No string, no node:
-// the records go into one flat vector, and sorting them by hash brings every
-// possible copy together. Only hashes found on two discs are looked at again.
+// (name as compared, size) and where the line stands (the disc above bit 40,
+// the line's byte offset in its catalogue below). No string, no node: parting
+// the records by hash brings every possible copy together, and only hashes
+// found on two discs are looked at again.
 struct Record {
     std::uint64_t hash;
     std::uint64_t where;
 };
 constexpr int kOffsetBits = 40;
 constexpr std::uint64_t kOffsetMask = (std::uint64_t{1} << kOffsetBits) - 1;
-constexpr std::size_t kMaxDiscs = std::size_t{1} << (64 - kOffsetBits);
-constexpr int kPartBits = 11;
+constexpr std::size_t kMaxDiscs = std::size_t{1} << (63 - kOffsetBits);  // a pair's slot takes the top bit
+constexpr int kPartBits = 8;
 constexpr std::size_t kParts = std::size_t{1} << kPartBits;
 
-// The records of the pass in blocks that are never moved (a growing vector
-// would copy them all again and again), counted by the top bits of their hash
-// on the way, so that one pass can later part them.
+// A line whose pair may stand on two discs or more, to be read again.
+struct Candidate {
+    std::uint64_t where, hash;
+};
+
+// How many records a pass keeps before it looks whether to fold them.
+std::size_t gFoldAt = std::size_t{1} << 20;
+
+// The records of a pass, parted on the way by the top bits of their hash:
+// each part a chain of small chunks cut from large blocks that are never
+// moved. A part's table then stays in the cache while its records go through
+// it, and no second array is needed to part them afterwards. (So few parts
+// that the ends they are written at stay in the cache too.)
+//
+// Sixteen bytes a line is the least a collection of few copies can cost;
+// one of many copies would pay that per copy. So when a pass holds gFoldAt
+// records, and again at every doubling, it looks how many lines a pair has:
+// at two or more it folds the records into a table of pairs per part (hash,
+// first line), frees them, and from then on folds a part whenever it holds
+// as many records as pairs. Either way memory stays proportional to the
+// pairs. A pair met on a second disc is many: its first line and every later
+// one become candidates; a second line on the first disc waits in `later`
+// until the end shows whether its pair is many.
 class Records {
 public:
+    std::vector<Candidate> candidates, later;  // once folded
+
     void Add(std::uint64_t hash, std::uint64_t where) {
-        if (used_ == kBlock) {
-            blocks_.emplace_back(new Record[kBlock]);
-            used_ = 0;
+        Part& p = parts_[hash >> (64 - kPartBits)];
+        if (p.at == p.end) NewChunk(p);
+        *p.at++ = {hash, where};
+        if (!folded_) {
+            if (++kept_ == checkAt_) CheckFold();
+        } else if (++p.fresh > p.used) {
+            Fold(p);
         }
-        blocks_.back()[used_++] = {hash, where};
-        ++counts_[hash >> (64 - kPartBits)];
     }
-    std::size_t Size() const { return blocks_.empty() ? 0 : (blocks_.size() - 1) * kBlock + used_; }
-    const std::vector<std::size_t>& Counts() const { return counts_; }
+    bool Folded() const { return folded_; }
+    void FoldAll() {
+        folded_ = true;
+        for (Part& p : parts_) Fold(p);
+    }
+    // Before folding: the records of a part.
+    std::size_t Count(std::size_t part) const {
+        const Part& p = parts_[part];
+        return p.chunks.empty()
+                   ? 0
+                   : (p.chunks.size() - 1) * kChunk + static_cast<std::size_t>(p.at - p.chunks.back());
+    }
     template <typename F>
-    void ForEach(F&& f) const {
-        for (std::size_t b = 0; b < blocks_.size(); ++b) {
-            const Record* r = blocks_[b].get();
-            for (const Record* end = r + (b + 1 == blocks_.size() ? used_ : kBlock); r != end; ++r) f(*r);
-        }
+    void ForEach(std::size_t part, F&& f) const {
+        const Part& p = parts_[part];
+        for (std::size_t c = 0; c < p.chunks.size(); ++c)
+            for (const Record *r = p.chunks[c], *end = c + 1 == p.chunks.size() ? p.at : r + kChunk; r != end;
+                 ++r)
+                f(*r);
     }
-    void Clear() { blocks_.clear(); }
+    // Once folded: takes `other`'s pairs of the parts [from, to) into these.
+    // The two passes read different discs, so a pair both hold is many.
+    void Merge(Records& other, std::size_t from, std::size_t to, std::vector<Candidate>& found) {
+        for (std::size_t b = from; b < to; ++b)
+            for (const Slot& o : other.parts_[b].slots) {
+                if (!o.first) continue;
+                if (parts_[b].slots.empty()) parts_[b].slots.assign(16, Slot{0, 0});
+                Slot& s = Find(parts_[b], o.hash);
+                if (!s.first) {
+                    s = o;
+                    Added(parts_[b]);
+                } else {
+                    if (!(s.first & kMany)) found.push_back({s.first, s.hash});
+                    if (!(o.first & kMany)) found.push_back({o.first & ~kMany, o.hash});
+                    s.first |= kMany;
+                }
+            }
+    }
+    // Once folded: whether the pair of `hash` was met on two discs.
+    bool Many(std::uint64_t hash) {
+        Part& p = parts_[hash >> (64 - kPartBits)];
+        return !p.slots.empty() && (Find(p, hash).first & kMany);
+    }
 
 private:
-    static constexpr std::size_t kBlock = std::size_t{1} << 16;
+    // The top bit of `first` marks a pair met on two discs; 0 a free slot (a
+    // file line never stands at the start of its catalogue).
+    static constexpr std::uint64_t kMany = std::uint64_t{1} << 63;
+    struct Slot {
+        std::uint64_t hash, first;
+    };
+    static constexpr std::size_t kChunk = 512, kBlock = std::size_t{1} << 16;  // records
+    struct Part {
+        Record* at = nullptr;
+        Record* end = nullptr;
+        std::vector<Record*> chunks;
+        std::size_t fresh = 0;  // records since the last fold
+        std::vector<Slot> slots;
+        std::size_t used = 0;  // slots
+    };
+    static Slot& Find(Part& p, std::uint64_t hash) {
+        const std::size_t mask = p.slots.size() - 1;
+        for (auto i = static_cast<std::size_t>(hash >> 16) & mask;; i = (i + 1) & mask)
+            if (!p.slots[i].first || p.slots[i].hash == hash) return p.slots[i];
+    }
+    // After a slot was taken: a table at most three quarters full.
+    static void Added(Part& p) {
+        if (4 * ++p.used <= 3 * p.slots.size()) return;
+        std::vector<Slot> old(2 * p.slots.size(), Slot{0, 0});
+        old.swap(p.slots);
+        for (const Slot& s : old)
+            if (s.first) Find(p, s.hash) = s;
+    }
+    void NewChunk(Part& p) {
+        if (free_.empty()) {
+            if (blocks_.empty() || left_ == 0) {
+                blocks_.emplace_back(new Record[kBlock]);
+                left_ = kBlock / kChunk;
+            }
+            free_.push_back(blocks_.back().get() + (kBlock / kChunk - left_--) * kChunk);
+        }
+        p.at = free_.back();
+        free_.pop_back();
+        p.end = p.at + kChunk;
+        p.chunks.push_back(p.at);
+    }
+    void Fold(Part& p) {
+        p.fresh = 0;
+        if (p.chunks.empty()) return;
+        if (p.slots.empty()) p.slots.assign(16, Slot{0, 0});
+        ForEach(static_cast<std::size_t>(&p - parts_.data()), [&](const Record& r) {
+            Slot& s = Find(p, r.hash);
+            if (!s.first) {
+                s = {r.hash, r.where};
+                Added(p);
+            } else if (s.first >> kOffsetBits == r.where >> kOffsetBits) {
+                later.push_back({r.where, r.hash});
+            } else {
+                if (!(s.first & kMany)) candidates.push_back({s.first, s.hash});
+                s.first |= kMany;
+                candidates.push_back({r.where, r.hash});
+            }
+        });
+        free_.insert(free_.end(), p.chunks.begin(), p.chunks.end());
+        p.chunks.clear();
+        p.at = p.end = nullptr;
+    }
+    std::vector<Part> parts_ = std::vector<Part>(kParts);
     std::vector<std::unique_ptr<Record[]>> blocks_;
-    std::size_t used_ = kBlock;
-    std::vector<std::size_t> counts_ = std::vector<std::size_t>(kParts, 0);
+    std::vector<Record*> free_;  // chunks folded, to be written again
+    std::size_t left_ = 0;       // chunks not yet cut from the last block
+    // Folds once the records hold at least two lines a pair, as the fullest
+    // part shows them (the hash spreads the pairs evenly over the parts);
+    // else looks again at twice as many.
+    void CheckFold() {
+        std::size_t fullest = 0;
+        for (std::size_t b = 1; b < kParts; ++b)
+            if (Count(b) > Count(fullest)) fullest = b;
+        const std::size_t n = Count(fullest);
+        std::vector<std::uint64_t> seen(std::bit_ceil(2 * n + 2), 0);
+        std::size_t pairs = 0;
+        ForEach(fullest, [&](const Record& r) {
+            const std::uint64_t h = r.hash | 1;  // 0 marks a free place
+            std::size_t i = static_cast<std::size_t>(h >> 16) & (seen.size() - 1);
+            while (seen[i] && seen[i] != h) i = (i + 1) & (seen.size() - 1);
+            if (!seen[i]) seen[i] = h, ++pairs;
+        });
+        if (n && 2 * pairs <= n)
+            FoldAll();
+        else
+            checkAt_ *= 2;
+    }
+    std::size_t kept_ = 0, checkAt_ = gFoldAt;
+    bool folded_ = false;
 };
 
 std::uint64_t gHashMask = ~std::uint64_t{0};
 std::size_t gBlock = std::size_t{1} << 18;  // one read of the pass
+bool gThreads = true;
+
+// Runs `job(0)` here and `job(1)` on a thread of its own, or both here one
+// after the other.
+template <typename Job>
+void InTwo(bool twoThreads, Job&& job) {
+    if (!twoThreads) {
+        job(0);
+        job(1);
+        return;
+    }
+    std::exception_ptr failed;
+    std::thread other([&job, &failed] {
+        try {
+            job(1);
+        } catch (...) {
+            failed = std::current_exception();
+        }
+    });
+    try {
+        job(0);
+    } catch (...) {
+        other.join();
+        throw;
+    }
+    other.join();
+    if (failed) std::rethrow_exception(failed);
+}
 
 std::uint64_t Mum(std::uint64_t a, std::uint64_t b) {
     const unsigned __int128 r = static_cast<unsigned __int128>(a) * b;
@@ -133,6 +306,24 @@ void UpperName(std::string& out, std::string_view raw) {
     }
 }
 
+// The Size field behind the first bar, as std::from_chars reads it, up to the
+// next bar or the line end; false when it isn't a number. By hand: the
+// library's general reader was a tenth of the whole run.
+bool SizeField(const char* p, const char* eol, std::int64_t& size) {
+    const char* q = p + (p < eol && *p == '-');
+    const char* digits = q;
+    std::uint64_t v = 0;
+    while (q < eol && static_cast<unsigned char>(*q - '0') < 10)
+        v = v * 10 + static_cast<unsigned char>(*q++ - '0');
+    if (q == digits || (q != eol && *q != '|')) return false;
+    if (q - digits > 18) {  // where it could overflow, the library's rules
+        const auto [after, ec] = std::from_chars(p, eol, size);
+        return ec == std::errc() && after == q;
+    }
+    size = digits == p ? static_cast<std::int64_t>(v) : -static_cast<std::int64_t>(v);
+    return true;
+}
+
 // A file line taken apart as far as a copy needs it.
 struct FileLine {
     std::string_view path, name;
@@ -143,8 +334,7 @@ bool ParseFileLine(const char* p, std::size_t n, FileLine& out) {
     const char* end = p + n;
     const char* bar = static_cast<const char*>(std::memchr(p, '|', n));
     if (!bar) return false;
-    const auto [after, ec] = std::from_chars(bar + 1, end, out.size);
-    if (ec != std::errc() || (after != end && *after != '|')) return false;
+    if (!SizeField(bar + 1, end, out.size)) return false;
     out.path = std::string_view(p, static_cast<std::size_t>(bar - p));
     const std::size_t slash = out.path.rfind('\\');
     out.name = slash == std::string_view::npos ? out.path : out.path.substr(slash + 1);
@@ -254,8 +444,7 @@ void ScanDisc(ReadStream& file, std::uint64_t disc, std::int64_t minSize, std::v
                 }
                 if (!cut.bar) break;
                 std::int64_t size;
-                const auto [after, ec] = std::from_chars(cut.bar + 1, eol, size);
-                if (ec != std::errc() || (after != eol && *after != '|') || Bytes(size) < minSize) break;
+                if (!SizeField(cut.bar + 1, eol, size) || Bytes(size) < minSize) break;
                 const std::uint64_t offset = base + static_cast<std::uint64_t>(p - buf.data());
                 if (offset > kOffsetMask) {
                     at = At::Done;
@@ -281,60 +470,68 @@ void ScanDisc(ReadStream& file, std::uint64_t disc, std::int64_t minSize, std::v
     }
 }
 
-// A line whose hash the pass found on two discs or more, to be read again.
-struct Candidate {
-    std::uint64_t where, hash;
-};
-
-// The hashes met on more than one disc, and every line that gave one. The
-// records are first parted by the top bits of their hash (one stable pass, so
-// each part keeps disc and line order), then each part goes through a table
-// of its own that stays in the cache. A slot holds 32 further bits of the
-// hash, so two hashes may meet there wrongly: that only makes candidates the
-// names then tell apart.
-std::vector<Candidate> CandidatesOf(Records& records) {
-    std::vector<std::size_t> start(kParts + 1, 0);
-    for (std::size_t b = 0; b < kParts; ++b) start[b + 1] = start[b] + records.Counts()[b];
-    std::unique_ptr<Record[]> parted(new Record[records.Size()]);
-    {
-        std::vector<std::size_t> next(start.begin(), start.end() - 1);
-        records.ForEach([&](const Record& r) { parted[next[r.hash >> (64 - kPartBits)]++] = r; });
-        records.Clear();
+// The hashes met on more than one disc, and every line that gave one, in no
+// particular order. Unfolded, each part's records (both passes') go through a
+// table of their own that stays in the cache; a slot holds 32 further bits of
+// the hash, so two hashes may meet there wrongly: that only makes candidates
+// the names then tell apart.
+std::vector<Candidate> CandidatesOf(Records (&records)[2], bool twoThreads) {
+    if (records[0].Folded() || records[1].Folded()) {
+        // The two passes' pairs brought together, half the parts on each
+        // thread, then the lines that waited.
+        InTwo(twoThreads, [&](int t) { records[t].FoldAll(); });
+        std::vector<Candidate> found[2];
+        InTwo(twoThreads,
+              [&](int t) { records[0].Merge(records[1], t * kParts / 2, (t + 1) * kParts / 2, found[t]); });
+        std::vector<Candidate> out;
+        for (const std::vector<Candidate>* c :
+             {&records[0].candidates, &records[1].candidates, &found[0], &found[1]})
+            out.insert(out.end(), c->begin(), c->end());
+        for (const std::vector<Candidate>* c : {&records[0].later, &records[1].later})
+            for (const Candidate& l : *c)
+                if (records[0].Many(l.hash)) out.push_back(l);
+        return out;
     }
-
     struct Seen {
         std::uint32_t hash;
         std::uint32_t disc;  // the first disc + 1, the top bit set once met on another; 0: a free slot
     };
     constexpr std::uint32_t kMany = 0x80000000u;
     const auto key = [](std::uint64_t hash) { return static_cast<std::uint32_t>(hash >> (32 - kPartBits)); };
-    std::vector<Seen> table;
-    std::vector<Candidate> candidates;
-    for (std::size_t b = 0; b < kParts; ++b) {
-        const Record* first = parted.get() + start[b];
-        const Record* last = parted.get() + start[b + 1];
-        if (last - first < 2) continue;
-        std::size_t size = 16;
-        while (size < 2 * static_cast<std::size_t>(last - first)) size *= 2;
-        table.assign(size, Seen{0, 0});
-        const auto slot = [&](std::uint64_t hash) -> Seen& {
-            for (std::size_t i = hash & (size - 1);; i = (i + 1) & (size - 1))
-                if (!table[i].disc || table[i].hash == key(hash)) return table[i];
-        };
-        bool any = false;
-        for (const Record* r = first; r != last; ++r) {
-            Seen& s = slot(r->hash);
-            const auto disc = static_cast<std::uint32_t>(r->where >> kOffsetBits) + 1;
-            if (!s.disc)
-                s = {key(r->hash), disc};
-            else if ((s.disc & ~kMany) != disc)
-                s.disc |= kMany, any = true;
+    std::vector<Candidate> found[2];
+    const auto look = [&](int t) {
+        std::vector<Seen> table;
+        std::vector<Candidate>& candidates = found[t];
+        for (std::size_t b = t * kParts / 2; b < (t + 1) * kParts / 2; ++b) {
+            const std::size_t n = records[0].Count(b) + records[1].Count(b);
+            if (n < 2) continue;
+            std::size_t size = 16;
+            while (size < 2 * n) size *= 2;
+            table.assign(size, Seen{0, 0});
+            const auto slot = [&](std::uint64_t hash) -> Seen& {
+                for (std::size_t i = hash & (size - 1);; i = (i + 1) & (size - 1))
+                    if (!table[i].disc || table[i].hash == key(hash)) return table[i];
+            };
+            bool any = false;
+            for (const Records& part : records)
+                part.ForEach(b, [&](const Record& r) {
+                    Seen& s = slot(r.hash);
+                    const auto disc = static_cast<std::uint32_t>(r.where >> kOffsetBits) + 1;
+                    if (!s.disc)
+                        s = {key(r.hash), disc};
+                    else if ((s.disc & ~kMany) != disc)
+                        s.disc |= kMany, any = true;
+                });
+            if (!any) continue;
+            for (const Records& part : records)
+                part.ForEach(b, [&](const Record& r) {
+                    if (slot(r.hash).disc & kMany) candidates.push_back({r.where, r.hash});
+                });
         }
-        if (!any) continue;
-        for (const Record* r = first; r != last; ++r)
-            if (slot(r->hash).disc & kMany) candidates.push_back({r->where, r->hash});
-    }
-    return candidates;
+    };
+    InTwo(twoThreads, look);
+    found[0].insert(found[0].end(), found[1].begin(), found[1].end());
+    return std::move(found[0]);
 }
 
 // A candidate read again: what its group and hit need, as places in one
@@ -409,9 +606,11 @@ void FetchDisc(const std::string& path, const Candidate* first, const Candidate*
 
 }  // namespace
 
-void SetDuplicateSeamsForTesting(int hashBits, std::size_t block) {
+void SetDuplicateSeamsForTesting(int hashBits, std::size_t block, bool threads, std::size_t foldAt) {
     gHashMask = hashBits >= 64 ? ~std::uint64_t{0} : ~(~std::uint64_t{0} >> hashBits);
     gBlock = std::max<std::size_t>(1, block);
+    gThreads = threads;
+    gFoldAt = std::max<std::size_t>(1, foldAt);
 }
 
 std::int64_t Bytes(std::int64_t storedSize) {
@@ -421,39 +620,94 @@ std::int64_t Bytes(std::int64_t storedSize) {
 std::vector<DuplicateGroup> FindDuplicates(const std::string& dataFolder,
                                            const std::vector<std::string>& labels, std::int64_t minSize,
                                            const std::function<bool(std::size_t, std::size_t)>& progress) {
-    Records records;
-    std::vector<char> buf(gBlock);
+    // Two passes take every other disc (the same split every run), each into
+    // records of its own. Only this thread speaks to `progress`, a disc or two
+    // ahead of its own, and the other reads no disc `progress` hasn't heard of.
     const std::size_t discs = std::min(labels.size(), kMaxDiscs);
-    for (std::size_t disc = 0; disc < discs; ++disc) {
-        if (progress && !progress(disc + 1, labels.size())) break;
-        const ReadFile file = Open(CataloguePath(dataFolder, labels[disc]));
-        if (file) ScanDisc(*file, disc, minSize, buf, records);
-    }
-    std::vector<Candidate> candidates = CandidatesOf(records);
+    const bool twoThreads = gThreads && discs > 1 && std::thread::hardware_concurrency() != 1;
+    Records records[2];
+    std::atomic<std::size_t> heard{0};
+    std::atomic<bool> stop{false};
+    const auto pass = [&](int t) {
+        if (t == 1 && !twoThreads) return;  // the one pass took them all
+        // However this pass ends (a throw from `progress` or an allocation
+        // included), the other one must not wait for it.
+        struct Release {
+            std::atomic<std::size_t>& heard;
+            std::atomic<bool>& stop;
+            bool mine;
+            ~Release() {
+                if (!mine) return;
+                if (std::uncaught_exceptions()) stop = true;
+                heard = SIZE_MAX;
+                heard.notify_one();
+            }
+        } release{heard, stop, t == 0};
+        std::vector<char> buf(gBlock);
+        for (std::size_t disc = twoThreads ? t : 0;; disc += twoThreads ? 2 : 1) {
+            if (t == 0) {
+                const std::size_t upTo = std::min(disc + (twoThreads ? 3 : 1), discs);
+                for (std::size_t h = heard; h < upTo && !stop; ++h) {
+                    if (progress && !progress(h + 1, labels.size())) stop = true;
+                    heard = stop ? SIZE_MAX : h + 1;  // a stop wakes the other thread too
+                    heard.notify_one();
+                }
+            } else {
+                for (std::size_t h; disc < discs && (h = heard) <= disc;) heard.wait(h);
+            }
+            if (disc >= discs || stop) return;
+            const ReadFile file = Open(CataloguePath(dataFolder, labels[disc]));
+            if (file) ScanDisc(*file, disc, minSize, buf, records[t]);
+        }
+    };
+    InTwo(twoThreads, pass);
+    std::vector<Candidate> candidates = CandidatesOf(records, twoThreads);
+    for (Records& r : records) r = Records();
     std::sort(candidates.begin(), candidates.end(),
               [](const Candidate& a, const Candidate& b) { return a.where < b.where; });
 
-    std::vector<Fetched> fetched;
-    std::string arena;
-    buf.clear();
-    for (std::size_t i = 0, j; i < candidates.size(); i = j) {
-        const std::uint64_t disc = candidates[i].where >> kOffsetBits;
-        for (j = i + 1; j < candidates.size() && (candidates[j].where >> kOffsetBits) == disc;) ++j;
-        FetchDisc(CataloguePath(dataFolder, labels[disc]), candidates.data() + i, candidates.data() + j, buf,
-                  arena, fetched);
-    }
+    // Read again in two halves of whole discs, the first half's lines first.
+    std::size_t half = candidates.size() / 2;
+    while (half > 0 && half < candidates.size() &&
+           (candidates[half].where >> kOffsetBits) == (candidates[half - 1].where >> kOffsetBits))
+        ++half;
+    std::vector<Fetched> got[2];
+    std::string bytesOf[2];
+    const auto fetch = [&](int t) {
+        std::vector<char> buf;
+        const std::size_t from = t ? half : 0, to = t ? candidates.size() : half;
+        // Room for all at once: a growing arena would copy itself again and
+        // again, and fresh pages cost more here than the lines themselves.
+        // (Pages that stay unwritten cost nothing.)
+        got[t].reserve(t ? to - from : candidates.size());
+        bytesOf[t].reserve((t ? to - from : candidates.size()) * 256);
+        for (std::size_t i = from, j; i < to; i = j) {
+            const std::uint64_t disc = candidates[i].where >> kOffsetBits;
+            for (j = i + 1; j < to && (candidates[j].where >> kOffsetBits) == disc;) ++j;
+            FetchDisc(CataloguePath(dataFolder, labels[disc]), candidates.data() + i, candidates.data() + j,
+                      buf, bytesOf[t], got[t]);
+        }
+    };
+    InTwo(twoThreads, fetch);
     candidates = {};
+
+    // Copy k is the first half's k-th, or the second half's (k - first's
+    // size)-th: the halves stay where they were read into, not copied together.
+    const std::size_t firstHalf = got[0].size();
+    const auto fetched = [&](std::size_t k) -> const Fetched& {
+        return k < firstHalf ? got[0][k] : got[1][k - firstHalf];
+    };
+    const auto bytes = [&](std::size_t k, std::uint32_t at, std::uint32_t len) {
+        return std::string_view(bytesOf[k < firstHalf ? 0 : 1].data() + at, len);
+    };
 
     // The copies of one hash in disc and line order; a hash may stand for
     // more than one (name, size) when hashes meet, so the names decide.
     // (They stand in line order already; an order of small keys is sorted, not them.)
-    std::vector<std::pair<std::uint64_t, std::uint32_t>> order(fetched.size());
-    for (std::size_t i = 0; i < fetched.size(); ++i)
-        order[i] = {fetched[i].hash, static_cast<std::uint32_t>(i)};
+    std::vector<std::pair<std::uint64_t, std::uint32_t>> order(firstHalf + got[1].size());
+    for (std::size_t i = 0; i < order.size(); ++i)
+        order[i] = {fetched(i).hash, static_cast<std::uint32_t>(i)};
     std::sort(order.begin(), order.end());
-    const auto bytes = [&](std::uint32_t at, std::uint32_t len) {
-        return std::string_view(arena.data() + at, len);
-    };
     std::vector<DuplicateGroup> groups;
     std::vector<bool> taken;
     std::vector<std::size_t> members;
@@ -462,25 +716,28 @@ std::vector<DuplicateGroup> FindDuplicates(const std::string& dataFolder,
         taken.assign(j - i, false);
         for (std::size_t a = i; a < j; ++a) {
             if (taken[a - i]) continue;
-            const Fetched& head = fetched[order[a].second];
-            const std::string_view upper = bytes(head.upperAt, head.upperLen);
+            const std::size_t h = order[a].second;
+            const Fetched& head = fetched(h);
+            const std::string_view upper = bytes(h, head.upperAt, head.upperLen);
             bool manyDiscs = false;
             members.clear();
             for (std::size_t b = a; b < j; ++b) {
-                const Fetched& f = fetched[order[b].second];
-                if (taken[b - i] || f.size != head.size || bytes(f.upperAt, f.upperLen) != upper) continue;
+                const Fetched& f = fetched(order[b].second);
+                if (taken[b - i] || f.size != head.size ||
+                    bytes(order[b].second, f.upperAt, f.upperLen) != upper)
+                    continue;
                 taken[b - i] = true;
                 members.push_back(order[b].second);
                 manyDiscs = manyDiscs || (f.where >> kOffsetBits) != (head.where >> kOffsetBits);
             }
             if (!manyDiscs) continue;
             DuplicateGroup g;
-            g.name = DecodeLine(bytes(head.nameAt, head.nameLen));
+            g.name = DecodeLine(bytes(h, head.nameAt, head.nameLen));
             g.size = head.size;
             g.hits.reserve(members.size());
             for (const std::size_t m : members) {
-                const std::string& label = labels[fetched[m].where >> kOffsetBits];
-                const std::string_view path = bytes(fetched[m].pathAt, fetched[m].pathLen);
+                const std::string& label = labels[fetched(m).where >> kOffsetBits];
+                const std::string_view path = bytes(m, fetched(m).pathAt, fetched(m).pathLen);
                 std::string& hit = g.hits.emplace_back();
                 hit.reserve(label.size() + 1 + path.size());
                 hit += label;

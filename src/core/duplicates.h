@@ -1,9 +1,13 @@
 // Copies across discs: files that stand on more than one disc under the same
 // name and size, the name compared without regard to case as the search's
-// name test compares it. One pass over the catalogues keeps sixteen bytes per
-// file line (a hash of the name and size, and where the line stands); only the
-// lines whose hash turns up on two discs are read again, for their names and
-// paths, so that no string is kept for a file that has no copy.
+// name test compares it. One pass over the catalogues, two threads taking
+// every other disc, keeps sixteen bytes per file line (a hash of the name and
+// size, and where the line stands), parted by the hash as the lines come;
+// where the lines run to two or more per pair, they are folded into a table
+// of the pairs, so that memory stays proportional to the distinct (name,
+// size) pairs. Only the lines whose pair turns up on two discs are read
+// again, for their names and paths: no string is kept for a file without a
+// copy.
 #pragma once
 
 #include <cstdint>
@@ -27,17 +31,20 @@ std::int64_t Bytes(std::int64_t storedSize);
 // `labels` in the order the disc list shows them; only files of at least
 // `minSize` bytes (as Bytes() counts them) count. Groups span at least two discs (copies on one disc
 // are listed with them) and come largest first, then by name as the lists
-// order them. `progress` hears each disc's number from 1 and may stop the
-// run by returning false (the groups found so far are then returned).
+// order them. `progress` hears each disc's number from 1, in order, on the
+// calling thread (a disc or two before it is read), and may stop the run by
+// returning false (the groups of the discs read so far are then returned).
 std::vector<DuplicateGroup> FindDuplicates(
     const std::string& dataFolder, const std::vector<std::string>& labels, std::int64_t minSize,
     const std::function<bool(std::size_t disc, std::size_t discs)>& progress = {});
 
 // Tests only: keep just the top `hashBits` bits of the hash that brings copies
 // together (0 makes every file meet every other), so that files whose hashes
-// meet must still be told apart by their names; and read `block` bytes at a
-// time, so that lines and line ends straddle reads. (64, 1 << 18) is the
-// program's own setting.
-void SetDuplicateSeamsForTesting(int hashBits, std::size_t block);
+// meet must still be told apart by their names; read `block` bytes at a
+// time, so that lines and line ends straddle reads; one thread or two; and
+// look whether to fold the lines into pairs after `foldAt` lines (and at
+// every doubling). (64, 1 << 18, true, 1 << 20) is the program's own setting.
+void SetDuplicateSeamsForTesting(int hashBits, std::size_t block, bool threads = true,
+                                 std::size_t foldAt = std::size_t{1} << 20);
 
 }  // namespace ct

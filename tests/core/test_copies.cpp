@@ -97,24 +97,52 @@ TEST(FindDuplicates, SameNameAndSizeOnTwoDiscsLargestFirst) {
         {"MinSize", {"Eins", "Zwei"}, 5,
          {"gross.iso -2: Eins\\\\A\\gross.iso Zwei\\\\gross.iso", "Foto.JPG 500: Eins\\\\A\\Foto.JPG Zwei\\\\foto.jpg Zwei\\\\B\\foto.jpg"}},
         {"OneDisc", {"Drei"}, 0, {}},
+        // Both copies of the first disc count once a later disc has one too.
+        {"FirstDiscTwice", {"Zwei", "Eins"}, 0,
+         {"gross.iso -2: Zwei\\\\gross.iso Eins\\\\A\\gross.iso",
+          "foto.jpg 500: Zwei\\\\foto.jpg Zwei\\\\B\\foto.jpg Eins\\\\A\\Foto.JPG",
+          "\xC3\x84RGER.TXT 4: Zwei\\\\\xC3\x84RGER.TXT Eins\\\\\xC3\xA4rger.txt",
+          "klein.txt 3: Zwei\\\\klein.txt Eins\\\\klein.txt"}},
         {"LineEnds", {"Vier", "F\xC3\xBCnf"}, 0,
          {"KLEIN.TXT 3: Vier\\\\KLEIN.TXT F\xC3\xBCnf\\\\x\\Klein.txt F\xC3\xBCnf\\\\y\\klein.txt"}},
     };
     // Hashes that all meet, and reads of a few bytes, must change nothing.
-    // So must the portable path of the line cutting.
-    for (const auto& [bits, block, vectors] : {std::tuple{64, 1 << 18, true}, {0, 1, true}, {1, 5, false}, {3, 64, true}})
+    // So must the portable path of the line cutting, one thread for two, and
+    // records folded into pairs from the first line on.
+    for (const auto& [bits, block, vectors, threads, foldAt] :
+         {std::tuple{64, 1 << 18, true, true, 1 << 20}, {0, 1, true, true, 1}, {1, 5, false, false, 2},
+          {3, 64, true, true, 1 << 20}, {64, 64, true, false, 1}, {64, 64, true, true, 3}})
     for (const auto& row : rows) {
-        SCOPED_TRACE(std::string(row.name) + " bits " + std::to_string(bits) + " block " + std::to_string(block));
-        SetDuplicateSeamsForTesting(bits, static_cast<std::size_t>(block));
+        SCOPED_TRACE(std::string(row.name) + " bits " + std::to_string(bits) + " block " + std::to_string(block) +
+                     " fold " + std::to_string(foldAt));
+        SetDuplicateSeamsForTesting(bits, static_cast<std::size_t>(block), threads, static_cast<std::size_t>(foldAt));
         scan::UseVectors(vectors);
         std::vector<std::string> said;
-        for (const DuplicateGroup& g : FindDuplicates(s.Path(), row.labels, row.minSize)) {
+        std::vector<std::size_t> heard;
+        const auto progress = [&](std::size_t disc, std::size_t discs) {
+            heard.push_back(disc * 10 + discs);
+            return true;
+        };
+        for (const DuplicateGroup& g : FindDuplicates(s.Path(), row.labels, row.minSize, progress)) {
             std::string text = g.name + " " + std::to_string(g.size) + ":";
             for (const std::string& hit : g.hits) text += " " + hit;
             said.push_back(text);
         }
         EXPECT_EQ(said, row.expected);
+        // Every disc heard once, in order, however the two threads took them.
+        std::vector<std::size_t> all;
+        for (std::size_t d = 1; d <= row.labels.size(); ++d) all.push_back(d * 10 + row.labels.size());
+        EXPECT_EQ(heard, all);
     }
+    // Stopped at the first disc, no disc is read: no copies. A progress that
+    // throws ends the run as well, with both threads.
+    SetDuplicateSeamsForTesting(64, 1 << 18, true);
+    EXPECT_TRUE(FindDuplicates(s.Path(), {"Eins", "Zwei", "Drei"}, 0, [](std::size_t, std::size_t) {
+                    return false;
+                }).empty());
+    EXPECT_THROW(FindDuplicates(s.Path(), {"Eins", "Zwei", "Drei"}, 0,
+                                [](std::size_t disc, std::size_t) -> bool { return disc < 2 || (throw 7, false); }),
+                 int);
     SetDuplicateSeamsForTesting(64, 1 << 18);
     scan::UseVectors(true);
 }
