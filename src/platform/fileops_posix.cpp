@@ -70,12 +70,11 @@ private:
     int fd_;
 };
 
-// Opens `path` (`name` in the folder `dirFd`, with `path` for what is
-// reported) for reading without blocking on a FIFO or a device, and keeps it
-// only if what was opened is a regular file.
-int OpenRegular(const std::string& path, Failure* failure, std::uint64_t* size = nullptr, int dirFd = AT_FDCWD,
-                const char* name = nullptr) {
-    const int fd = openat(dirFd, name ? name : path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+// Opens `path` (relative to the folder `dirFd` when given) for reading
+// without blocking on a FIFO or a device, and keeps it only if what was
+// opened is a regular file.
+int OpenRegular(const std::string& path, Failure* failure, std::uint64_t* size = nullptr, int dirFd = AT_FDCWD) {
+    const int fd = openat(dirFd, path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
     if (fd < 0) {
         const int code = errno;
         if (failure)
@@ -143,11 +142,13 @@ public:
         if (fd_ >= 0) close(fd_);
     }
     ReadFile Open(const std::string& name, Failure* failure, std::uint64_t* size) override {
-        std::string path = folder_;
-        if (path.empty() || path.back() != '/') path += '/';
-        path += name;
-        const int fd = fd_ >= 0 ? OpenRegular(path, failure, size, fd_, name.c_str()) : OpenRegular(path, failure, size);
-        if (fd < 0) return nullptr;
+        // The whole path is only made for a failure to name it.
+        auto path = [&] { return folder_.empty() || folder_.back() == '/' ? folder_ + name : folder_ + '/' + name; };
+        const int fd = fd_ >= 0 ? OpenRegular(name, failure, size, fd_) : OpenRegular(path(), failure, size);
+        if (fd < 0) {
+            if (failure && fd_ >= 0) failure->path = path();
+            return nullptr;
+        }
         return std::make_unique<PosixStream>(fd);
     }
 
