@@ -133,11 +133,13 @@ ReadFile FileOps::OpenRead(const std::string& path, Failure* failure) {
 
 bool FileOps::RemoveUnheld(const std::string& path) { return Remove(path, nullptr); }
 
-std::vector<std::string> FileOps::Names(const std::string& folder) {
+std::vector<std::string> FileOps::Names(const std::string& folder, std::string_view ending) {
     std::vector<std::string> names;
     std::error_code ec;
-    for (std::filesystem::directory_iterator it(folder, ec), end; !ec && it != end; it.increment(ec))
-        names.push_back(it->path().filename().string());
+    for (std::filesystem::directory_iterator it(folder, ec), end; !ec && it != end; it.increment(ec)) {
+        std::string name = it->path().filename().string();
+        if (EndsWith(name, ending)) names.push_back(std::move(name));
+    }
     return names;
 }
 
@@ -168,6 +170,7 @@ Failure WriteWholeFile(FileOps& ops, const std::string& path, std::string_view c
     return {};
 }
 
+// Every scratch name ends in ".part" (CleanScratchFiles lists only those).
 bool IsScratchName(std::string_view name) {
     if (name == "CT.ini.part") return true;
     if (name.size() > 4 && name.substr(0, 4) == ".ct-" && EndsWith(name, ".part")) return true;
@@ -179,7 +182,7 @@ int CleanScratchFiles(FileOps& ops, const std::vector<std::string>& folders) {
     for (const std::string& folder : folders) {
         std::error_code ec;
         std::vector<std::string> found;
-        for (const std::string& name : ops.Names(folder))
+        for (const std::string& name : ops.Names(folder, ".part"))
             if (IsScratchName(name)) found.push_back(Join(folder, name));
         for (const std::string& path : found)
             if (ops.RemoveUnheld(path)) ++removed;

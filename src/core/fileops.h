@@ -91,9 +91,10 @@ public:
     virtual ReadFile OpenRead(const std::string& path, Failure* failure);
     // Deletes the scratch file `path` unless a live writer holds it.
     virtual bool RemoveUnheld(const std::string& path);
-    // The names of the entries of `folder` ("." and ".." left out), in the
-    // order the file system gives; empty when it can't be listed.
-    virtual std::vector<std::string> Names(const std::string& folder);
+    // The names of the entries of `folder` that end in `ending` ("." and
+    // ".." left out), in the order the file system gives; empty when it
+    // can't be listed.
+    virtual std::vector<std::string> Names(const std::string& folder, std::string_view ending);
 };
 
 

@@ -236,13 +236,13 @@ public:
     // Straight from readdir: the standard library's iterator builds a path
     // object per entry, which a folder of thousands of catalogues pays at
     // every start of either program.
-    std::vector<std::string> Names(const std::string& folder) override {
+    std::vector<std::string> Names(const std::string& folder, std::string_view ending) override {
         std::vector<std::string> names;
         DIR* dir = opendir(folder.c_str());
         if (!dir) return names;
         while (const dirent* e = readdir(dir)) {
             const std::string_view name = e->d_name;
-            if (name != "." && name != "..") names.emplace_back(name);
+            if (name != "." && name != ".." && name.ends_with(ending)) names.emplace_back(name);
         }
         closedir(dir);
         return names;
