@@ -63,10 +63,10 @@ read -r C_OURS C_OURS_MIN T_OURS T_OURS_MIN C_REF C_REF_MIN T_REF T_REF_MIN <<< 
     -- bash -c 'exec "$0" add "$1" --label "Lauf $$" --data-folder "$2"' "$CLI" "$ROOT" "$DATA" \
     -- bash -c 'exec find "$0" -printf "%B@ %s %m %p\n"' "$ROOT")"
 M_OURS=$(peak_kib "$CLI" add "$ROOT" --label "Speicher" --data-folder "$DATA")
-CATALOGUE_LINES=$("$CLI" show "Speicher" --data-folder "$DATA" | awk -F': ' '/^(folders|files):/ { s = s $2 " " } END { print s }')
+CATALOGUE_LINES=$("$CLI" show "Speicher" --data-folder "$DATA" | awk -F': ' '/^folders:/ { f = $2 } /^files:/ { g = $2 } END { print f " folders, " g " files" }')
 M_REF=$(peak_kib find "$ROOT" -printf '%B@ %s %m %p\n')
 
-echo "catalogue: folders files = $CATALOGUE_LINES"
+echo "catalogue: $CATALOGUE_LINES"
 echo "median of $RUNS (best)        cpu ms             wall ms      peak KiB"
 printf 'ours (cartulon-cli add)  %7.1f (%7.1f)  %7.1f (%7.1f)  %9s\n' "$C_OURS" "$C_OURS_MIN" "$T_OURS" "$T_OURS_MIN" "$M_OURS"
 printf "reference (find -printf) %7.1f (%7.1f)  %7.1f (%7.1f)  %9s\n" "$C_REF" "$C_REF_MIN" "$T_REF" "$T_REF_MIN" "$M_REF"
@@ -75,7 +75,7 @@ printf 'ratio ours / reference   %7.2f cpu, %.2f wall   (target <= 1.0)\n' \
 
 # One row for bench/run's table: figure|ours|reference|ratio|target.
 if [ -n "${BENCH_ROWS:-}" ]; then
-    printf 'walk, %s folders and files (cartulon-cli add)|%.1f ms cpu, %.1f ms wall, %s KiB peak|%.1f ms cpu, %.1f ms wall, %s KiB (find -printf)|%.2f cpu, %.2f wall|<= 1.0\n' \
+    printf 'walk, %s (cartulon-cli add)|%.1f ms cpu, %.1f ms wall, %s KiB peak|%.1f ms cpu, %.1f ms wall, %s KiB (find -printf)|%.2f cpu, %.2f wall|<= 1.0\n' \
         "$CATALOGUE_LINES" "$C_OURS" "$T_OURS" "$M_OURS" "$C_REF" "$T_REF" "$M_REF" \
         "$(echo "$C_OURS / $C_REF" | bc -l)" "$(echo "$T_OURS / $T_REF" | bc -l)" >> "$BENCH_ROWS"
 fi
