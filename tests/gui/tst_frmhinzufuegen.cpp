@@ -7,12 +7,14 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QtTest>
+#include <cstdlib>
 #include <map>
 
 #include "core/adddisc.h"
 #include "gui/Start.h"
 #include "gui/frmHaupt.h"
 #include "gui/frmHinzufuegen.h"
+#include "gui/seams.h"
 #include "platform/walk.h"
 #include "support/GuiFixture.h"
 #include "support/scratch.h"
@@ -138,6 +140,43 @@ private slots:
         QVERIFY(s.fx.messages.empty());
         QVERIFY(!d.isVisible());
         QCOMPARE(DataFiles(s.fx), QStringList{});
+    }
+
+    // An image picked with "…" is read as the disc burnt from it would be,
+    // without mounting: its volume label is proposed, and the catalogue has
+    // the image's file system and entries.
+    void imagePickedWithTheChooser_data() {
+        QTest::addColumn<QString>("make");  // %1 the image, %2 the tree
+        QTest::addColumn<QString>("label");
+        QTest::addColumn<QString>("fileSystem");
+        QTest::addColumn<QString>("line");  // a line the catalogue holds, or empty
+        QTest::newRow("iso") << "xorriso -as mkisofs -J -R -V FOTOS -o %1 %2" << "FOTOS" << "|CDFS|"
+                             << "\\Bilder\\p1.jpg|8|R|";
+        QTest::newRow("udf") << ": %2; truncate -s 8M %1 && mkudffs -b 2048 --label=SICHERUNG --udfrev=2.01 %1"
+                             << "SICHERUNG" << "|UDF|" << "";
+    }
+    void imagePickedWithTheChooser() {
+        QFETCH(QString, make);
+        QFETCH(QString, label);
+        QFETCH(QString, fileSystem);
+        QFETCH(QString, line);
+        AddSetup s;
+        frmHinzufügen::Source = nullptr;  // the program's own reader, images and all
+        const std::string image = s.drives / "disc.img";
+        const std::string command = make.arg(Q(image), Q(s.eins)).toStdString() + " >/dev/null 2>&1";
+        if (std::system(command.c_str()) != 0) QSKIP("the image tool is missing");
+        seams::SetFolderChooser([&](QWidget*, const QString&) { return Q(image); });
+        auto h = s.fx.StartMain();
+        frmHinzufügen d(h.get());
+        d.show();
+        emit d.DriveLaufwerk->activated(d.DriveLaufwerk->count() - 1);  // "…"
+        seams::SetFolderChooser({});
+        QCOMPARE(d.Drive(), Q(image));
+        QCOMPARE(d.txtBezeichnung->text(), label);
+        d.cmdHinzufügen->click();
+        const std::string text = ReadAll(s.Catalogue(label.toStdString()));
+        QVERIFY2(text.find(fileSystem.toStdString()) < text.find("\r\n"), text.c_str());
+        QVERIFY2(line.isEmpty() || text.find("\r\n" + line.toStdString()) != std::string::npos, text.c_str());
     }
 
     // Answered No, left without adding, or completed: the catalogue is
