@@ -109,6 +109,15 @@ public:
     // start or at the end of Buffered()).
     void Skip(std::size_t n) { pos_ += n; }
 
+    // For a caller that takes the rest of the file another way: the bytes
+    // read and not yet handed out (whole lines, then maybe part of one),
+    // the file's place behind them, where the file ends as its size at
+    // opening said (kUnknownSize when unknown), and the stream itself.
+    std::string_view Held() const { return std::string_view(buf_.get() + pos_, end_ - pos_); }
+    std::uint64_t ReadUpTo() const { return offset_; }
+    std::uint64_t FileEnd() const { return left_ == kUnknownSize ? kUnknownSize : offset_ + left_; }
+    ReadStream* Stream() { return file_.get(); }
+
 private:
     void Reset();
     bool Fill();

@@ -83,6 +83,10 @@ bool EndsWith(std::string_view text, std::string_view end) {
 
 }  // namespace
 
+bool ReadStream::ScanInPlace(std::uint64_t, std::uint64_t, const std::function<void(const char*, std::size_t)>&) {
+    return false;
+}
+
 ReadFile OpenForReading(const std::string& path, Failure* failure, std::uint64_t* size) {
     return gOpener.load()(path, failure, size);
 }

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -47,6 +48,14 @@ public:
     virtual std::size_t Read(char* to, std::size_t n) = 0;
     // Moves to `offset` from the start; false on an error.
     virtual bool Seek(std::uint64_t offset) = 0;
+    // Hands the bytes from `offset` (a multiple of 4096) to `end` to `scan`,
+    // window by window, where they stand in the system's cache, without a
+    // copy. False where the platform can't, and when the file was cut short
+    // under the scan: `scan` may then have seen a part and must be left at
+    // any moment, so it may only look at the bytes and count into values
+    // that outlive it. The caller then reads the bytes as usual.
+    virtual bool ScanInPlace(std::uint64_t offset, std::uint64_t end,
+                             const std::function<void(const char*, std::size_t)>& scan);
     int Error() const { return error_; }
 
 protected:
@@ -129,6 +138,9 @@ void SetFolderOpener(FolderOpener opener);
 
 // The real file system. Defined in the platform layer.
 FileOps& SystemFileOps();
+// Tests: the size of the windows its streams' ScanInPlace maps (a multiple of
+// 4096), so that small files cross many windows.
+void SetMapWindowForTesting(std::size_t bytes);
 
 // Writes `content` under `path` so that at every moment either the old file or
 // the complete new one stands there: a scratch file of its own beside it

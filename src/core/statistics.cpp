@@ -30,7 +30,31 @@ std::string SizeText(const std::string& bytes, double gigabytes, const std::stri
 
 }  // namespace
 
-CatalogueCounter::CatalogueCounter(std::size_t blockSize) : lines_(std::max<std::size_t>(1, blockSize)) {}
+CatalogueCounter::CatalogueCounter(std::size_t blockSize, std::uint64_t inPlaceFrom)
+    : lines_(std::max<std::size_t>(1, blockSize)), inPlaceFrom_(inPlaceFrom) {}
+
+// The file section from the reader's place to the end, counted where it
+// stands: no copy of a large catalogue into the reader's blocks. False when
+// it can't be done, or the file changed under the scan; nothing is counted
+// then, and the reader goes on as before.
+bool CatalogueCounter::CountRestInPlace(std::int64_t& files) {
+    ReadStream* stream = lines_.Stream();
+    const std::uint64_t from = lines_.ReadUpTo(), end = lines_.FileEnd();
+    if (!stream || end == kUnknownSize || end < from || end - from < inPlaceFrom_) return false;
+    const std::string_view held = lines_.Held();
+    std::int64_t n = scan::CountLineEnds(held.data(), held.size());
+    char last = held.empty() ? '\n' : held.back();
+    const bool ok = stream->ScanInPlace(from, end, [&n, &last](const char* p, std::size_t size) {
+        if (size == 0) return;
+        if (last == '\r' && p[0] == '\n') --n;  // a CR LF astride two windows is one line end
+        n += scan::CountLineEnds(p, size);
+        last = p[size - 1];
+    });
+    if (!ok) return false;
+    if (last != '\r' && last != '\n') ++n;  // a last line without its end
+    files = n;
+    return true;
+}
 
 CatalogueCounts CatalogueCounter::Count(const std::string& path) {
     lines_.Open(path);
@@ -72,6 +96,7 @@ CatalogueCounts CatalogueCounter::CountOpened() {
         if (empty) break;
     }
     lines.NextRaw(line);  // the empty line
+    if (CountRestInPlace(counts.files)) return counts;
     for (std::string_view block; !(block = lines.Buffered()).empty(); lines.Skip(block.size())) {
         counts.files += scan::CountLineEnds(block.data(), block.size());
         if (!isEnd(block.back())) ++counts.files;

@@ -32,14 +32,19 @@ using StatisticsProgress = std::function<bool(std::size_t disc, std::size_t disc
 // damaged files too.
 class CatalogueCounter {
 public:
-    explicit CatalogueCounter(std::size_t blockSize = std::size_t{64} << 10);
+    // A file section of at least `inPlaceFrom` bytes behind the first block
+    // is counted where it stands in the system's cache (ReadStream::ScanInPlace).
+    explicit CatalogueCounter(std::size_t blockSize = std::size_t{64} << 10,
+                              std::uint64_t inPlaceFrom = std::uint64_t{1} << 20);
     CatalogueCounts Count(const std::string& path);
     // The catalogue `name` of `folder`.
     CatalogueCounts Count(ReadFolder& folder, const std::string& name);
 
 private:
     CatalogueCounts CountOpened();
-    LineReader lines_;  // one buffer for the whole run
+    bool CountRestInPlace(std::int64_t& files);
+    LineReader lines_;
+    std::uint64_t inPlaceFrom_;  // one buffer for the whole run
 };
 
 // Reads every catalogue of `labels` in `dataFolder` by the counting way. Every

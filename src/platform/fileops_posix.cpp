@@ -4,12 +4,16 @@
 #include <fcntl.h>
 #include <stdio.h>
 #include <stdlib.h>
+#include <setjmp.h>
+#include <signal.h>
 #include <sys/file.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <ctime>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstring>
@@ -92,6 +96,70 @@ int OpenRegular(const std::string& path, Failure* failure, std::uint64_t* size =
     return fd;
 }
 
+// --- Scanning in place ---------------------------------------------------------
+//
+// A mapped file that another program cuts short under the scan raises SIGBUS
+// at the first byte beyond its new end. The scan is guarded: the handler
+// leaves it for the point before it began, the mapping goes, and the caller
+// reads the file as usual. A SIGBUS of anything else ends the program as
+// the signal would have.
+
+thread_local sigjmp_buf* tGuardJump = nullptr;
+thread_local const char* tGuardFrom = nullptr;
+thread_local const char* tGuardTo = nullptr;
+
+void OnBusError(int, siginfo_t* info, void*) {
+    const char* at = static_cast<const char*>(info->si_addr);
+    if (tGuardJump && at >= tGuardFrom && at < tGuardTo) siglongjmp(*tGuardJump, 1);
+    struct sigaction plain{};
+    plain.sa_handler = SIG_DFL;
+    sigaction(SIGBUS, &plain, nullptr);  // the fault repeats on return, now fatal
+}
+
+// Installs the handler once, unless someone else's is in place already.
+bool GuardReady() {
+    static const bool ready = [] {
+        struct sigaction old{};
+        if (sigaction(SIGBUS, nullptr, &old) != 0 || (old.sa_flags & SA_SIGINFO) || old.sa_handler != SIG_DFL)
+            return false;
+        struct sigaction guard{};
+        guard.sa_sigaction = &OnBusError;
+        guard.sa_flags = SA_SIGINFO | SA_NODEFER;  // not blocked after the jump out of the handler
+        sigemptyset(&guard.sa_mask);
+        return sigaction(SIGBUS, &guard, nullptr) == 0;
+    }();
+    return ready;
+}
+
+std::size_t gMapWindow = std::size_t{4} << 20;
+
+}  // namespace
+
+void SetMapWindowForTesting(std::size_t bytes) { gMapWindow = bytes; }
+
+namespace {
+
+// One window of the file mapped and handed to `scan` under the guard; false
+// when it can't be mapped or the file shrank beneath it.
+bool ScanWindow(int fd, std::uint64_t offset, std::size_t size,
+                const std::function<void(const char*, std::size_t)>& scan) {
+    void* map = mmap(nullptr, size, PROT_READ, MAP_PRIVATE | MAP_POPULATE, fd, static_cast<off_t>(offset));
+    if (map == MAP_FAILED) return false;
+    sigjmp_buf jump;
+    const char* const bytes = static_cast<const char*>(map);
+    bool whole = false;
+    if (sigsetjmp(jump, 0) == 0) {
+        tGuardFrom = bytes;
+        tGuardTo = bytes + size;
+        tGuardJump = &jump;
+        scan(bytes, size);
+        whole = true;
+    }
+    tGuardJump = nullptr;
+    munmap(map, size);
+    return whole;
+}
+
 // Straight from the descriptor into the reader's block: each Read is one
 // system call while the file gives what is asked.
 class PosixStream final : public ReadStream {
@@ -118,6 +186,15 @@ public:
     bool Seek(std::uint64_t offset) override {
         if (offset > static_cast<std::uint64_t>(INT64_MAX)) return false;
         at_ = static_cast<off_t>(offset);
+        return true;
+    }
+    bool ScanInPlace(std::uint64_t offset, std::uint64_t end,
+                     const std::function<void(const char*, std::size_t)>& scan) override {
+        if (offset % 4096 != 0 || end < offset || !GuardReady()) return false;
+        for (std::uint64_t at = offset; at < end; at += gMapWindow) {
+            const auto size = static_cast<std::size_t>(std::min<std::uint64_t>(gMapWindow, end - at));
+            if (!ScanWindow(fd_, at, size, scan)) return false;
+        }
         return true;
     }
 
