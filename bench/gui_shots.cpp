@@ -8,6 +8,7 @@
 #include <QTemporaryDir>
 #include <QTimer>
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 
 #include "gui/Start.h"
@@ -17,6 +18,7 @@
 #include "gui/frmHinzufuegen.h"
 #include "gui/frmSprache.h"
 #include "gui/frmStatistik.h"
+#include "gui/seams.h"
 #include "platform/system.h"
 
 namespace {
@@ -81,6 +83,28 @@ int main(int argc, char** argv) {
                 dialog->grab().save(prefix + "-" + name + ".png");
                 dialog->close();
             }
+            // The add window with a disc image picked through "…", and the
+            // statistics after a run.
+            QDir(dir.path()).mkpath("baum/Bilder");
+            WriteFile(folder + "/baum/Bilder/p1.jpg", "JPEG");
+            const std::string image = folder + "/Urlaubsfotos vom Sommer 2003 an der Küste.iso";
+            if (std::system(("xorriso -as mkisofs -J -R -V URLAUB2003 -o '" + image + "' '" + folder +
+                             "/baum' >/dev/null 2>&1").c_str()) == 0) {
+                ct::seams::SetFolderChooser([&](QWidget*, const QString&) { return QString::fromStdString(image); });
+                auto* add = new ct::frmHinzufügen(haupt);
+                add->show();
+                emit add->DriveLaufwerk->activated(add->DriveLaufwerk->count() - 1);
+                QApplication::processEvents();
+                add->grab().save(prefix + "-frmHinzufuegen-image.png");
+                add->close();
+                ct::seams::SetFolderChooser({});
+            }
+            auto* statistik = new ct::frmStatistik(haupt);
+            statistik->show();
+            statistik->cmdStatistikErstellen->click();
+            QApplication::processEvents();
+            statistik->grab().save(prefix + "-frmStatistik-run.png");
+            statistik->close();
             app.quit();
         });
     });
