@@ -27,11 +27,8 @@ int RunDuplicates(Context& ctx) {
         minSize = std::stoll(bytes);
     }
 
-    WalkList folders, files;
-    WalkFolder(ctx.dataFolder, folders, files);
-    std::vector<std::string> labels = LabelsOf(files);
-    std::stable_sort(labels.begin(), labels.end(),
-                     [](const std::string& a, const std::string& b) { return ListOrderLess(a, b); });
+    std::vector<std::string> labels = CatalogueLabels(ctx.dataFolder);
+    SortForList(labels);
     const std::vector<std::string> wanted = ctx.args.GetAll("--disc");
     for (const std::string& label : wanted)
         if (std::find(labels.begin(), labels.end(), label) == labels.end())

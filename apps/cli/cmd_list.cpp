@@ -15,10 +15,8 @@ namespace ct::cli {
 namespace {
 
 int RunList(Context& ctx) {
-    WalkList folders, files;
-    WalkFolder(ctx.dataFolder, folders, files);
     std::vector<std::pair<std::string, std::string>> keyed;
-    for (std::string& label : LabelsOf(files)) keyed.emplace_back(SortKey(DecodeLine(label)), std::move(label));
+    for (std::string& label : CatalogueLabels(ctx.dataFolder)) keyed.emplace_back(SortKey(DecodeLine(label)), std::move(label));
     std::stable_sort(keyed.begin(), keyed.end());
     if (FormatOf(ctx) == Format::Text) {
         for (const auto& [key, label] : keyed) *ctx.out << label << "\n";

@@ -16,9 +16,7 @@ namespace {
 int RunRename(Context& ctx) {
     const auto& pos = ctx.args.positional;
     const std::string& oldLabel = pos[0];
-    WalkList folders, files;
-    WalkFolder(ctx.dataFolder, folders, files);
-    const std::vector<std::string> labels = LabelsOf(files);
+    const std::vector<std::string> labels = CatalogueLabels(ctx.dataFolder);
     std::string catalogue;
     if (!CatalogueOfLabel(ctx, oldLabel, catalogue)) return kError;
     const RenameOutcome outcome = RenameDisc(SystemFileOps(), ctx.dataFolder, oldLabel, pos[1], labels);

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <charconv>
 #include <cstring>
-#include <filesystem>
 #include <system_error>
 
 #include "core/scan.h"
@@ -345,22 +344,6 @@ bool LabelOfCatalogueName(std::string_view name, std::string& label) {
     const std::size_t slash = stem.rfind('/');
     label.assign(slash == std::string_view::npos ? stem : stem.substr(slash + 1));
     return true;
-}
-
-std::vector<std::string> LabelsOf(const WalkList& files) {
-    std::vector<std::string> labels;
-    std::string label;
-    for (const WalkRecord& f : files) {
-        if (!LabelOfCatalogueName(f.Name, label)) continue;
-        // A FIFO, a socket, a device or a link to one is no catalogue: it
-        // would only hang whoever opened it. (stat follows a link without
-        // opening anything.)
-        std::error_code ec;
-        const auto status = std::filesystem::status(f.Name, ec);
-        if (!ec && std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) continue;
-        labels.push_back(label);
-    }
-    return labels;
 }
 
 // --- Writing -----------------------------------------------------------------

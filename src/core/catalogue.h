@@ -183,8 +183,6 @@ std::string CataloguePath(const std::string& dataFolder, const std::string& labe
 // The label of a walked file name that ends in exactly ".idx" (lower case):
 // the text between the last '/' and those four characters.
 bool LabelOfCatalogueName(std::string_view name, std::string& label);
-// The labels of a data folder walk's file list, in walk order.
-std::vector<std::string> LabelsOf(const WalkList& files);
 
 // --- Writing -----------------------------------------------------------------
 

@@ -355,14 +355,9 @@ void frmHaupt::INI_Speichern() {
 void frmHaupt::Aktualisieren() {
     ClearDiscPane();
     lstDaten->Clear();
-    walkFolders_.clear();
-    walkFiles_.clear();
-    WalkFolder(Start::DataFolder, walkFolders_, walkFiles_);
     QStringList labels;
-    for (const std::string& label : LabelsOf(walkFiles_)) labels.append(Q(label));
+    for (const std::string& label : CatalogueLabels(Start::DataFolder)) labels.append(Q(label));
     lstDaten->AddItems(labels);
-    walkFolders_.clear();
-    walkFiles_.clear();
     if (lstDaten->ListCount() > 0) SetEnabled({lblDaten, lstDaten}, true);
 }
 

@@ -120,7 +120,6 @@ private:
     bool FoldersBeingListed = false;
     std::string SelectedFolder;
     std::string SelectedFilePath;
-    WalkList walkFolders_, walkFiles_;
 };
 
 }  // namespace ct

@@ -24,13 +24,13 @@ void WalkFolder(const std::string& path, WalkList& folders, WalkList& files,
 // The same walk handed entry by entry to `sink`.
 WalkSummary WalkTree(const std::string& path, WalkSink& sink);
 
-// The labels of the catalogues below `dataFolder`, as the disc list has them
-// (LabelsOf a WalkFolder of it: every regular file, or link to one, whose
-// name ends in ".idx", in sub-folders too, links to folders not followed), in
-// the order the file system gives. From the names and types the listing
-// delivers: only a link or an entry of unknown type costs a stat, where the
-// walk's statx and attribute look-up for every catalogue cost a search of
-// many small catalogues a third of its time.
+// The labels of the catalogues below `dataFolder`, for the disc list and
+// every command: each regular file, or link to one, whose name ends in
+// ".idx", in sub-folders too (links to folders not followed), in the order
+// the file system gives. From the names and types the listing delivers:
+// only a link or an entry of unknown type costs a stat, where the walker's
+// statx and attribute look-up for every catalogue cost a search of many
+// small catalogues a third of its time.
 std::vector<std::string> CatalogueLabels(const std::string& dataFolder);
 
 // The DiscSource of the real machine: WalkFolder and ReadVolumeInfo.
