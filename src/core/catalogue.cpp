@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <charconv>
 #include <cstring>
-#include <system_error>
 
 #include "core/scan.h"
 #include "core/text.h"
@@ -329,18 +328,23 @@ bool FindRecordLine(const std::string& cataloguePath, std::string_view path, std
 
 // --- Names -------------------------------------------------------------------
 
+std::string CatalogueName(std::string_view label) {
+    std::string name(label);
+    name += kCatalogueEnding;
+    return name;
+}
+
 std::string CataloguePath(const std::string& dataFolder, const std::string& label) {
     std::string path = dataFolder;
     path += '/';
     path += label;
-    path += ".idx";
+    path += kCatalogueEnding;
     return path;
 }
 
 bool LabelOfCatalogueName(std::string_view name, std::string& label) {
-    static constexpr std::string_view kExt = ".idx";
-    if (!name.ends_with(kExt)) return false;
-    const std::string_view stem = name.substr(0, name.size() - kExt.size());
+    if (!name.ends_with(kCatalogueEnding)) return false;
+    const std::string_view stem = name.substr(0, name.size() - kCatalogueEnding.size());
     const std::size_t slash = stem.rfind('/');
     label.assign(slash == std::string_view::npos ? stem : stem.substr(slash + 1));
     return true;

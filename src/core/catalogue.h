@@ -178,6 +178,10 @@ bool FindRecordLine(const std::string& cataloguePath, std::string_view path, std
 
 // --- Names -------------------------------------------------------------------
 
+// What a catalogue's file name ends in, behind its label.
+inline constexpr std::string_view kCatalogueEnding = ".idx";
+// "<label>.idx", the catalogue's name in the data folder.
+std::string CatalogueName(std::string_view label);
 // "<dataFolder>/<label>.idx"
 std::string CataloguePath(const std::string& dataFolder, const std::string& label);
 // The label of a walked file name that ends in exactly ".idx" (lower case):

@@ -35,10 +35,10 @@ public:
 // nobody wonders whether the program hangs.
 constexpr int kLockWaitMs = 2000;
 
-// A file opened for reading. The readers take their blocks
-// straight from the system through it: a stdio stream would add a buffer to
-// copy through, a lock per call and, at opening, a system call of its own,
-// which a search of many small catalogues pays once per catalogue.
+// A file opened for reading. The readers take their blocks straight from the
+// system through it: a stdio stream would add a buffer to copy through, a
+// lock per call and, at opening, a system call of its own, which a search of
+// many small catalogues pays once per catalogue.
 class ReadStream {
 public:
     virtual ~ReadStream() = default;
@@ -105,7 +105,6 @@ public:
     // can't be listed.
     virtual std::vector<std::string> Names(const std::string& folder, std::string_view ending);
 };
-
 
 // Opens a catalogue (or any file the program reads) without ever blocking:
 // a FIFO, a device, a socket or a folder is refused as NotACatalogue; what

@@ -3,6 +3,8 @@
 #include <cctype>
 #include <cerrno>
 
+#include "core/catalogue.h"
+
 namespace ct {
 
 namespace {
@@ -46,7 +48,7 @@ bool IsSetAsideName(const std::string& name, std::string* label) {
 
 bool SetAside(FileOps& ops, const std::string& dataFolder, const std::string& label,
               SetAsideFile& out, Failure* failure) {
-    const std::string home = Join(dataFolder, label + ".idx");
+    const std::string home = Join(dataFolder, CatalogueName(label));
     if (!ops.Exists(home)) {
         if (failure) *failure = Fail(FailCode::NotFound, home);
         return false;
@@ -99,7 +101,7 @@ std::vector<LeftoverOutcome> RestoreLeftovers(DiscSource& source, FileOps& ops,
         std::string label;
         if (!IsSetAsideName(NameOf(record.Name), &label)) continue;
         LeftoverOutcome outcome;
-        outcome.file = SetAsideFile{record.Name, Join(FolderOf(record.Name), label + ".idx"), label};
+        outcome.file = SetAsideFile{record.Name, Join(FolderOf(record.Name), CatalogueName(label)), label};
         outcome.result = Restore(source, ops, dataFolder, outcome.file, &outcome.failure);
         outcomes.push_back(std::move(outcome));
     }

@@ -254,34 +254,6 @@ std::size_t FindLineEnd(const char* p, std::size_t n) {
     return n;
 }
 
-std::size_t FindFields(const char* p, std::size_t n, std::size_t* at, std::size_t max, std::size_t& count) {
-    count = 0;
-    std::size_t i = 0;
-#ifdef CT_SCAN_SSE2
-    if (g_vectors) {
-        const __m128i cr = _mm_set1_epi8(kCr), lf = _mm_set1_epi8(kLf), bar = _mm_set1_epi8('|');
-        for (; i + 16 <= n; i += 16) {
-            const __m128i v = Load(p + i);
-            const unsigned ends = static_cast<unsigned>(
-                _mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi8(v, cr), _mm_cmpeq_epi8(v, lf))));
-            unsigned bars = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(v, bar)));
-            if (ends) bars &= (ends & (0u - ends)) - 1;  // only the bars before the line end
-            while (bars && count < max) {
-                at[count++] = i + static_cast<std::size_t>(__builtin_ctz(bars));
-                bars &= bars - 1;
-            }
-            if (ends) return i + static_cast<std::size_t>(__builtin_ctz(ends));
-            if (count == max) return i + 16 + FindLineEnd(p + i + 16, n - i - 16);
-        }
-    }
-#endif
-    for (; i < n; ++i) {
-        if (IsEol(p[i])) return i;
-        if (p[i] == '|' && count < max) at[count++] = i;
-    }
-    return n;
-}
-
 void BlockMasks(const char* p, std::size_t n, std::uint64_t* bars, std::uint64_t* ends) {
     std::size_t w = 0;
 #ifdef CT_SCAN_SSE2

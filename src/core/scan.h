@@ -32,10 +32,6 @@ std::int64_t CountLineEnds(const char* p, std::size_t n);
 // how many there are (at most `max`).
 std::size_t FindBars(const char* p, std::size_t n, std::size_t* at, std::size_t max);
 
-// One line's bars and end in one pass: the place of the first CR or LF in
-// p[0..n) (or n), and the places of the first `max` bars before it in `at`,
-// their number in `count`.
-std::size_t FindFields(const char* p, std::size_t n, std::size_t* at, std::size_t max, std::size_t& count);
 
 // The bars and line ends of a whole block as bit masks, in one pass: bit k
 // of bars[w] is set when p[64 * w + k] is a '|', of ends[w] when it is a CR

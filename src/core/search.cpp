@@ -536,13 +536,7 @@ bool Matcher::FileFieldsFail(const char* line, const std::size_t* bars, std::siz
             if (digits) {
                 const std::size_t limit = sizeDigits_.size();
                 const int order = length != limit ? (length < limit ? -1 : 1) : std::memcmp(s, sizeDigits_.data(), length);
-                switch (sizeOp_) {
-                case SearchOp::Greater: if (order <= 0) return true; break;
-                case SearchOp::Less: if (order >= 0) return true; break;
-                case SearchOp::Equal: if (order != 0) return true; break;
-                default: if (order == 0) return true; break;
-                }
-                return quickDate_ && DateFails(line, bars, count);
+                return !CompareNumber(sizeOp_, order, 0) || (quickDate_ && DateFails(line, bars, count));
             }
         }
         const bool negative = s < e && *s == '-';
@@ -814,7 +808,7 @@ SearchEnd RunSearch(const std::string& dataFolder, const SearchCriteria& c, HitS
     for (const SearchDisc& disc : c.discs) {
         if (!disc.marked) continue;
         {
-            catalogue.assign(disc.label).append(".idx");  // CataloguePath's name in the data folder
+            catalogue.assign(disc.label).append(kCatalogueEnding);  // CatalogueName, in one buffer for the run
             reader.Open(*folder, catalogue);
             std::string_view line;
             if (reader.IsOpen() && reader.NextRaw(line)) {

@@ -162,13 +162,14 @@ public:
     // from the raw bytes of those fields alone. False when it can't tell:
     // then TestFileLine decides, as for every line that isn't refused here.
     bool FileFieldsFail(const char* line, const std::size_t* bars, std::size_t count) const;
-    bool DateFails(const char* line, const std::size_t* bars, std::size_t count) const;
 
     // The term as the next test sees it (upper-cased; a folder test with
     // "ends with" may have taken closing backslashes off).
     const std::string& SearchTerm() const { return term_; }
 
 private:
+    // FileFieldsFail's judgement of the Time field.
+    bool DateFails(const char* line, const std::size_t* bars, std::size_t count) const;
     bool NameTest(std::string_view t);  // T not yet upper-cased
     bool AsciiNameTest(std::string_view t) const;  // T plain ASCII, not upper-cased
     bool TermIn(std::string_view t) const;

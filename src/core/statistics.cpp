@@ -116,7 +116,7 @@ StatisticsTotals CollectStatistics(const std::string& dataFolder,
             totals.complete = false;
             break;
         }
-        const CatalogueCounts counts = counter.Count(*folder, labels[i] + ".idx");
+        const CatalogueCounts counts = counter.Count(*folder, CatalogueName(labels[i]));
         totals.totalSize += ParseLeadingDecimal(FirstField(counts.headerLine));
         totals.folders += counts.folders;
         totals.files += counts.files;
