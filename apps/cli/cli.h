@@ -135,6 +135,9 @@ const std::vector<Command>& Commands();
 // Refuses a disc image that `why` says can't be read: damaged or cut short,
 // or the library for its file system can't be loaded.
 int RefuseImage(const Context& ctx, const Failure& why);
+// Whether `root` is a folder or a readable disc image; else refused (false).
+// A mistyped path would otherwise be read as an empty disc.
+bool DiscRootReadable(Context& ctx, const std::string& root);
 
 // --- Values shared by several commands ----------------------------------------
 

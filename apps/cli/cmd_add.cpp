@@ -1,7 +1,6 @@
 // cartulon-cli add ROOT --label LABEL [--description TEXT]: reads a folder, a
 // mounted volume or a disc image (ISO 9660, UDF) into a new catalogue, by the
 // same procedure as the add dialog. A refused label changes nothing.
-#include <filesystem>
 #include <ostream>
 
 #include "cli.h"
@@ -13,27 +12,11 @@
 
 namespace ct::cli {
 
-int RefuseImage(const Context& ctx, const Failure& why) {
-    if (why.code == FailCode::LibraryMissing)
-        return ctx.Refuse({"das Abbild kann nicht gelesen werden: %1", "the image can't be read: %1"},
-                          {FailureText(why, ctx.language)});
-    return ctx.Refuse({"das Abbild „%1“ kann nicht gelesen werden (beschädigt oder unvollständig)",
-                       "the image '%1' can't be read (damaged or incomplete)"},
-                      {why.path});
-}
-
 namespace {
 
 int RunAdd(Context& ctx) {
     const auto& pos = ctx.args.positional;
-    std::error_code ec;
-    // The dialog can't be given a drive that isn't there; a mistyped path
-    // here would otherwise become an empty catalogue.
-    if (!IsDiscImage(pos[0]) && !std::filesystem::is_directory(pos[0], ec))
-        return ctx.Refuse({"„%1“ ist weder ein Ordner noch ein Abbild eines Datenträgers",
-                           "'%1' is neither a folder nor a disc image"}, {pos[0]});
-    if (IsDiscImage(pos[0]))
-        if (const Failure why = ImageFailure(pos[0])) return RefuseImage(ctx, why);
+    if (!DiscRootReadable(ctx, pos[0])) return kError;
 
     AddRequest request;
     request.root = pos[0];

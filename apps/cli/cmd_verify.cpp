@@ -4,7 +4,6 @@
 // looked at.
 #include <unistd.h>
 
-#include <filesystem>
 #include <ostream>
 
 #include "cli.h"
@@ -34,12 +33,7 @@ int RunVerify(Context& ctx) {
     const std::string& root = ctx.args.positional[1];
     std::string catalogue;
     if (!CatalogueOfLabel(ctx, label, catalogue)) return kError;
-    std::error_code ec;
-    if (!IsDiscImage(root) && !std::filesystem::is_directory(root, ec))
-        return ctx.Refuse({"„%1“ ist weder ein Ordner noch ein Abbild eines Datenträgers",
-                           "'%1' is neither a folder nor a disc image"}, {root});
-    if (IsDiscImage(root))
-        if (const Failure why = ImageFailure(root)) return RefuseImage(ctx, why);
+    if (!DiscRootReadable(ctx, root)) return kError;
 
     // The count of entries found so far, as a terminal line that rewrites
     // itself; nothing when stderr is no terminal.
@@ -52,9 +46,11 @@ int RunVerify(Context& ctx) {
         };
     WalkList folders, files;
     // An image read only in part would tell of entries missing that aren't.
-    const bool image = IsDiscImage(root);
-    const bool walked = !image || WalkImage(root, folders, files, progress);
-    if (!image) DiscSourceWithImages().WalkFolder(root, folders, files, progress);
+    bool walked = true;
+    if (IsDiscImage(root))
+        walked = WalkImage(root, folders, files, progress);
+    else
+        SystemDiscSource().WalkFolder(root, folders, files, progress);
     if (showProgress) *ctx.err << "\r\033[K" << std::flush;
     if (!walked)
         return RefuseImage(ctx, ct::Fail(FailCode::Unreadable, root));
