@@ -3,7 +3,6 @@
 #include <cstdint>
 
 #include <algorithm>
-#include <numeric>
 
 #include "core/text.h"
 
@@ -84,8 +83,6 @@ std::string SortKey(std::string_view utf8) {
     AppendSortKey(key, utf8);
     return key;
 }
-
-bool ListOrderLess(std::string_view a, std::string_view b) { return SortKey(a) < SortKey(b); }
 
 void SortForList(std::vector<std::string>& texts) {
     // All keys in one string, each item's found by its place: one allocation

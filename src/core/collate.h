@@ -19,9 +19,6 @@ namespace ct {
 // Compare keys as bytes (std::string's operator<).
 std::string SortKey(std::string_view utf8);
 
-// SortKey(a) < SortKey(b), for a single comparison.
-bool ListOrderLess(std::string_view a, std::string_view b);
-
 // Sorts texts into list order, each key made once.
 void SortForList(std::vector<std::string>& texts);
 

@@ -751,13 +751,23 @@ std::vector<DuplicateGroup> FindDuplicates(const std::string& dataFolder,
         }
     }
 
-    std::sort(groups.begin(), groups.end(), [](const DuplicateGroup& a, const DuplicateGroup& b) {
+    // Largest first, then by name in list order, each name's key made once
+    // (a listing of many copies has as many groups).
+    std::vector<std::string> keys;
+    keys.reserve(groups.size());
+    for (const DuplicateGroup& g : groups) keys.push_back(SortKey(g.name));
+    std::vector<std::size_t> byRank(groups.size());
+    for (std::size_t i = 0; i < byRank.size(); ++i) byRank[i] = i;
+    std::sort(byRank.begin(), byRank.end(), [&](std::size_t x, std::size_t y) {
+        const DuplicateGroup &a = groups[x], &b = groups[y];
         if (a.size != b.size) return Bytes(a.size) > Bytes(b.size);
-        if (ListOrderLess(a.name, b.name)) return true;
-        if (ListOrderLess(b.name, a.name)) return false;
+        if (keys[x] != keys[y]) return keys[x] < keys[y];
         return a.hits < b.hits;
     });
-    return groups;
+    std::vector<DuplicateGroup> sorted;
+    sorted.reserve(groups.size());
+    for (std::size_t i : byRank) sorted.push_back(std::move(groups[i]));
+    return sorted;
 }
 
 }  // namespace ct
