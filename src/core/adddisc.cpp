@@ -93,14 +93,17 @@ bool AppendFile(FileOps& ops, const std::string& from, OutFile& out) {
 WalkSummary DiscSource::Walk(const std::string& path, WalkSink& sink) {
     WalkList folders, files;
     WalkFolder(path, folders, files, [&sink](std::size_t entries) { sink.Progress(entries); });
-    WalkSummary summary;
-    // Folders and files come as two lists here; each goes to the sink in its
-    // own order, which is all a catalogue keeps of the walk.
+    return HandOn(folders, files, sink);
+}
+
+// Folders and files come as two lists here; each goes to the sink in its own
+// order, which is all a catalogue keeps of the walk.
+WalkSummary DiscSource::HandOn(const WalkList& folders, const WalkList& files, WalkSink& sink) {
     for (const WalkRecord& r : folders)
         if (!sink.Folder(r)) return WalkSummary{0, true, {}};
     for (const WalkRecord& r : files)
         if (!sink.File(r)) return WalkSummary{0, true, {}};
-    return summary;
+    return {};
 }
 
 bool LabelInUse(DiscSource& source, const std::string& dataFolder, const std::string& label) {

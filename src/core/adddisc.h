@@ -40,6 +40,11 @@ public:
     // that memory doesn't grow with the tree. This plain version walks into
     // lists first; the machine's walker streams.
     virtual WalkSummary Walk(const std::string& path, WalkSink& sink);
+
+protected:
+    // Hands two walked lists on to `sink`, folders first; stopped when the
+    // sink says so.
+    static WalkSummary HandOn(const WalkList& folders, const WalkList& files, WalkSink& sink);
 };
 
 enum class AddResult {

@@ -1,8 +1,7 @@
 #include "core/collate.h"
 
-#include <cstdint>
-
 #include <algorithm>
+#include <cstdint>
 
 #include "core/text.h"
 

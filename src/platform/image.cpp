@@ -418,17 +418,13 @@ public:
             // An image read only in part (a damaged folder deep down) adds
             // nothing rather than a catalogue that looks whole.
             WalkList folders, files;
-            WalkSummary summary;
             if (!WalkImage(path, folders, files, [&sink](std::size_t n) { sink.Progress(n); })) {
+                WalkSummary summary;
                 const Failure why = ImageFailure(path);
                 summary.failure = why ? why : Fail(FailCode::Unreadable, path);
                 return summary;
             }
-            for (const WalkRecord& r : folders)
-                if (!sink.Folder(r)) return WalkSummary{0, true, {}};
-            for (const WalkRecord& r : files)
-                if (!sink.File(r)) return WalkSummary{0, true, {}};
-            return summary;
+            return HandOn(folders, files, sink);
         }
         return SystemDiscSource().Walk(path, sink);
     }
