@@ -12,6 +12,8 @@
 #include <set>
 #include <vector>
 
+#include "core/text.h"
+
 namespace ct {
 namespace {
 
@@ -54,24 +56,6 @@ bool TagOk(const unsigned char* p, std::size_t available, std::uint16_t id) {
     if ((sum & 0xFF) != p[4]) return false;
     const std::size_t crcLength = Le16(p + 10);
     return crcLength == 0 || (16 + crcLength <= available && Crc(p + 16, crcLength) == Le16(p + 8));
-}
-
-void AppendUtf8(std::string& out, char32_t c) {
-    if (c < 0x80) {
-        out += static_cast<char>(c);
-    } else if (c < 0x800) {
-        out += static_cast<char>(0xC0 | c >> 6);
-        out += static_cast<char>(0x80 | (c & 0x3F));
-    } else if (c < 0x10000) {
-        out += static_cast<char>(0xE0 | c >> 12);
-        out += static_cast<char>(0x80 | (c >> 6 & 0x3F));
-        out += static_cast<char>(0x80 | (c & 0x3F));
-    } else {
-        out += static_cast<char>(0xF0 | c >> 18);
-        out += static_cast<char>(0x80 | (c >> 12 & 0x3F));
-        out += static_cast<char>(0x80 | (c >> 6 & 0x3F));
-        out += static_cast<char>(0x80 | (c & 0x3F));
-    }
 }
 
 // OSTA compressed unicode: a first byte of 8 says one byte a character
