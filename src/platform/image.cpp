@@ -326,9 +326,15 @@ bool ReadIsoTree(const std::string& image, bool joliet, std::vector<IsoNode>& no
         }
         close(fd);
     }
+    // Joliet's order is made from each name's UTF-16 form once, not at every comparison.
+    std::vector<std::u16string> units;
+    if (joliet) {
+        units.reserve(nodes.size());
+        for (const IsoNode& n : nodes) units.push_back(Utf16Of(n.name));
+    }
     for (IsoNode& n : nodes) {
         std::sort(n.children.begin(), n.children.end(), [&](std::size_t x, std::size_t y) {
-            return joliet ? Utf16Of(nodes[x].name) < Utf16Of(nodes[y].name) : nodes[x].name < nodes[y].name;
+            return joliet ? units[x] < units[y] : nodes[x].name < nodes[y].name;
         });
     }
     return true;
