@@ -49,7 +49,6 @@ void SetEnabled(std::initializer_list<QWidget*> widgets, bool on) {
     for (QWidget* w : widgets) w->setEnabled(on);
 }
 
-
 }  // namespace
 
 frmHaupt* MainWindow() { return g_main; }

@@ -140,10 +140,7 @@ void frmHinzufügen::Form_Load() {
     // list on its first entry, silently.
     const QString last = QString::fromStdString(Start::DriveLetter);
     if (!SetDrive(last) && last.startsWith(QLatin1Char('/')) && QFileInfo(last).isDir()) {
-        const int entry = DriveLaufwerk->count() - 1;  // just above "…"
-        const QSignalBlocker quiet(DriveLaufwerk);
-        DriveLaufwerk->insertItem(entry, last, last);
-        DriveLaufwerk->setItemData(entry, last, Qt::ToolTipRole);
+        AddPickedEntry(last);
         DriveLaufwerk->setCurrentIndex(0);
         currentDrive_ = Drive();
         SetDrive(last);
@@ -168,6 +165,16 @@ void frmHinzufügen::FillDrives() {
 
 QString frmHinzufügen::Drive() const { return DriveLaufwerk->currentData().toString(); }
 
+// A folder or image picked with "…", as an entry of its own just above "…",
+// its whole path in the tooltip; no change event. Returns its index.
+int frmHinzufügen::AddPickedEntry(const QString& path) {
+    const int entry = DriveLaufwerk->count() - 1;
+    const QSignalBlocker quiet(DriveLaufwerk);
+    DriveLaufwerk->insertItem(entry, path, path);
+    DriveLaufwerk->setItemData(entry, path, Qt::ToolTipRole);
+    return entry;
+}
+
 bool frmHinzufügen::SetDrive(const QString& value) {
     if (value.isEmpty()) return false;
     const int index = DriveLaufwerk->findData(value);
@@ -187,12 +194,7 @@ void frmHinzufügen::DriveLaufwerk_Activated(int index) {
         return;
     }
     int entry = DriveLaufwerk->findData(folder);
-    if (entry < 0) {
-        entry = DriveLaufwerk->count() - 1;  // just above "…"
-        const QSignalBlocker quiet(DriveLaufwerk);
-        DriveLaufwerk->insertItem(entry, folder, folder);
-        DriveLaufwerk->setItemData(entry, folder, Qt::ToolTipRole);
-    }
+    if (entry < 0) entry = AddPickedEntry(folder);
     // The box keeps "…" current across the insertion, so this is a real
     // change of index, and the change event runs if the value changed.
     DriveLaufwerk->setCurrentIndex(entry);
@@ -206,8 +208,7 @@ void frmHinzufügen::DriveLaufwerk_Change() {
 
 void frmHinzufügen::ShowProgress(std::size_t entries) {
     const QString count = QString::number(static_cast<qulonglong>(entries));
-    lblFortschritt->setText(Start::Language == 10000 ? count + QStringLiteral(" entries found")
-                                                     : count + QStringLiteral(" Einträge gefunden"));
+    lblFortschritt->setText(Say("%1 Einträge gefunden", "%1 entries found").arg(count));
     // Paint the count and take clicks: the cancel button and the close box
     // stop the read (the other controls are off while it runs).
     QCoreApplication::processEvents();
@@ -303,10 +304,10 @@ void frmHinzufügen::cmdHinzufügen_Click() {
     // What couldn't be read is missing from the catalogue: the user hears so.
     QString report = ResourceText(10092);
     if (outcome.unreadable > 0) {
-        const QString n = QString::number(static_cast<qulonglong>(outcome.unreadable));
-        report += Start::Language == 10000
-                      ? QStringLiteral("\n\n") + n + QStringLiteral(" folders or entries couldn't be read and are missing from the catalogue.")
-                      : QStringLiteral("\n\n") + n + QStringLiteral(" Ordner oder Einträge konnten nicht gelesen werden und fehlen im Katalog.");
+        report += QStringLiteral("\n\n") +
+                  Say("%1 Ordner oder Einträge konnten nicht gelesen werden und fehlen im Katalog.",
+                      "%1 folders or entries couldn't be read and are missing from the catalogue.")
+                      .arg(static_cast<qulonglong>(outcome.unreadable));
     }
     seams::MessageBox(this, QStringLiteral("Fertig!"), report, QMessageBox::Ok);
 }

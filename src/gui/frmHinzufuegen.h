@@ -65,6 +65,7 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
+    int AddPickedEntry(const QString& path);
     void Form_Load();
     void FillDrives();
     void DriveLaufwerk_Activated(int index);
