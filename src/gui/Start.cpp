@@ -182,7 +182,6 @@ void UseQtLanguage() {
     }
 }
 
-namespace {
 QString WithoutAccessKeys(QString text) {
     // "&&" is a literal ampersand, any other '&' marks the key that follows.
     text.replace(QStringLiteral("&&"), QStringLiteral("\x01"));
@@ -190,7 +189,6 @@ QString WithoutAccessKeys(QString text) {
     text.replace(QLatin1Char('\x01'), QLatin1Char('&'));
     return text;
 }
-}  // namespace
 
 void Caption(QLabel* caption, QWidget* control) {
     caption->setBuddy(control);

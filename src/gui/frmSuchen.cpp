@@ -1,4 +1,3 @@
-#include "gui/layout.h"
 #include "gui/frmSuchen.h"
 
 #include <QCloseEvent>
@@ -8,6 +7,7 @@
 #include <QSignalBlocker>
 
 #include "core/catalogue.h"
+#include "gui/layout.h"
 #include "gui/Start.h"
 #include "gui/appicon.h"
 #include "gui/frmHaupt.h"
@@ -285,7 +285,7 @@ void frmSuchen::Form_Load() {
                                      {cboAttribut, CheckAttribut}, {cboDatum, CheckDatum},
                                      {cboBeschreibung, CheckBeschreibung}, {txtDateigröße, CheckDateigröße},
                                      {txtDatum, CheckDatum}, {txtBeschreibung, CheckBeschreibung}})
-        box->setAccessibleName(check->text().remove(QLatin1Char('&')));
+        box->setAccessibleName(WithoutAccessKeys(check->text()));
     for (QLabel* colon : {lblDP1, lblDP2, lblDP3, lblDP4}) colon->setText(QStringLiteral(":"));
     lblT->setText(QStringLiteral("-"));
 
