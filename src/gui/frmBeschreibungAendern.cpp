@@ -180,8 +180,7 @@ void ShowBeschreibungAendern() {
     // description is changed instead. Nothing changes.
     if (!CurrentDescriptionTarget().ok) {
         if (Start::EditTarget == "Suchen")
-            HilfeZeigen(Start::Language == 0 ? QStringLiteral("Kein Ordner und keine Datei gewählt")
-                                             : QStringLiteral("No folder or file chosen"));
+            HilfeZeigen(Say("Kein Ordner und keine Datei gewählt", "No folder or file chosen"));
         return;
     }
     frmBeschreibungÄndern dialog(CallerWindow());
