@@ -81,6 +81,10 @@ TEST(FindDuplicates, SameNameAndSizeOnTwoDiscsLargestFirst) {
     // Line ends of other systems, a folder-less disc, lines that can't be files,
     // other names of the same size.
     s.Write("Vier.idx", "0|0||0|0|0|\n\n\\A|||\n\n\\KLEIN.TXT|3|R||\n\\anders.txt|3||\n|x||\nkein Strich\n\n\\klein.txt|3|R||");
+    // Groups of one size, in list order by name: Ä beside A, then the bytes.
+    const std::string sameSize = head + "\\Birne.txt|7|R||\r\n\\\xC3\x84pfel.txt|7|R||\r\n\\apfel.txt|7|R||\r\n";
+    s.Write("Sechs.idx", sameSize);
+    s.Write("Sieben.idx", sameSize);
     s.Write("F\xC3\xBCnf.idx", "0|0||0|0|0|\r\r\r\\x\\Klein.txt|3|R||\r\\sonst.txt|3||\r\\y\\klein.txt|3||");
     const struct {
         const char* name;
@@ -97,6 +101,10 @@ TEST(FindDuplicates, SameNameAndSizeOnTwoDiscsLargestFirst) {
         {"MinSize", {"Eins", "Zwei"}, 5,
          {"gross.iso -2: Eins\\\\A\\gross.iso Zwei\\\\gross.iso", "Foto.JPG 500: Eins\\\\A\\Foto.JPG Zwei\\\\foto.jpg Zwei\\\\B\\foto.jpg"}},
         {"OneDisc", {"Drei"}, 0, {}},
+        {"OneSizeByName", {"Sechs", "Sieben"}, 0,
+         {"apfel.txt 7: Sechs\\\\apfel.txt Sieben\\\\apfel.txt",
+          "\xC3\x84pfel.txt 7: Sechs\\\\\xC3\x84pfel.txt Sieben\\\\\xC3\x84pfel.txt",
+          "Birne.txt 7: Sechs\\\\Birne.txt Sieben\\\\Birne.txt"}},
         // Both copies of the first disc count once a later disc has one too.
         {"FirstDiscTwice", {"Zwei", "Eins"}, 0,
          {"gross.iso -2: Zwei\\\\gross.iso Eins\\\\A\\gross.iso",
