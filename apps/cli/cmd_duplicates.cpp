@@ -38,7 +38,8 @@ int RunDuplicates(Context& ctx) {
             return std::find(wanted.begin(), wanted.end(), l) == wanted.end();
         });
 
-    const std::vector<DuplicateGroup> groups = FindDuplicates(ctx.dataFolder, labels, minSize);
+    const Duplicates found = FindDuplicates(ctx.dataFolder, labels, minSize);
+    const std::vector<DuplicateGroup>& groups = found.groups;
     const Format format = FormatOf(ctx);
     std::string value;  // one copy's text, its room used again
     if (format == Format::Text) {
@@ -48,7 +49,7 @@ int RunDuplicates(Context& ctx) {
                      << ctx.T({"%1 Bytes, %2 Kopien", "%1 bytes, %2 copies"},
                               {std::to_string(g.size), std::to_string(g.hits.size())})
                      << "\n";
-            for (const std::string& hit : g.hits) {
+            for (const std::string_view hit : g.hits) {
                 ValueInto(ctx, hit, true, value);
                 *ctx.out << "  " << value << "\n";
             }
@@ -62,7 +63,7 @@ int RunDuplicates(Context& ctx) {
             values[0] = std::to_string(++number);
             values[1] = Value(ctx, g.name);
             values[2] = std::to_string(g.size);
-            for (const std::string& hit : g.hits) {
+            for (const std::string_view hit : g.hits) {
                 ValueInto(ctx, hit, true, values[3]);
                 records.Add(values);
             }

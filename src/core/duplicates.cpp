@@ -350,123 +350,79 @@ std::uint64_t HashOf(const FileLine& f, std::string& upper) {
     return hash;
 }
 
-ReadFile Open(const std::string& path) { return OpenForReading(path); }
-
-// One file line's places in one pass: its end (the first CR or LF, or `end`),
-// its first '|' and the last '\' before that '|' (or before the end when the
-// line has no '|'); nullptr where there is none. Sixteen bytes a step where
-// the machine has the instructions, so a line costs a few steps, not a call
-// per character sought.
-struct Cut {
-    const char* eol;
-    const char* bar;
-    const char* slash;
-};
-
-Cut CutLine(const char* p, const char* end) {
-    const char* bar = nullptr;
-    const char* slash = nullptr;
-    const char* q = p;
-#ifdef __SSE2__
-    if (scan::VectorsOn()) {
-        const __m128i cr = _mm_set1_epi8('\r'), lf = _mm_set1_epi8('\n');
-        const __m128i vbar = _mm_set1_epi8('|'), vslash = _mm_set1_epi8('\\');
-        for (; end - q >= 16; q += 16) {
-            const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(q));
-            const auto e = static_cast<unsigned>(
-                _mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi8(v, cr), _mm_cmpeq_epi8(v, lf))));
-            if (!bar) {
-                const unsigned before = e ? (1u << __builtin_ctz(e)) - 1 : 0xffffu;
-                const unsigned b = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(v, vbar))) & before;
-                unsigned sl = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(v, vslash))) & before;
-                if (b) {
-                    bar = q + __builtin_ctz(b);
-                    sl &= (1u << __builtin_ctz(b)) - 1;
-                }
-                if (sl) slash = q + (31 - __builtin_clz(sl));
-            }
-            if (e) return {q + __builtin_ctz(e), bar, slash};
-        }
-    }
-#endif
-    for (; q < end; ++q) {
-        const char c = *q;
-        if (c == '\r' || c == '\n') return {q, bar, slash};
-        if (!bar) {
-            if (c == '|')
-                bar = q;
-            else if (c == '\\')
-                slash = q;
-        }
-    }
-    return {end, bar, slash};
-}
-
 // One catalogue's file lines into `records`: header, the line behind it, the
-// folder lines up to the first empty line, then the file lines up to the next
-// empty line or the end.
-void ScanDisc(ReadStream& file, std::uint64_t disc, std::int64_t minSize, std::vector<char>& buf,
+// folder lines up to the first empty line (passed over by the block scan),
+// then the file lines up to the next empty line or the end. Each block of
+// file lines is marked in one vector pass (its line ends, bars and
+// backslashes as bit masks), and every line takes its end, its first bar and
+// the last backslash before that from the masks: a line costs a few bit
+// steps, not a search per character sought.
+void ScanDisc(LineReader& reader, std::uint64_t disc, std::int64_t minSize, std::vector<std::uint64_t>& masks,
               Records& records) {
-    enum class At { Header, Line2, Folders, Files, Done } at = At::Header;
+    std::string_view line;
+    if (!reader.NextRaw(line) || !reader.NextRaw(line)) return;
+    static const scan::Needle nothing;
+    for (;;) {
+        const std::string_view block = reader.Buffered();
+        if (block.empty()) return;
+        bool empty = true;
+        std::size_t at = 0;
+        if (block[0] != '\r' && block[0] != '\n') {
+            at = scan::NextEvent(block.data(), block.size(), nothing, empty);
+            if (at == block.size()) {
+                reader.Skip(at);
+                continue;
+            }
+        }
+        reader.Skip(at);
+        reader.NextRaw(line);  // the empty line behind the folders
+        break;
+    }
     std::string upper;
-    std::uint64_t base = 0;  // file offset of buf[0]
-    std::size_t have = 0;    // bytes in buf
-    bool eof = false;
-    while (at != At::Done) {
-        if (!eof) {
-            if (have == buf.size()) buf.resize(buf.size() * 2);  // a line longer than the block
-            const std::size_t got = file.Read(buf.data() + have, buf.size() - have);
-            if (got == 0) eof = true;  // the end, or a read error: both end the file
-            have += got;
-        }
-        if (have == 0) return;
-        const char* p = buf.data();
-        const char* end = p + have;
-        for (;;) {
-            Cut cut{};
-            const char* eol = at == At::Files ? (cut = CutLine(p, end)).eol
-                                              : p + scan::FindLineEnd(p, static_cast<std::size_t>(end - p));
-            // A CR as the block's last byte may have its LF still to come.
-            if (eol == end || (eol + 1 == end && *eol == '\r' && !eof)) {
-                if (!eof) break;
-                if (p == end) return;  // nothing after the last line end
+    for (;;) {
+        const std::uint64_t base = reader.ReadUpTo() - reader.Held().size();  // the block's place in the file
+        const std::string_view block = reader.Buffered();
+        if (block.empty()) return;
+        const char* b = block.data();
+        const std::size_t n = block.size(), words = (n + 63) / 64;
+        if (masks.size() < 3 * words) masks.resize(3 * words);
+        std::uint64_t* const bars = masks.data();
+        std::uint64_t* const ends = bars + words;
+        std::uint64_t* const slashes = ends + words;
+        scan::BlockMasks(b, n, bars, ends, slashes);
+        for (std::size_t i = 0; i < n;) {
+            if (b[i] == '\r' || b[i] == '\n') return;  // the empty line behind the files
+            std::size_t eol = n, bar = n, slash = n;
+            for (std::size_t w = i / 64; w < words; ++w) {
+                const std::uint64_t keep = ~std::uint64_t{0} << (w == i / 64 ? i % 64 : 0);
+                const std::uint64_t e = ends[w] & keep;
+                if (bar == n) {
+                    const std::uint64_t before = e ? (e & (0 - e)) - 1 : ~std::uint64_t{0};
+                    const std::uint64_t bb = bars[w] & keep & before;
+                    std::uint64_t sl = slashes[w] & keep & before;
+                    if (bb) {
+                        bar = 64 * w + static_cast<std::size_t>(__builtin_ctzll(bb));
+                        sl &= (bb & (0 - bb)) - 1;
+                    }
+                    if (sl) slash = 64 * w + 63 - static_cast<std::size_t>(__builtin_clzll(sl));
+                }
+                if (e) {
+                    eol = 64 * w + static_cast<std::size_t>(__builtin_ctzll(e));
+                    break;
+                }
             }
-            switch (at) {
-            case At::Header: at = At::Line2; break;
-            case At::Line2: at = At::Folders; break;
-            case At::Folders:
-                if (eol == p) at = At::Files;
-                break;
-            case At::Files: {
-                if (eol == p) {
-                    at = At::Done;
-                    break;
-                }
-                if (!cut.bar) break;
-                std::int64_t size;
-                if (!SizeField(cut.bar + 1, eol, size) || Bytes(size) < minSize) break;
-                const std::uint64_t offset = base + static_cast<std::uint64_t>(p - buf.data());
-                if (offset > kOffsetMask) {
-                    at = At::Done;
-                    break;
-                }
-                const char* name = cut.slash ? cut.slash + 1 : p;
-                const FileLine f{{p, static_cast<std::size_t>(cut.bar - p)},
-                                 {name, static_cast<std::size_t>(cut.bar - name)},
-                                 size};
+            std::int64_t size;
+            if (bar != n && SizeField(b + bar + 1, b + eol, size) && Bytes(size) >= minSize) {
+                const std::uint64_t offset = base + i;
+                if (offset > kOffsetMask) return;
+                const std::size_t name = slash == n ? i : slash + 1;
+                const FileLine f{{b + i, bar - i}, {b + name, bar - name}, size};
                 records.Add(HashOf(f, upper), disc << kOffsetBits | offset);
-                break;
             }
-            case At::Done: break;
-            }
-            if (at == At::Done || eol == end) return;
-            p = eol + 1;
-            if (*eol == '\r' && p < end && *p == '\n') ++p;
+            i = eol + 1;
+            if (eol < n && b[eol] == '\r' && i < n && b[i] == '\n') ++i;
         }
-        const std::size_t used = static_cast<std::size_t>(p - buf.data());
-        std::memmove(buf.data(), p, have - used);
-        have -= used;
-        base += used;
+        reader.Skip(n);
     }
 }
 
@@ -534,12 +490,13 @@ std::vector<Candidate> CandidatesOf(Records (&records)[2], bool twoThreads) {
     return std::move(found[0]);
 }
 
-// A candidate read again: what its group and hit need, as places in one
-// arena of bytes.
+// A candidate read again: its hash and size, and in the arena of its reader
+// its name as compared and its hit text (label, '\\', path as UTF-8), whose
+// last `nameLen` bytes are the name as the lists show it.
 struct Fetched {
-    std::uint64_t where, hash;
+    std::uint64_t hash;
     std::int64_t size;
-    std::uint32_t upperAt, upperLen, nameAt, nameLen, pathAt, pathLen;
+    std::uint32_t disc, upperAt, upperLen, hitAt, hitLen, nameLen;
 };
 
 // Reads the lines of one disc's candidates (in offset order) from its
@@ -547,9 +504,9 @@ struct Fetched {
 // far apart cost a small read each and a dense run a few large ones. A
 // catalogue rewritten since the pass may hold another line there now: a line
 // that no longer gives its hash is left out, never taken for a copy.
-void FetchDisc(const std::string& path, const Candidate* first, const Candidate* last, std::vector<char>& buf,
-               std::string& arena, std::vector<Fetched>& out) {
-    ReadFile file = Open(path);
+void FetchDisc(ReadFolder& folder, const std::string& label, std::uint32_t disc, const Candidate* first,
+               const Candidate* last, std::vector<char>& buf, std::string& arena, std::vector<Fetched>& out) {
+    const ReadFile file = folder.Open(CatalogueName(label), nullptr, nullptr);
     if (!file) return;
     // A read costs about as much as copying a few kilobytes: lines closer
     // than that share one.
@@ -591,16 +548,24 @@ void FetchDisc(const std::string& path, const Candidate* first, const Candidate*
         }
         FileLine f;
         if (!ParseFileLine(line, static_cast<std::size_t>(eol - line), f)) continue;
-        if (HashOf(f, upper) != c->hash) continue;
+        const std::uint64_t hash = HashOf(f, upper);
+        if (hash != c->hash) continue;
         UpperName(upper, f.name);
         const auto at = static_cast<std::uint32_t>(arena.size());
         arena += upper;
-        arena += f.path;
-        const auto pathAt = static_cast<std::uint32_t>(at + upper.size());
-        out.push_back({c->where, c->hash, f.size, at, static_cast<std::uint32_t>(upper.size()),
-                       static_cast<std::uint32_t>(pathAt + (f.name.data() - f.path.data())),
-                       static_cast<std::uint32_t>(f.name.size()), pathAt,
-                       static_cast<std::uint32_t>(f.path.size())});
+        arena += label;
+        arena += '\\';
+        const std::size_t pathAt = arena.size();
+        if (IsValidUtf8(f.path))
+            arena += f.path;  // as DecodeLine takes it, without a copy between
+        else
+            arena += DecodeLine(f.path);
+        const std::size_t slash = std::string_view(arena).substr(pathAt).rfind('\\');
+        const std::size_t nameAt = slash == std::string_view::npos ? pathAt : pathAt + slash + 1;
+        const auto hitAt = static_cast<std::uint32_t>(at + upper.size());
+        out.push_back({hash, f.size, disc, at, static_cast<std::uint32_t>(upper.size()), hitAt,
+                       static_cast<std::uint32_t>(arena.size() - hitAt),
+                       static_cast<std::uint32_t>(arena.size() - nameAt)});
     }
 }
 
@@ -617,7 +582,7 @@ std::int64_t Bytes(std::int64_t storedSize) {
     return storedSize < 0 && storedSize >= INT32_MIN ? storedSize + (std::int64_t{1} << 32) : storedSize;
 }
 
-std::vector<DuplicateGroup> FindDuplicates(const std::string& dataFolder,
+Duplicates FindDuplicates(const std::string& dataFolder,
                                            const std::vector<std::string>& labels, std::int64_t minSize,
                                            const std::function<bool(std::size_t, std::size_t)>& progress) {
     // Two passes take every other disc (the same split every run), each into
@@ -643,7 +608,9 @@ std::vector<DuplicateGroup> FindDuplicates(const std::string& dataFolder,
                 heard.notify_one();
             }
         } release{heard, stop, t == 0};
-        std::vector<char> buf(gBlock);
+        LineReader reader(gBlock);
+        std::vector<std::uint64_t> masks;
+        const std::unique_ptr<ReadFolder> folder = OpenFolderForReading(dataFolder);
         for (std::size_t disc = twoThreads ? t : 0;; disc += twoThreads ? 2 : 1) {
             if (t == 0) {
                 const std::size_t upTo = std::min(disc + (twoThreads ? 3 : 1), discs);
@@ -656,99 +623,101 @@ std::vector<DuplicateGroup> FindDuplicates(const std::string& dataFolder,
                 for (std::size_t h; disc < discs && (h = heard) <= disc;) heard.wait(h);
             }
             if (disc >= discs || stop) return;
-            const ReadFile file = Open(CataloguePath(dataFolder, labels[disc]));
-            if (file) ScanDisc(*file, disc, minSize, buf, records[t]);
+            if (reader.Open(*folder, CatalogueName(labels[disc]))) ScanDisc(reader, disc, minSize, masks, records[t]);
         }
     };
     InTwo(twoThreads, pass);
-    std::vector<Candidate> candidates = CandidatesOf(records, twoThreads);
+    std::vector<Candidate> met = CandidatesOf(records, twoThreads);
     for (Records& r : records) r = Records();
-    std::sort(candidates.begin(), candidates.end(),
-              [](const Candidate& a, const Candidate& b) { return a.where < b.where; });
 
-    // Read again in two halves of whole discs, the first half's lines first.
-    std::size_t half = candidates.size() / 2;
-    while (half > 0 && half < candidates.size() &&
-           (candidates[half].where >> kOffsetBits) == (candidates[half - 1].where >> kOffsetBits))
-        ++half;
+    // The candidates by disc (each disc's in line order), then read again in
+    // two halves of whole discs, the first half's lines first.
+    std::vector<std::size_t> from(discs + 1, 0);
+    for (const Candidate& c : met) ++from[(c.where >> kOffsetBits) + 1];
+    for (std::size_t d = 0; d < discs; ++d) from[d + 1] += from[d];
+    std::vector<Candidate> candidates(met.size());
+    {
+        std::vector<std::size_t> at(from.begin(), from.end() - 1);
+        for (const Candidate& c : met) candidates[at[c.where >> kOffsetBits]++] = c;
+    }
+    met = {};
+    std::size_t half = 0;
+    while (half < discs && 2 * from[half] < candidates.size()) ++half;
     std::vector<Fetched> got[2];
-    std::string bytesOf[2];
+    std::unique_ptr<std::string> arena[2] = {std::make_unique<std::string>(), std::make_unique<std::string>()};
     const auto fetch = [&](int t) {
         std::vector<char> buf;
-        const std::size_t from = t ? half : 0, to = t ? candidates.size() : half;
+        const std::unique_ptr<ReadFolder> folder = OpenFolderForReading(dataFolder);
+        const std::size_t first = t ? half : 0, last = t ? discs : half;
         // Room for all at once: a growing arena would copy itself again and
         // again, and fresh pages cost more here than the lines themselves.
         // (Pages that stay unwritten cost nothing.)
-        got[t].reserve(t ? to - from : candidates.size());
-        bytesOf[t].reserve((t ? to - from : candidates.size()) * 256);
-        for (std::size_t i = from, j; i < to; i = j) {
-            const std::uint64_t disc = candidates[i].where >> kOffsetBits;
-            for (j = i + 1; j < to && (candidates[j].where >> kOffsetBits) == disc;) ++j;
-            FetchDisc(CataloguePath(dataFolder, labels[disc]), candidates.data() + i, candidates.data() + j,
-                      buf, bytesOf[t], got[t]);
+        const std::size_t n = from[last] - from[first];
+        got[t].reserve(n);
+        arena[t]->reserve(n * 256);
+        for (std::size_t d = first; d < last; ++d) {
+            if (from[d] == from[d + 1]) continue;
+            Candidate* const b = candidates.data() + from[d];
+            Candidate* const e = candidates.data() + from[d + 1];
+            std::sort(b, e, [](const Candidate& x, const Candidate& y) { return x.where < y.where; });
+            FetchDisc(*folder, labels[d], static_cast<std::uint32_t>(d), b, e, buf, *arena[t], got[t]);
         }
     };
     InTwo(twoThreads, fetch);
     candidates = {};
 
-    // Copy k is the first half's k-th, or the second half's (k - first's
-    // size)-th: the halves stay where they were read into, not copied together.
-    const std::size_t firstHalf = got[0].size();
-    const auto fetched = [&](std::size_t k) -> const Fetched& {
-        return k < firstHalf ? got[0][k] : got[1][k - firstHalf];
+    // The copies brought together by hash in the order they were read (disc,
+    // then line order), each hash's copies then told apart by name and size,
+    // for a hash may stand for more than one pair where hashes meet.
+    struct Pair {
+        std::uint32_t first, last, count;  // copies, chained through `next`
+        std::uint32_t otherPair;           // the next pair of the same hash, or kNone
+        bool manyDiscs;
     };
-    const auto bytes = [&](std::size_t k, std::uint32_t at, std::uint32_t len) {
-        return std::string_view(bytesOf[k < firstHalf ? 0 : 1].data() + at, len);
+    constexpr std::uint32_t kNone = UINT32_MAX;
+    const std::size_t copies = got[0].size() + got[1].size();
+    const auto copy = [&](std::uint32_t k) -> const Fetched& {
+        return k < got[0].size() ? got[0][k] : got[1][k - got[0].size()];
     };
-
-    // The copies of one hash in disc and line order; a hash may stand for
-    // more than one (name, size) when hashes meet, so the names decide.
-    // (They stand in line order already; an order of small keys is sorted, not them.)
-    std::vector<std::pair<std::uint64_t, std::uint32_t>> order(firstHalf + got[1].size());
-    for (std::size_t i = 0; i < order.size(); ++i)
-        order[i] = {fetched(i).hash, static_cast<std::uint32_t>(i)};
-    std::sort(order.begin(), order.end());
-    std::vector<DuplicateGroup> groups;
-    std::vector<bool> taken;
-    std::vector<std::size_t> members;
-    for (std::size_t i = 0, j; i < order.size(); i = j) {
-        for (j = i + 1; j < order.size() && order[j].first == order[i].first;) ++j;
-        taken.assign(j - i, false);
-        for (std::size_t a = i; a < j; ++a) {
-            if (taken[a - i]) continue;
-            const std::size_t h = order[a].second;
-            const Fetched& head = fetched(h);
-            const std::string_view upper = bytes(h, head.upperAt, head.upperLen);
-            bool manyDiscs = false;
-            members.clear();
-            for (std::size_t b = a; b < j; ++b) {
-                const Fetched& f = fetched(order[b].second);
-                if (taken[b - i] || f.size != head.size ||
-                    bytes(order[b].second, f.upperAt, f.upperLen) != upper)
-                    continue;
-                taken[b - i] = true;
-                members.push_back(order[b].second);
-                manyDiscs = manyDiscs || (f.where >> kOffsetBits) != (head.where >> kOffsetBits);
+    const auto text = [&](std::uint32_t k, std::uint32_t at, std::uint32_t len) {
+        return std::string_view(*arena[k < got[0].size() ? 0 : 1]).substr(at, len);
+    };
+    std::vector<Pair> pairs;
+    std::vector<std::uint32_t> next(copies, kNone);
+    std::vector<std::uint32_t> table(std::bit_ceil(2 * copies + 2), kNone);  // a hash's first pair
+    const std::size_t mask = table.size() - 1;
+    for (std::uint32_t k = 0; k < copies; ++k) {
+        const Fetched& f = copy(k);
+        std::size_t i = static_cast<std::size_t>(f.hash) & mask;
+        while (table[i] != kNone && copy(pairs[table[i]].first).hash != f.hash) i = (i + 1) & mask;
+        std::uint32_t* link = &table[i];
+        while (*link != kNone) {
+            Pair& p = pairs[*link];
+            const Fetched& head = copy(p.first);
+            if (head.size == f.size && text(p.first, head.upperAt, head.upperLen) == text(k, f.upperAt, f.upperLen)) {
+                next[p.last] = k;
+                p.last = k;
+                ++p.count;
+                p.manyDiscs = p.manyDiscs || head.disc != f.disc;
+                break;
             }
-            if (!manyDiscs) continue;
-            DuplicateGroup g;
-            g.name = DecodeLine(bytes(h, head.nameAt, head.nameLen));
-            g.size = head.size;
-            g.hits.reserve(members.size());
-            for (const std::size_t m : members) {
-                const std::string& label = labels[fetched(m).where >> kOffsetBits];
-                const std::string_view path = bytes(m, fetched(m).pathAt, fetched(m).pathLen);
-                std::string& hit = g.hits.emplace_back();
-                hit.reserve(label.size() + 1 + path.size());
-                hit += label;
-                hit += '\\';
-                if (IsValidUtf8(path))
-                    hit += path;  // as DecodeLine takes it, without a copy between
-                else
-                    hit += DecodeLine(path);
-            }
-            groups.push_back(std::move(g));
+            link = &p.otherPair;
         }
+        if (*link == kNone) {
+            *link = static_cast<std::uint32_t>(pairs.size());
+            pairs.push_back({k, k, 1, kNone, false});
+        }
+    }
+    std::vector<DuplicateGroup> groups;
+    for (const Pair& p : pairs) {
+        if (!p.manyDiscs) continue;
+        DuplicateGroup& g = groups.emplace_back();
+        const Fetched& head = copy(p.first);
+        const std::string_view hit = text(p.first, head.hitAt, head.hitLen);
+        g.name = hit.substr(hit.size() - head.nameLen);
+        g.size = head.size;
+        g.hits.reserve(p.count);
+        for (std::uint32_t k = p.first; k != kNone; k = next[k]) g.hits.emplace_back(text(k, copy(k).hitAt, copy(k).hitLen));
     }
 
     // Largest first, then by name in list order, each name's key made once
@@ -764,10 +733,11 @@ std::vector<DuplicateGroup> FindDuplicates(const std::string& dataFolder,
         if (keys[x] != keys[y]) return keys[x] < keys[y];
         return a.hits < b.hits;
     });
-    std::vector<DuplicateGroup> sorted;
-    sorted.reserve(groups.size());
-    for (std::size_t i : byRank) sorted.push_back(std::move(groups[i]));
-    return sorted;
+    Duplicates found;
+    found.groups.reserve(groups.size());
+    for (std::size_t i : byRank) found.groups.push_back(std::move(groups[i]));
+    for (int t = 0; t < 2; ++t) found.text[t] = std::move(arena[t]);
+    return found;
 }
 
 }  // namespace ct

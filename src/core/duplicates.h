@@ -12,15 +12,23 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace ct {
 
+// A group's texts stand in the text of the Duplicates that holds it (one
+// string per group would cost more than finding the copies).
 struct DuplicateGroup {
-    std::string name;               // the first copy's name as stored
-    std::int64_t size = 0;          // bytes, as the catalogue's Size field
-    std::vector<std::string> hits;  // each copy's hit text (label, '\', Path), in disc and catalogue order
+    std::string_view name;               // the first copy's name, as UTF-8
+    std::int64_t size = 0;               // bytes, as the catalogue's Size field
+    std::vector<std::string_view> hits;  // each copy's hit text (label, '\', Path), in disc and catalogue order
+};
+struct Duplicates {
+    std::vector<DuplicateGroup> groups;
+    std::unique_ptr<std::string> text[2];  // where the groups' texts stand
 };
 
 // A file of 2 to 4 GiB stands in a catalogue with a negative size (the low 32
@@ -34,7 +42,7 @@ std::int64_t Bytes(std::int64_t storedSize);
 // order them. `progress` hears each disc's number from 1, in order, on the
 // calling thread (a disc or two before it is read), and may stop the run by
 // returning false (the groups of the discs read so far are then returned).
-std::vector<DuplicateGroup> FindDuplicates(
+Duplicates FindDuplicates(
     const std::string& dataFolder, const std::vector<std::string>& labels, std::int64_t minSize,
     const std::function<bool(std::size_t disc, std::size_t discs)>& progress = {});
 

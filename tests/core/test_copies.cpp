@@ -131,9 +131,10 @@ TEST(FindDuplicates, SameNameAndSizeOnTwoDiscsLargestFirst) {
             heard.push_back(disc * 10 + discs);
             return true;
         };
-        for (const DuplicateGroup& g : FindDuplicates(s.Path(), row.labels, row.minSize, progress)) {
-            std::string text = g.name + " " + std::to_string(g.size) + ":";
-            for (const std::string& hit : g.hits) text += " " + hit;
+        const Duplicates found = FindDuplicates(s.Path(), row.labels, row.minSize, progress);
+        for (const DuplicateGroup& g : found.groups) {
+            std::string text = std::string(g.name) + " " + std::to_string(g.size) + ":";
+            for (const std::string_view hit : g.hits) text.append(" ").append(hit);
             said.push_back(text);
         }
         EXPECT_EQ(said, row.expected);
@@ -147,7 +148,7 @@ TEST(FindDuplicates, SameNameAndSizeOnTwoDiscsLargestFirst) {
     SetDuplicateSeamsForTesting(64, 1 << 18, true);
     EXPECT_TRUE(FindDuplicates(s.Path(), {"Eins", "Zwei", "Drei"}, 0, [](std::size_t, std::size_t) {
                     return false;
-                }).empty());
+                }).groups.empty());
     EXPECT_THROW(FindDuplicates(s.Path(), {"Eins", "Zwei", "Drei"}, 0,
                                 [](std::size_t disc, std::size_t) -> bool { return disc < 2 || (throw 7, false); }),
                  int);
