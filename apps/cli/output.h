@@ -3,6 +3,7 @@
 // catalogue's '\' paths. Text output stays with each command, for people.
 #pragma once
 
+#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -39,8 +40,10 @@ public:
     ~Records();  // closes the JSON document
     // The values in the order of the fields, already passed through Value().
     void Add(const std::vector<std::string>& values);
+    void Add(std::initializer_list<std::string_view> values) { Add(values.begin(), values.size()); }
 
 private:
+    void Add(const std::string_view* values, std::size_t count);
     const Context& ctx_;
     std::vector<Field> fields_;
     bool single_;
