@@ -25,24 +25,31 @@
 namespace ct {
 namespace {
 
-// The pass keeps one of these per file line and nothing else: a hash of the
-// (name as compared, size) and where the line stands (the disc above bit 40,
-// the line's byte offset in its catalogue below). No string, no node: parting
+// The pass keeps eight bytes per file line and nothing else: 24 bits of a
+// hash of the (name as compared, size) above the line's place among all the
+// bytes its pass read (40 bits); the top 8 bits of the hash name the part the
+// record is kept in, so 32 bits of it are known. No string, no node: parting
 // the records by hash brings every possible copy together, and only hashes
-// found on two discs are looked at again.
-struct Record {
-    std::uint64_t hash;
-    std::uint64_t where;
-};
-constexpr int kOffsetBits = 40;
+// found on two discs are looked at again. Hashes that meet without being one
+// pair make candidates the names then tell apart (a few hundred in two
+// million lines).
+using Record = std::uint64_t;
+constexpr int kPlaceBits = 40;
+constexpr std::uint64_t kPlaceMask = (std::uint64_t{1} << kPlaceBits) - 1;
+constexpr int kOffsetBits = 40;  // where a line stands: the disc above, its offset in the catalogue below
 constexpr std::uint64_t kOffsetMask = (std::uint64_t{1} << kOffsetBits) - 1;
 constexpr std::size_t kMaxDiscs = std::size_t{1} << (63 - kOffsetBits);  // a pair's slot takes the top bit
 constexpr int kPartBits = 8;
 constexpr std::size_t kParts = std::size_t{1} << kPartBits;
+constexpr std::uint64_t kKeyMask = (std::uint64_t{1} << (32 - kPartBits)) - 1;
+
+// The 32 bits of a hash the records keep (its part above, its key below).
+std::uint32_t ShortHash(std::uint64_t hash) { return static_cast<std::uint32_t>(hash >> 32); }
 
 // A line whose pair may stand on two discs or more, to be read again.
 struct Candidate {
-    std::uint64_t where, hash;
+    std::uint64_t where;
+    std::uint32_t hash;  // ShortHash
 };
 
 // How many records a pass keeps before it looks whether to fold them.
@@ -54,8 +61,8 @@ std::size_t gFoldAt = std::size_t{1} << 20;
 // it, and no second array is needed to part them afterwards. (So few parts
 // that the ends they are written at stay in the cache too.)
 //
-// Sixteen bytes a line is the least a collection of few copies can cost;
-// one of many copies would pay that per copy. So when a pass holds gFoldAt
+// Eight bytes a line is the least a collection of few copies can cost; one
+// of many copies would pay that per copy. So when a pass holds gFoldAt
 // records, and again at every doubling, it looks how many lines a pair has:
 // at two or more it folds the records into a table of pairs per part (hash,
 // first line), frees them, and from then on folds a part whenever it holds
@@ -67,10 +74,22 @@ class Records {
 public:
     std::vector<Candidate> candidates, later;  // once folded
 
-    void Add(std::uint64_t hash, std::uint64_t where) {
+    // The lines of disc `disc` follow, at their offsets in its catalogue;
+    // false when this pass has read all the bytes its places can tell.
+    bool BeginDisc(std::size_t disc) {
+        if (next_ > kPlaceMask) return false;
+        starts_.push_back(next_);
+        discs_.push_back(disc);
+        return true;
+    }
+    // The last disc's catalogue was read up to `bytes`.
+    void EndDisc(std::uint64_t bytes) { next_ = starts_.back() + bytes + 1; }
+    bool Fits(std::uint64_t offset) const { return starts_.back() + offset <= kPlaceMask; }
+
+    void Add(std::uint64_t hash, std::uint64_t offset) {
         Part& p = parts_[hash >> (64 - kPartBits)];
         if (p.at == p.end) NewChunk(p);
-        *p.at++ = {hash, where};
+        *p.at++ = (ShortHash(hash) & kKeyMask) << kPlaceBits | (starts_.back() + offset);
         if (!folded_) {
             if (++kept_ == checkAt_) CheckFold();
         } else if (++p.fresh > p.used) {
@@ -89,6 +108,7 @@ public:
                    ? 0
                    : (p.chunks.size() - 1) * kChunk + static_cast<std::size_t>(p.at - p.chunks.back());
     }
+    // The records of a part in the order they came, so in rising places.
     template <typename F>
     void ForEach(std::size_t part, F&& f) const {
         const Part& p = parts_[part];
@@ -96,6 +116,36 @@ public:
             for (const Record *r = p.chunks[c], *end = c + 1 == p.chunks.size() ? p.at : r + kChunk; r != end;
                  ++r)
                 f(*r);
+    }
+    // Where the lines of records met in rising places stand: their disc and
+    // their offset in its catalogue.
+    class Placer {
+    public:
+        explicit Placer(const Records& records) : r_(records) { Move(0); }
+        std::uint64_t Where(Record record) {
+            const std::uint64_t place = record & kPlaceMask;
+            if (place >= next_)
+                Move(static_cast<std::size_t>(std::upper_bound(r_.starts_.begin(), r_.starts_.end(), place) -
+                                              r_.starts_.begin() - 1));
+            return disc_ | (place - start_);
+        }
+
+    private:
+        void Move(std::size_t i) {
+            if (i >= r_.starts_.size()) return;  // no disc yet: no record either
+            start_ = r_.starts_[i];
+            next_ = i + 1 < r_.starts_.size() ? r_.starts_[i + 1] : UINT64_MAX;
+            disc_ = static_cast<std::uint64_t>(r_.discs_[i]) << kOffsetBits;
+        }
+        const Records& r_;
+        std::uint64_t start_ = 0, next_ = UINT64_MAX, disc_ = 0;  // the disc the last place stood on
+    };
+    // Where the index-th record of a part (in the order ForEach gives them)
+    // stands.
+    std::uint64_t WhereOf(std::size_t part, std::size_t index) const {
+        const Record r = parts_[part].chunks[index / kChunk][index % kChunk];
+        Placer placer(*this);
+        return placer.Where(r);
     }
     // Once folded: takes `other`'s pairs of the parts [from, to) into these.
     // The two passes read different discs, so a pair both hold is many.
@@ -115,9 +165,9 @@ public:
                 }
             }
     }
-    // Once folded: whether the pair of `hash` was met on two discs.
-    bool Many(std::uint64_t hash) {
-        Part& p = parts_[hash >> (64 - kPartBits)];
+    // Once folded: whether the pair of `hash` (a ShortHash) was met on two discs.
+    bool Many(std::uint32_t hash) {
+        Part& p = parts_[hash >> (32 - kPartBits)];
         return !p.slots.empty() && (Find(p, hash).first & kMany);
     }
 
@@ -126,9 +176,10 @@ private:
     // file line never stands at the start of its catalogue).
     static constexpr std::uint64_t kMany = std::uint64_t{1} << 63;
     struct Slot {
-        std::uint64_t hash, first;
+        std::uint64_t first;  // where the pair's first line stands
+        std::uint32_t hash;   // ShortHash
     };
-    static constexpr std::size_t kChunk = 512, kBlock = std::size_t{1} << 16;  // records
+    static constexpr std::size_t kChunk = 1024, kBlock = std::size_t{1} << 17;  // records
     struct Part {
         Record* at = nullptr;
         Record* end = nullptr;
@@ -137,9 +188,9 @@ private:
         std::vector<Slot> slots;
         std::size_t used = 0;  // slots
     };
-    static Slot& Find(Part& p, std::uint64_t hash) {
+    static Slot& Find(Part& p, std::uint32_t hash) {
         const std::size_t mask = p.slots.size() - 1;
-        for (auto i = static_cast<std::size_t>(hash >> 16) & mask;; i = (i + 1) & mask)
+        for (auto i = static_cast<std::size_t>(hash) & mask;; i = (i + 1) & mask)
             if (!p.slots[i].first || p.slots[i].hash == hash) return p.slots[i];
     }
     // After a slot was taken: a table at most three quarters full.
@@ -167,17 +218,21 @@ private:
         p.fresh = 0;
         if (p.chunks.empty()) return;
         if (p.slots.empty()) p.slots.assign(16, Slot{0, 0});
-        ForEach(static_cast<std::size_t>(&p - parts_.data()), [&](const Record& r) {
-            Slot& s = Find(p, r.hash);
+        const auto part = static_cast<std::uint32_t>(&p - parts_.data());
+        Placer placer(*this);
+        ForEach(part, [&](Record r) {
+            const std::uint32_t hash = part << (32 - kPartBits) | static_cast<std::uint32_t>(r >> kPlaceBits);
+            const std::uint64_t where = placer.Where(r);
+            Slot& s = Find(p, hash);
             if (!s.first) {
-                s = {r.hash, r.where};
+                s = {where, hash};
                 Added(p);
-            } else if (s.first >> kOffsetBits == r.where >> kOffsetBits) {
-                later.push_back({r.where, r.hash});
+            } else if ((s.first & ~kMany) >> kOffsetBits == where >> kOffsetBits) {
+                later.push_back({where, hash});
             } else {
-                if (!(s.first & kMany)) candidates.push_back({s.first, s.hash});
+                if (!(s.first & kMany)) candidates.push_back({s.first, hash});
                 s.first |= kMany;
-                candidates.push_back({r.where, r.hash});
+                candidates.push_back({where, hash});
             }
         });
         free_.insert(free_.end(), p.chunks.begin(), p.chunks.end());
@@ -188,6 +243,9 @@ private:
     std::vector<std::unique_ptr<Record[]>> blocks_;
     std::vector<Record*> free_;  // chunks folded, to be written again
     std::size_t left_ = 0;       // chunks not yet cut from the last block
+    std::vector<std::uint64_t> starts_;  // each disc's first place, rising
+    std::vector<std::size_t> discs_;     // and its number
+    std::uint64_t next_ = 0;
     // Folds once the records hold at least two lines a pair, as the fullest
     // part shows them (the hash spreads the pairs evenly over the parts);
     // else looks again at twice as many.
@@ -196,11 +254,11 @@ private:
         for (std::size_t b = 1; b < kParts; ++b)
             if (Count(b) > Count(fullest)) fullest = b;
         const std::size_t n = Count(fullest);
-        std::vector<std::uint64_t> seen(std::bit_ceil(2 * n + 2), 0);
+        std::vector<std::uint32_t> seen(std::bit_ceil(2 * n + 2), 0);
         std::size_t pairs = 0;
-        ForEach(fullest, [&](const Record& r) {
-            const std::uint64_t h = r.hash | 1;  // 0 marks a free place
-            std::size_t i = static_cast<std::size_t>(h >> 16) & (seen.size() - 1);
+        ForEach(fullest, [&](Record r) {
+            const auto h = static_cast<std::uint32_t>(r >> kPlaceBits) + 1;  // 0 marks a free place
+            std::size_t i = h & (seen.size() - 1);
             while (seen[i] && seen[i] != h) i = (i + 1) & (seen.size() - 1);
             if (!seen[i]) seen[i] = h, ++pairs;
         });
@@ -357,8 +415,7 @@ std::uint64_t HashOf(const FileLine& f, std::string& upper) {
 // backslashes as bit masks), and every line takes its end, its first bar and
 // the last backslash before that from the masks: a line costs a few bit
 // steps, not a search per character sought.
-void ScanDisc(LineReader& reader, std::uint64_t disc, std::int64_t minSize, std::vector<std::uint64_t>& masks,
-              Records& records) {
+void ScanDisc(LineReader& reader, std::int64_t minSize, std::vector<std::uint64_t>& masks, Records& records) {
     std::string_view line;
     if (!reader.NextRaw(line) || !reader.NextRaw(line)) return;
     static const scan::Needle nothing;
@@ -414,10 +471,10 @@ void ScanDisc(LineReader& reader, std::uint64_t disc, std::int64_t minSize, std:
             std::int64_t size;
             if (bar != n && SizeField(b + bar + 1, b + eol, size) && Bytes(size) >= minSize) {
                 const std::uint64_t offset = base + i;
-                if (offset > kOffsetMask) return;
+                if (offset > kOffsetMask || !records.Fits(offset)) return;
                 const std::size_t name = slash == n ? i : slash + 1;
                 const FileLine f{{b + i, bar - i}, {b + name, bar - name}, size};
-                records.Add(HashOf(f, upper), disc << kOffsetBits | offset);
+                records.Add(HashOf(f, upper), offset);
             }
             i = eol + 1;
             if (eol < n && b[eol] == '\r' && i < n && b[i] == '\n') ++i;
@@ -448,15 +505,21 @@ std::vector<Candidate> CandidatesOf(Records (&records)[2], bool twoThreads) {
                 if (records[0].Many(l.hash)) out.push_back(l);
         return out;
     }
+    // Each part's records, both passes', go once through a table of the
+    // pairs met, each with its first record; a line on another disc than its
+    // pair's first makes the pair many and both lines candidates, as does
+    // every later line of a pair known to be many. A line on the first disc
+    // of a pair not yet many waits till the part's end. Only a pair met again
+    // asks where its lines stand.
     struct Seen {
-        std::uint32_t hash;
-        std::uint32_t disc;  // the first disc + 1, the top bit set once met on another; 0: a free slot
+        std::uint32_t key;
+        std::uint32_t first;  // 1 + the pass (top bit) and index of the first record; 0: a free slot
     };
-    constexpr std::uint32_t kMany = 0x80000000u;
-    const auto key = [](std::uint64_t hash) { return static_cast<std::uint32_t>(hash >> (32 - kPartBits)); };
+    constexpr std::uint32_t kMany = UINT32_MAX;  // as `first`: the pair was met on two discs
     std::vector<Candidate> found[2];
     const auto look = [&](int t) {
         std::vector<Seen> table;
+        std::vector<Candidate> waiting;
         std::vector<Candidate>& candidates = found[t];
         for (std::size_t b = t * kParts / 2; b < (t + 1) * kParts / 2; ++b) {
             const std::size_t n = records[0].Count(b) + records[1].Count(b);
@@ -464,25 +527,40 @@ std::vector<Candidate> CandidatesOf(Records (&records)[2], bool twoThreads) {
             std::size_t size = 16;
             while (size < 2 * n) size *= 2;
             table.assign(size, Seen{0, 0});
-            const auto slot = [&](std::uint64_t hash) -> Seen& {
-                for (std::size_t i = hash & (size - 1);; i = (i + 1) & (size - 1))
-                    if (!table[i].disc || table[i].hash == key(hash)) return table[i];
+            const auto slot = [&](std::uint32_t key) -> Seen& {
+                std::size_t i = key & (size - 1);
+                while (table[i].first && table[i].key != key) i = (i + 1) & (size - 1);
+                return table[i];
             };
-            bool any = false;
-            for (const Records& part : records)
-                part.ForEach(b, [&](const Record& r) {
-                    Seen& s = slot(r.hash);
-                    const auto disc = static_cast<std::uint32_t>(r.where >> kOffsetBits) + 1;
-                    if (!s.disc)
-                        s = {key(r.hash), disc};
-                    else if ((s.disc & ~kMany) != disc)
-                        s.disc |= kMany, any = true;
+            const auto high = static_cast<std::uint32_t>(b) << (32 - kPartBits);
+            waiting.clear();
+            for (std::uint32_t pass = 0; pass < 2; ++pass) {
+                Records::Placer placer(records[pass]);
+                std::uint32_t index = pass << 31;
+                records[pass].ForEach(b, [&](Record r) {
+                    const auto key = static_cast<std::uint32_t>(r >> kPlaceBits);
+                    Seen& s = slot(key);
+                    if (!s.first) {
+                        s = {key, index + 1};
+                    } else if (s.first == kMany) {
+                        candidates.push_back({placer.Where(r), high | key});
+                    } else {
+                        const std::uint32_t first = s.first - 1;
+                        const std::uint64_t firstAt = records[first >> 31].WhereOf(b, first & 0x7fffffffu);
+                        const std::uint64_t where = placer.Where(r);
+                        if (firstAt >> kOffsetBits == where >> kOffsetBits) {
+                            waiting.push_back({where, key});
+                        } else {
+                            s.first = kMany;
+                            candidates.push_back({firstAt, high | key});
+                            candidates.push_back({where, high | key});
+                        }
+                    }
+                    ++index;
                 });
-            if (!any) continue;
-            for (const Records& part : records)
-                part.ForEach(b, [&](const Record& r) {
-                    if (slot(r.hash).disc & kMany) candidates.push_back({r.where, r.hash});
-                });
+            }
+            for (const Candidate& w : waiting)
+                if (slot(w.hash).first == kMany) candidates.push_back({w.where, high | w.hash});
         }
     };
     InTwo(twoThreads, look);
@@ -549,7 +627,7 @@ void FetchDisc(ReadFolder& folder, const std::string& label, std::uint32_t disc,
         FileLine f;
         if (!ParseFileLine(line, static_cast<std::size_t>(eol - line), f)) continue;
         const std::uint64_t hash = HashOf(f, upper);
-        if (hash != c->hash) continue;
+        if (ShortHash(hash) != c->hash) continue;
         UpperName(upper, f.name);
         const auto at = static_cast<std::uint32_t>(arena.size());
         arena += upper;
@@ -623,7 +701,10 @@ Duplicates FindDuplicates(const std::string& dataFolder,
                 for (std::size_t h; disc < discs && (h = heard) <= disc;) heard.wait(h);
             }
             if (disc >= discs || stop) return;
-            if (reader.Open(*folder, CatalogueName(labels[disc]))) ScanDisc(reader, disc, minSize, masks, records[t]);
+            if (reader.Open(*folder, CatalogueName(labels[disc])) && records[t].BeginDisc(disc)) {
+                ScanDisc(reader, minSize, masks, records[t]);
+                records[t].EndDisc(reader.ReadUpTo());
+            }
         }
     };
     InTwo(twoThreads, pass);
@@ -736,7 +817,26 @@ Duplicates FindDuplicates(const std::string& dataFolder,
     Duplicates found;
     found.groups.reserve(groups.size());
     for (std::size_t i : byRank) found.groups.push_back(std::move(groups[i]));
-    for (int t = 0; t < 2; ++t) found.text[t] = std::move(arena[t]);
+
+    // The texts copied together in the order they are listed. Where they were
+    // read they lie a disc apart, and a listing that takes them from there
+    // waits on memory at every copy; this loop asks for each a few copies
+    // ahead.
+    std::size_t bytes = 0;
+    for (const DuplicateGroup& g : found.groups)
+        for (const std::string_view hit : g.hits) bytes += hit.size();
+    found.text = std::make_unique<std::string>(bytes, '\0');
+    char* to = found.text->data();
+    for (DuplicateGroup& g : found.groups) {
+        const std::size_t nameAt = static_cast<std::size_t>(g.name.data() - g.hits.front().data());
+        for (std::size_t h = 0; h < g.hits.size(); ++h) {
+            if (h + 8 < g.hits.size()) __builtin_prefetch(g.hits[h + 8].data());
+            std::memcpy(to, g.hits[h].data(), g.hits[h].size());
+            g.hits[h] = std::string_view(to, g.hits[h].size());
+            to += g.hits[h].size();
+        }
+        g.name = std::string_view(g.hits.front().data() + nameAt, g.name.size());
+    }
     return found;
 }
 
