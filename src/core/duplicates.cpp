@@ -87,14 +87,23 @@ public:
     bool Fits(std::uint64_t offset) const { return starts_.back() + offset <= kPlaceMask; }
 
     void Add(std::uint64_t hash, std::uint64_t offset) {
-        Part& p = parts_[hash >> (64 - kPartBits)];
-        if (p.at == p.end) NewChunk(p);
-        *p.at++ = (ShortHash(hash) & kKeyMask) << kPlaceBits | (starts_.back() + offset);
+        const std::size_t part = hash >> (64 - kPartBits);
+        std::uint8_t& n = fill_[part];
+        waiting_[part][n] = (ShortHash(hash) & kKeyMask) << kPlaceBits | (starts_.back() + offset);
+        if (++n == kLine) Flush(part);
         if (!folded_) {
             if (++kept_ == checkAt_) CheckFold();
-        } else if (++p.fresh > p.used) {
-            Fold(p);
+        } else if (++parts_[part].fresh > parts_[part].used) {
+            Fold(parts_[part]);
         }
+    }
+    // Every record written to its part's chain (Count and ForEach see only
+    // those).
+    void FlushAll() {
+        for (std::size_t part = 0; part < kParts; ++part) Flush(part);
+#ifdef __SSE2__
+        _mm_sfence();  // the lines written past the cache, seen by the thread that reads them next
+#endif
     }
     bool Folded() const { return folded_; }
     void FoldAll() {
@@ -106,14 +115,14 @@ public:
         const Part& p = parts_[part];
         return p.chunks.empty()
                    ? 0
-                   : (p.chunks.size() - 1) * kChunk + static_cast<std::size_t>(p.at - p.chunks.back());
+                   : (p.chunks.size() - 1) * kChunk + static_cast<std::size_t>(at_[part] - p.chunks.back());
     }
     // The records of a part in the order they came, so in rising places.
     template <typename F>
     void ForEach(std::size_t part, F&& f) const {
         const Part& p = parts_[part];
         for (std::size_t c = 0; c < p.chunks.size(); ++c)
-            for (const Record *r = p.chunks[c], *end = c + 1 == p.chunks.size() ? p.at : r + kChunk; r != end;
+            for (const Record *r = p.chunks[c], *end = c + 1 == p.chunks.size() ? at_[part] : r + kChunk; r != end;
                  ++r)
                 f(*r);
     }
@@ -180,14 +189,37 @@ private:
         std::uint32_t hash;   // ShortHash
     };
     static constexpr std::size_t kChunk = 1024, kBlock = std::size_t{1} << 17;  // records
+    static constexpr unsigned kLine = 8;  // records to a cache line
     struct Part {
-        Record* at = nullptr;
-        Record* end = nullptr;
         std::vector<Record*> chunks;
         std::size_t fresh = 0;  // records since the last fold
         std::vector<Slot> slots;
         std::size_t used = 0;  // slots
     };
+    // A record goes first to its part's line here, which stays in the cache
+    // with the 255 others; a full line is written to the part's chunk at
+    // once, past the cache. Written one by one, every record waited for its
+    // chunk's line to come from memory.
+    alignas(64) Record waiting_[kParts][kLine];
+    std::uint8_t fill_[kParts] = {};
+    Record* at_[kParts] = {};   // where a part's next line goes
+    Record* end_[kParts] = {};  // the end of its chunk
+    void Flush(std::size_t part) {
+        const unsigned n = fill_[part];
+        if (n == 0) return;
+        if (at_[part] == end_[part]) NewChunk(part);  // a chunk holds whole lines
+        Record* to = at_[part];
+#ifdef __SSE2__
+        if (n == kLine && reinterpret_cast<std::uintptr_t>(to) % 64 == 0) {
+            const auto* from = reinterpret_cast<const __m128i*>(waiting_[part]);
+            auto* line = reinterpret_cast<__m128i*>(to);
+            for (int k = 0; k < 4; ++k) _mm_stream_si128(line + k, _mm_load_si128(from + k));
+        } else
+#endif
+            std::memcpy(to, waiting_[part], n * sizeof(Record));
+        at_[part] = to + n;
+        fill_[part] = 0;
+    }
     static Slot& Find(Part& p, std::uint32_t hash) {
         const std::size_t mask = p.slots.size() - 1;
         for (auto i = static_cast<std::size_t>(hash) & mask;; i = (i + 1) & mask)
@@ -201,24 +233,28 @@ private:
         for (const Slot& s : old)
             if (s.first) Find(p, s.hash) = s;
     }
-    void NewChunk(Part& p) {
+    void NewChunk(std::size_t part) {
         if (free_.empty()) {
             if (blocks_.empty() || left_ == 0) {
-                blocks_.emplace_back(new Record[kBlock]);
+                // Chunks on whole cache lines, for the lines written past the cache.
+                blocks_.emplace_back(new Record[kBlock + kLine]);
+                const auto at = reinterpret_cast<std::uintptr_t>(blocks_.back().get());
+                block_ = blocks_.back().get() + (64 - at % 64) % 64 / sizeof(Record);
                 left_ = kBlock / kChunk;
             }
-            free_.push_back(blocks_.back().get() + (kBlock / kChunk - left_--) * kChunk);
+            free_.push_back(block_ + (kBlock / kChunk - left_--) * kChunk);
         }
-        p.at = free_.back();
+        at_[part] = free_.back();
         free_.pop_back();
-        p.end = p.at + kChunk;
-        p.chunks.push_back(p.at);
+        end_[part] = at_[part] + kChunk;
+        parts_[part].chunks.push_back(at_[part]);
     }
     void Fold(Part& p) {
+        const auto part = static_cast<std::uint32_t>(&p - parts_.data());
+        Flush(part);
         p.fresh = 0;
         if (p.chunks.empty()) return;
         if (p.slots.empty()) p.slots.assign(16, Slot{0, 0});
-        const auto part = static_cast<std::uint32_t>(&p - parts_.data());
         Placer placer(*this);
         ForEach(part, [&](Record r) {
             const std::uint32_t hash = part << (32 - kPartBits) | static_cast<std::uint32_t>(r >> kPlaceBits);
@@ -237,12 +273,13 @@ private:
         });
         free_.insert(free_.end(), p.chunks.begin(), p.chunks.end());
         p.chunks.clear();
-        p.at = p.end = nullptr;
+        at_[part] = end_[part] = nullptr;
     }
     std::vector<Part> parts_ = std::vector<Part>(kParts);
     std::vector<std::unique_ptr<Record[]>> blocks_;
     std::vector<Record*> free_;  // chunks folded, to be written again
-    std::size_t left_ = 0;       // chunks not yet cut from the last block
+    Record* block_ = nullptr;    // the last block's first whole line
+    std::size_t left_ = 0;       // chunks not yet cut from it
     std::vector<std::uint64_t> starts_;  // each disc's first place, rising
     std::vector<std::size_t> discs_;     // and its number
     std::uint64_t next_ = 0;
@@ -250,6 +287,7 @@ private:
     // part shows them (the hash spreads the pairs evenly over the parts);
     // else looks again at twice as many.
     void CheckFold() {
+        FlushAll();
         std::size_t fullest = 0;
         for (std::size_t b = 1; b < kParts; ++b)
             if (Count(b) > Count(fullest)) fullest = b;
@@ -364,21 +402,59 @@ void UpperName(std::string& out, std::string_view raw) {
     }
 }
 
-// The Size field behind the first bar, as std::from_chars reads it, up to the
-// next bar or the line end; false when it isn't a number. By hand: the
-// library's general reader was a tenth of the whole run.
-bool SizeField(const char* p, const char* eol, std::int64_t& size) {
-    const char* q = p + (p < eol && *p == '-');
-    const char* digits = q;
-    std::uint64_t v = 0;
-    while (q < eol && static_cast<unsigned char>(*q - '0') < 10)
-        v = v * 10 + static_cast<unsigned char>(*q++ - '0');
-    if (q == digits || (q != eol && *q != '|')) return false;
-    if (q - digits > 18) {  // where it could overflow, the library's rules
-        const auto [after, ec] = std::from_chars(p, eol, size);
-        return ec == std::errc() && after == q;
+// Eight decimal digits (the first in the lowest byte) as a number, in a few
+// multiplications: each step joins neighbours, then pairs of them.
+std::uint64_t EightDigits(std::uint64_t w) {
+    w -= 0x3030303030303030ULL;
+    w = w * 10 + (w >> 8);
+    return (((w & 0x000000FF000000FFULL) * 0x000F424000000064ULL) +
+            (((w >> 16) & 0x000000FF000000FFULL) * 0x0000271000000001ULL)) >>
+           32;
+}
+
+// Whether all eight bytes are decimal digits.
+bool AllDigits(std::uint64_t w) {
+    constexpr std::uint64_t kHighNibbles = 0xF0F0F0F0F0F0F0F0ULL, kThrees = 0x3030303030303030ULL;
+    return (w & kHighNibbles) == kThrees && ((w + 0x0606060606060606ULL) & kHighNibbles) == kThrees;
+}
+
+// The Size field p[0..n), as std::from_chars reads it when it takes the
+// whole field; false when it isn't a number. Up to sixteen digits go eight
+// at a time, loaded from where they end (`lowest`, the first byte that may
+// be read, lies far enough before them), the bytes before the field
+// counting as zeros.
+bool SizeField(const char* p, std::size_t n, const char* lowest, std::int64_t& size) {
+    const bool negative = n > 0 && *p == '-';
+    const char* digits = p + negative;
+    const std::size_t count = n - negative;
+    if (count == 0) return false;
+    if (std::endian::native == std::endian::little && count <= 16 && digits + count >= lowest + 16) {
+        const auto part = [](const char* end, std::size_t k, std::uint64_t& value) {
+            std::uint64_t w;
+            std::memcpy(&w, end - 8, 8);
+            const unsigned shift = 8 * static_cast<unsigned>(8 - k);
+            if (shift) w = (w >> shift << shift) | (0x3030303030303030ULL >> (64 - shift));
+            if (!AllDigits(w)) return false;
+            value = EightDigits(w);
+            return true;
+        };
+        std::uint64_t low = 0, high = 0;
+        const char* end = digits + count;
+        if (!part(end, std::min<std::size_t>(count, 8), low)) return false;
+        if (count > 8 && !part(end - 8, count - 8, high)) return false;
+        const std::uint64_t v = high * 100000000ULL + low;
+        size = negative ? -static_cast<std::int64_t>(v) : static_cast<std::int64_t>(v);
+        return true;
     }
-    size = digits == p ? static_cast<std::int64_t>(v) : -static_cast<std::int64_t>(v);
+    const char* q = digits;
+    std::uint64_t v = 0;
+    while (q < p + n && static_cast<unsigned char>(*q - '0') < 10) v = v * 10 + static_cast<unsigned char>(*q++ - '0');
+    if (q != p + n) return false;
+    if (count > 18) {  // where it could overflow, the library's rules
+        const auto [after, ec] = std::from_chars(p, p + n, size);
+        return ec == std::errc() && after == p + n;
+    }
+    size = negative ? -static_cast<std::int64_t>(v) : static_cast<std::int64_t>(v);
     return true;
 }
 
@@ -392,7 +468,9 @@ bool ParseFileLine(const char* p, std::size_t n, FileLine& out) {
     const char* end = p + n;
     const char* bar = static_cast<const char*>(std::memchr(p, '|', n));
     if (!bar) return false;
-    if (!SizeField(bar + 1, end, out.size)) return false;
+    const char* next = static_cast<const char*>(std::memchr(bar + 1, '|', static_cast<std::size_t>(end - bar - 1)));
+    if (!next) next = end;
+    if (!SizeField(bar + 1, static_cast<std::size_t>(next - bar - 1), p, out.size)) return false;
     out.path = std::string_view(p, static_cast<std::size_t>(bar - p));
     const std::size_t slash = out.path.rfind('\\');
     out.name = slash == std::string_view::npos ? out.path : out.path.substr(slash + 1);
@@ -449,27 +527,30 @@ void ScanDisc(LineReader& reader, std::int64_t minSize, std::vector<std::uint64_
         scan::BlockMasks(b, n, bars, ends, slashes);
         for (std::size_t i = 0; i < n;) {
             if (b[i] == '\r' || b[i] == '\n') return;  // the empty line behind the files
-            std::size_t eol = n, bar = n, slash = n;
+            std::size_t eol = n, bar = n, bar2 = n, slash = n;
             for (std::size_t w = i / 64; w < words; ++w) {
                 const std::uint64_t keep = ~std::uint64_t{0} << (w == i / 64 ? i % 64 : 0);
                 const std::uint64_t e = ends[w] & keep;
+                const std::uint64_t before = e ? (e & (0 - e)) - 1 : ~std::uint64_t{0};
+                std::uint64_t bb = bars[w] & keep & before;
                 if (bar == n) {
-                    const std::uint64_t before = e ? (e & (0 - e)) - 1 : ~std::uint64_t{0};
-                    const std::uint64_t bb = bars[w] & keep & before;
                     std::uint64_t sl = slashes[w] & keep & before;
                     if (bb) {
                         bar = 64 * w + static_cast<std::size_t>(__builtin_ctzll(bb));
                         sl &= (bb & (0 - bb)) - 1;
+                        bb &= bb - 1;
                     }
                     if (sl) slash = 64 * w + 63 - static_cast<std::size_t>(__builtin_clzll(sl));
                 }
+                if (bar != n && bar2 == n && bb) bar2 = 64 * w + static_cast<std::size_t>(__builtin_ctzll(bb));
                 if (e) {
                     eol = 64 * w + static_cast<std::size_t>(__builtin_ctzll(e));
                     break;
                 }
             }
+            if (bar2 == n) bar2 = eol;
             std::int64_t size;
-            if (bar != n && SizeField(b + bar + 1, b + eol, size) && Bytes(size) >= minSize) {
+            if (bar != n && SizeField(b + bar + 1, bar2 - bar - 1, b, size) && Bytes(size) >= minSize) {
                 const std::uint64_t offset = base + i;
                 if (offset > kOffsetMask || !records.Fits(offset)) return;
                 const std::size_t name = slash == n ? i : slash + 1;
@@ -700,7 +781,10 @@ Duplicates FindDuplicates(const std::string& dataFolder,
             } else {
                 for (std::size_t h; disc < discs && (h = heard) <= disc;) heard.wait(h);
             }
-            if (disc >= discs || stop) return;
+            if (disc >= discs || stop) {
+                records[t].FlushAll();
+                return;
+            }
             if (reader.Open(*folder, CatalogueName(labels[disc])) && records[t].BeginDisc(disc)) {
                 ScanDisc(reader, minSize, masks, records[t]);
                 records[t].EndDisc(reader.ReadUpTo());

@@ -86,6 +86,13 @@ TEST(FindDuplicates, SameNameAndSizeOnTwoDiscsLargestFirst) {
     s.Write("Sechs.idx", sameSize);
     s.Write("Sieben.idx", sameSize);
     s.Write("F\xC3\xBCnf.idx", "0|0||0|0|0|\r\r\r\\x\\Klein.txt|3|R||\r\\sonst.txt|3||\r\\y\\klein.txt|3||");
+    // Sizes spelled as the number reader takes them: leading zeros, minus
+    // zero, more than eight digits; too many digits or a letter is no size.
+    const std::string sizes = "\\Film.mkv|12345678901234|R||\r\n\\riesig.bin|123456789012345678901|R||\r\n"
+                              "\\kaputte Datei.txt|5:0|R||\r\n\\hoch.txt|1.23456789|R||\r\n\\leer.txt||R||\r\n"
+                              "\\neun.txt|123456789|R||\r\n";
+    s.Write("Acht.idx", head + "\\lang\\Ordner\\Bild.jpg|0500|R||\r\n\\null.txt|-0|R||\r\n" + sizes);
+    s.Write("Neun.idx", head + sizes + "\\Bild.jpg|500|R||\r\n\\x\\null.txt|0|R||\r\n");
     const struct {
         const char* name;
         std::vector<std::string> labels;
@@ -111,6 +118,9 @@ TEST(FindDuplicates, SameNameAndSizeOnTwoDiscsLargestFirst) {
           "foto.jpg 500: Zwei\\\\foto.jpg Zwei\\\\B\\foto.jpg Eins\\\\A\\Foto.JPG",
           "\xC3\x84RGER.TXT 4: Zwei\\\\\xC3\x84RGER.TXT Eins\\\\\xC3\xA4rger.txt",
           "klein.txt 3: Zwei\\\\klein.txt Eins\\\\klein.txt"}},
+        {"SizeSpellings", {"Acht", "Neun"}, 0,
+         {"Film.mkv 12345678901234: Acht\\\\Film.mkv Neun\\\\Film.mkv", "neun.txt 123456789: Acht\\\\neun.txt Neun\\\\neun.txt",
+          "Bild.jpg 500: Acht\\\\lang\\Ordner\\Bild.jpg Neun\\\\Bild.jpg", "null.txt 0: Acht\\\\null.txt Neun\\\\x\\null.txt"}},
         {"LineEnds", {"Vier", "F\xC3\xBCnf"}, 0,
          {"KLEIN.TXT 3: Vier\\\\KLEIN.TXT F\xC3\xBCnf\\\\x\\Klein.txt F\xC3\xBCnf\\\\y\\klein.txt"}},
     };
