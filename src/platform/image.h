@@ -38,7 +38,7 @@ bool WalkImage(const std::string& image, WalkList& folders, WalkList& files,
 
 // The header figures of the image: label, serial and file system as the
 // superblock probe computes them, clusters = the volume's blocks, 1 sector
-// per cluster, the block's size (2048 bytes on every disc; 512 to 4096 on a
+// per cluster, the block's size (2048 bytes on every disc; 512 to 32768 on a
 // UDF image of a hard disk) per sector. Leaves `volume` as it was when the
 // file is no disc image.
 void ReadImageVolumeInfo(const std::string& image, VolumeInfo& volume);

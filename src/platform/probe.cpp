@@ -151,7 +151,7 @@ bool ProbeUdf(int fd, std::uint64_t session, VolumeLabel& out) {
     const std::uint64_t first = session * kOpticalSector;
     if (!UdfRecognised(fd, first)) return false;
     // A disc's block is its 2048-byte sector; an image of a hard disk or a
-    // stick may have blocks of 512 to 4096 bytes, which its anchor tells.
+    // stick may have blocks of 512 to 32768 bytes, which its anchor tells.
     std::uint64_t bs = kOpticalSector;
     if (session == 0)
         if (const std::uint32_t found = UdfBlockSize(fd)) bs = found;

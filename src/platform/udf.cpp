@@ -511,7 +511,7 @@ UdfResult Reader::Folder(const Icb& dir, const std::string& prefix, int depth,
 // block size is the first whose anchor is intact and records its own place:
 // 2048 on every disc, the others on images of hard disks and sticks.
 bool Reader::Anchor(Bytes& anchor) {
-    for (const std::uint32_t bs : {2048u, 512u, 1024u, 4096u}) {
+    for (const std::uint32_t bs : {2048u, 512u, 1024u, 4096u, 8192u, 16384u, 32768u}) {
         bs_ = bs;
         const std::uint64_t n = size_ / bs;
         for (const std::uint64_t at : {std::uint64_t{256}, n - 256, n - 1})
@@ -546,7 +546,7 @@ UdfResult Reader::Open() {
 }  // namespace
 
 bool UdfRecognised(int fd, std::uint64_t start) {
-    for (const std::uint64_t step : {2048u, 4096u}) {
+    for (const std::uint64_t step : {2048u, 4096u, 8192u, 16384u, 32768u}) {
         unsigned char d[6];
         for (std::uint64_t i = 0; i < 64; ++i) {
             if (pread(fd, d, sizeof d, static_cast<off_t>(start + 32768 + i * step)) != sizeof d) break;

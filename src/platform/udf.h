@@ -1,7 +1,7 @@
 // A read-only UDF directory reader, for disc images read without mounting.
 //
 // It reads every revision a disc carries (1.02 to 2.60), with the 2048-byte
-// blocks of a disc or the 512 to 4096 of a hard disk's image: file entries and
+// blocks of a disc or the 512 to 32768 of a hard disk's image: file entries and
 // extended file entries; short, long, extended and embedded allocation
 // descriptors with their continuation extents; physical, sparable, virtual
 // (VAT, as written on DVD-R and BD-R) and metadata partitions (Blu-ray), the
@@ -47,11 +47,11 @@ UdfResult ReadUdfTree(int fd, const std::function<void(const UdfEntry&)>& visit)
 // Whether the volume recognition sequence 32 KiB behind byte `start` names a
 // UDF volume (NSR02 or NSR03). Its descriptors lie 2048 bytes apart, or a
 // block apart where the logical block is larger (4096 bytes on some hard
-// disks), so both spacings are tried.
+// disks), so every spacing up to 32 KiB is tried.
 bool UdfRecognised(int fd, std::uint64_t start);
 
-// The volume's logical block size (512, 1024, 2048 or 4096): that of its
-// anchor, found as the reader finds it; 0 when there is none.
+// The volume's logical block size, a power of two from 512 to 32768: that of
+// its anchor, found as the reader finds it; 0 when there is none.
 std::uint32_t UdfBlockSize(int fd);
 
 // The file set descriptor's block as the volume maps it (through a metadata

@@ -404,7 +404,7 @@ TEST(WalkImage, UdfOfEveryRevision) {
         {"Udf201Extended", "hd", "2.01", false, 2048},  {"Udf250Vat", "bdr", "2.50", false, 2048},
         {"Udf260Vat", "dvdr", "2.60", false, 2048},     {"MetadataPartitionMirror", "hd", "2.01", true, 2048},
         {"Blocks512", "hd", "1.02", false, 512},        {"Blocks1024", "hd", "2.01", false, 1024},
-        {"Blocks4096", "hd", "2.01", false, 4096},
+        {"Blocks4096", "hd", "2.01", false, 4096},      {"Blocks8192", "hd", "2.00", false, 8192},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
