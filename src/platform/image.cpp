@@ -62,12 +62,12 @@ Descriptors Recognise(int fd) {
             if (b[0] == 2 && b[88] == '%' && b[89] == '/' && (b[90] == '@' || b[90] == 'C' || b[90] == 'E'))
                 d.joliet = true;
             if (b[0] == 255) continue;  // UDF's sequence may follow the ISO one
-        } else if (id == "NSR02" || id == "NSR03") {
-            d.udf = true;
-        } else if (id != "BEA01" && id != "BOOT2" && id != "CDW02" && id != "TEA01") {
+        } else if (id != "BEA01" && id != "NSR02" && id != "NSR03" && id != "BOOT2" && id != "CDW02" &&
+                   id != "TEA01") {
             break;
         }
     }
+    d.udf = UdfRecognised(fd, 0);
     return d;
 }
 
@@ -466,18 +466,20 @@ void ReadImageVolumeInfo(const std::string& image, VolumeInfo& volume) {
     const Descriptors d = regular ? Recognise(fd) : Descriptors{};
     VolumeLabel label;
     const bool probed = (d.iso || d.udf) && ProbeVolume(fd, label, 0, ProbeOrder::UdfFirst);
+    const std::uint32_t udfBlock = probed && d.udf ? UdfBlockSize(fd) : 0;
     close(fd);
     if (!probed) return;
     volume.VolumeName = label.name;
     volume.SerialNumber = static_cast<std::int32_t>(label.serial);
     volume.FileSystem = label.fileSystem;
     // The volume space size of the primary descriptor; a UDF image without
-    // one is as long as its volume.
-    const std::uint64_t blocks =
-        d.iso && d.isoBlocks ? d.isoBlocks : static_cast<std::uint64_t>(st.st_size) / kBlock;
+    // one is as long as its volume, in blocks of the volume's own size.
+    const bool isoSize = d.iso && d.isoBlocks;
+    const std::uint64_t block = !isoSize && udfBlock ? udfBlock : kBlock;
+    const std::uint64_t blocks = isoSize ? d.isoBlocks : static_cast<std::uint64_t>(st.st_size) / block;
     volume.ClusterCount = static_cast<std::int32_t>(static_cast<std::uint32_t>(blocks));
     volume.SectorsPerCluster = 1;
-    volume.BytesPerSector = static_cast<std::int32_t>(kBlock);
+    volume.BytesPerSector = static_cast<std::int32_t>(block);
     volume.Size = VolumeSize(volume.ClusterCount, 1, volume.BytesPerSector);
 }
 

@@ -37,9 +37,10 @@ bool WalkImage(const std::string& image, WalkList& folders, WalkList& files,
                const std::function<void(std::size_t)>& progress = {});
 
 // The header figures of the image: label, serial and file system as the
-// superblock probe computes them, clusters = the volume's 2048-byte blocks,
-// 1 sector per cluster, 2048 bytes per sector. Leaves `volume` as it was when
-// the file is no disc image.
+// superblock probe computes them, clusters = the volume's blocks, 1 sector
+// per cluster, the block's size (2048 bytes on every disc; 512 to 32768 on a
+// UDF image of a hard disk) per sector. Leaves `volume` as it was when the
+// file is no disc image.
 void ReadImageVolumeInfo(const std::string& image, VolumeInfo& volume);
 
 // The system's disc source, except that a path that is a disc image is read

@@ -148,31 +148,22 @@ std::string DString(const Bytes& b, std::size_t at, std::size_t fieldSize) {
 }
 
 bool ProbeUdf(int fd, std::uint64_t session, VolumeLabel& out) {
-    // The volume recognition sequence: a run of 2048-byte descriptors named
-    // by five letters; an NSR descriptor marks UDF.
-    bool nsr = false;
-    for (std::uint64_t i = 16; i < 16 + 64; ++i) {
-        const Bytes d = ReadAt(fd, (session + i) * kOpticalSector, kOpticalSector);
-        if (d.size() < 6) break;
-        if (Has(d, 1, "NSR02") || Has(d, 1, "NSR03")) {
-            nsr = true;
-            continue;
-        }
-        if (Has(d, 1, "BEA01") || Has(d, 1, "CD001") || Has(d, 1, "BOOT2") || Has(d, 1, "CDW02"))
-            continue;
-        break;  // TEA01 or anything else ends the sequence
-    }
-    if (!nsr) return false;
-    const Bytes anchor = ReadAt(fd, (session + 256) * kOpticalSector, kOpticalSector);
+    const std::uint64_t first = session * kOpticalSector;
+    if (!UdfRecognised(fd, first)) return false;
+    // A disc's block is its 2048-byte sector; an image of a hard disk or a
+    // stick may have blocks of 512 to 32768 bytes, which its anchor tells.
+    std::uint64_t bs = kOpticalSector;
+    if (session == 0)
+        if (const std::uint32_t found = UdfBlockSize(fd)) bs = found;
+    const Bytes anchor = ReadAt(fd, first + 256 * bs, bs);
     if (anchor.size() < 24 || Le16(anchor, 0) != 2) return false;
     const std::uint32_t vdsLength = Le32(anchor, 16), vdsStart = Le32(anchor, 20);
     std::string logicalName, volumeName;
     std::uint32_t fsdBlock = 0, partitionStart = 0;
     bool haveLvd = false, havePd = false;
-    for (std::uint32_t i = 0; i < vdsLength / kOpticalSector && i < 64; ++i) {
-        const Bytes d = ReadAt(fd, (static_cast<std::uint64_t>(vdsStart) + i) * kOpticalSector,
-                               kOpticalSector);
-        if (d.size() < kOpticalSector) break;
+    for (std::uint32_t i = 0; i < vdsLength / bs && i < 64; ++i) {
+        const Bytes d = ReadAt(fd, (static_cast<std::uint64_t>(vdsStart) + i) * bs, bs);
+        if (d.size() < bs) break;
         const std::uint32_t tag = Le16(d, 0);
         if (tag == 8) break;
         if (tag == 1 && volumeName.empty()) volumeName = DString(d, 24, 32);
@@ -194,9 +185,8 @@ bool ProbeUdf(int fd, std::uint64_t session, VolumeLabel& out) {
         // physical partition's block of its number.
         Bytes fsd;
         if (session != 0 || !ReadUdfFileSet(fd, fsd))
-            fsd = ReadAt(fd, (static_cast<std::uint64_t>(partitionStart) + fsdBlock) * kOpticalSector,
-                         kOpticalSector);
-        if (fsd.size() == kOpticalSector && Le16(fsd, 0) == 256) {
+            fsd = ReadAt(fd, (static_cast<std::uint64_t>(partitionStart) + fsdBlock) * bs, bs);
+        if (fsd.size() == bs && Le16(fsd, 0) == 256) {
             const auto s = Sums(fsd);
             out.serial = static_cast<std::uint32_t>(s[3]) << 24 | static_cast<std::uint32_t>(s[2]) << 16 |
                          static_cast<std::uint32_t>(s[1]) << 8 | s[0];

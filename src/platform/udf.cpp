@@ -139,9 +139,11 @@ public:
         }
     }
 
+    bool Anchor(Bytes& anchor);
     UdfResult Open();
     UdfResult Walk(const std::function<void(const UdfEntry&)>& visit) { return Folder(root_, "", 0, visit); }
     const Bytes& FileSet() const { return fileSet_; }
+    std::uint32_t BlockSize() const { return bs_; }
 
 private:
     bool Read(std::uint64_t block, Bytes& out) const {
@@ -505,22 +507,22 @@ UdfResult Reader::Folder(const Icb& dir, const std::string& prefix, int depth,
     return UdfResult::Ok;
 }
 
-UdfResult Reader::Open() {
-    // The anchor lies at sector 256, else at the last sector or 256 before it;
-    // the sector is the logical block.
-    Bytes anchor;
-    bool found = false;
-    for (const std::uint32_t bs : {2048u, 512u, 1024u, 4096u}) {
+// The anchor lies at block 256, else at the last block or 256 before it. The
+// block size is the first whose anchor is intact and records its own place:
+// 2048 on every disc, the others on images of hard disks and sticks.
+bool Reader::Anchor(Bytes& anchor) {
+    for (const std::uint32_t bs : {2048u, 512u, 1024u, 4096u, 8192u, 16384u, 32768u}) {
         bs_ = bs;
         const std::uint64_t n = size_ / bs;
-        for (const std::uint64_t at : {std::uint64_t{256}, n - 256, n - 1}) {
-            if (at >= n || !Tagged(at, 2, anchor) || Le32(anchor.data() + 12) != at) continue;
-            found = true;
-            break;
-        }
-        if (found) break;
+        for (const std::uint64_t at : {std::uint64_t{256}, n - 256, n - 1})
+            if (at < n && Tagged(at, 2, anchor) && Le32(anchor.data() + 12) == at) return true;
     }
-    if (!found) return UdfResult::NotUdf;
+    return false;
+}
+
+UdfResult Reader::Open() {
+    Bytes anchor;
+    if (!Anchor(anchor)) return UdfResult::NotUdf;
     const unsigned char* a = anchor.data();
     if (!Sequence(Le32(a + 20), Le32(a + 16))) {
         partitions_.clear();
@@ -542,6 +544,26 @@ UdfResult Reader::Open() {
 }
 
 }  // namespace
+
+bool UdfRecognised(int fd, std::uint64_t start) {
+    for (const std::uint64_t step : {2048u, 4096u, 8192u, 16384u, 32768u}) {
+        unsigned char d[6];
+        for (std::uint64_t i = 0; i < 64; ++i) {
+            if (pread(fd, d, sizeof d, static_cast<off_t>(start + 32768 + i * step)) != sizeof d) break;
+            const std::string id(reinterpret_cast<const char*>(d) + 1, 5);
+            if (id == "NSR02" || id == "NSR03") return true;
+            // TEA01, or anything else, ends the sequence.
+            if (id != "BEA01" && id != "CD001" && id != "BOOT2" && id != "CDW02") break;
+        }
+    }
+    return false;
+}
+
+std::uint32_t UdfBlockSize(int fd) {
+    Reader reader(fd);
+    Bytes anchor;
+    return reader.Anchor(anchor) ? reader.BlockSize() : 0;
+}
 
 bool ReadUdfFileSet(int fd, std::vector<unsigned char>& block) {
     Reader reader(fd);

@@ -1,6 +1,7 @@
 // A read-only UDF directory reader, for disc images read without mounting.
 //
-// It reads every revision a disc carries (1.02 to 2.60): file entries and
+// It reads every revision a disc carries (1.02 to 2.60), with the 2048-byte
+// blocks of a disc or the 512 to 32768 of a hard disk's image: file entries and
 // extended file entries; short, long, extended and embedded allocation
 // descriptors with their continuation extents; physical, sparable, virtual
 // (VAT, as written on DVD-R and BD-R) and metadata partitions (Blu-ray), the
@@ -32,7 +33,7 @@ struct UdfEntry {
 enum class UdfResult {
     Ok,
     NotUdf,       // no anchor, or no logical volume behind it
-    Unsupported,  // a layout this reader doesn't follow (a block size other than the sector's)
+    Unsupported,  // a layout this reader doesn't follow (a volume whose block isn't its anchor's)
     Damaged,      // a bad tag, a length beyond its block, a loop: the walk stopped there
 };
 
@@ -42,6 +43,16 @@ enum class UdfResult {
 // entry; with `visit` empty only the volume and the root folder are read.
 // On a failure `visit` has heard the entries read before it.
 UdfResult ReadUdfTree(int fd, const std::function<void(const UdfEntry&)>& visit);
+
+// Whether the volume recognition sequence 32 KiB behind byte `start` names a
+// UDF volume (NSR02 or NSR03). Its descriptors lie 2048 bytes apart, or a
+// block apart where the logical block is larger (4096 bytes on some hard
+// disks), so every spacing up to 32 KiB is tried.
+bool UdfRecognised(int fd, std::uint64_t start);
+
+// The volume's logical block size, a power of two from 512 to 32768: that of
+// its anchor, found as the reader finds it; 0 when there is none.
+std::uint32_t UdfBlockSize(int fd);
 
 // The file set descriptor's block as the volume maps it (through a metadata
 // or virtual partition where the volume has one); false when it can't be read.

@@ -21,6 +21,7 @@
 #include "core/catalogue.h"
 #include "core/fileops.h"
 #include "core/textrules.h"
+#include "core/verify.h"
 #include "platform/image.h"
 #include "platform/volume.h"
 #include "support/scratch.h"
@@ -148,7 +149,7 @@ TEST(WalkImage, HiddenFlagBecomesH) {
 
 // The header's figures: label, serial, file system and blocks.
 void ExpectHeader(const std::string& image, const std::string& label, const char* fileSystem,
-                  std::uint32_t serial, std::uint32_t blocks) {
+                  std::uint32_t serial, std::uint32_t blocks, std::int32_t bs = 2048) {
     VolumeInfo v;
     ReadImageVolumeInfo(image, v);
     EXPECT_EQ(v.VolumeName, label);
@@ -157,8 +158,8 @@ void ExpectHeader(const std::string& image, const std::string& label, const char
     EXPECT_NE(serial, 0u);
     EXPECT_EQ(v.ClusterCount, static_cast<std::int32_t>(blocks));
     EXPECT_EQ(v.SectorsPerCluster, 1);
-    EXPECT_EQ(v.BytesPerSector, 2048);
-    EXPECT_EQ(v.Size.raw, static_cast<std::int64_t>(blocks) * 2048 * Fixed::kScale);
+    EXPECT_EQ(v.BytesPerSector, bs);
+    EXPECT_EQ(v.Size.raw, static_cast<std::int64_t>(blocks) * bs * Fixed::kScale);
 }
 
 TEST(ReadImageVolumeInfo, HeaderFromTheDescriptors) {
@@ -206,11 +207,11 @@ std::uint32_t G32(const unsigned char* p) { return G16(p) | G16(p + 2) << 16; }
 
 struct Udf {
     std::string img;
-    std::uint32_t pstart = 0, vat = 0, meta = 0, next = 0, data = 0;
+    std::uint32_t bs = 2048, pstart = 0, vat = 0, meta = 0, next = 0, data = 0;
     unsigned id = 0, version = 0;
     std::map<std::string, std::uint32_t> blocks;  // item -> its entry's block
 
-    unsigned char* At(std::uint32_t block) { return reinterpret_cast<unsigned char*>(img.data()) + block * 2048ull; }
+    unsigned char* At(std::uint32_t block) { return reinterpret_cast<unsigned char*>(img.data()) + std::uint64_t{block} * bs; }
     bool InMeta(std::uint32_t b) const { return meta && b >= meta && b < meta + 256; }
     std::uint32_t Lbn(std::uint32_t b) const { return InMeta(b) ? b - meta : b - pstart; }
     void Tag(unsigned char* p, unsigned tag, std::uint32_t at, std::size_t crcLength) {
@@ -233,7 +234,7 @@ struct Udf {
         unsigned char* p = At(block);
         const std::uint32_t at = p[0] ? G32(p + 12) : Lbn(block);  // the root keeps its place
         const std::size_t base = id == 266 ? 216 : 176;
-        std::memset(p, 0, 2048);
+        std::memset(p, 0, bs);
         P16(p + 20, 4), P16(p + 24, 1), p[27] = static_cast<unsigned char>(type), P16(p + 34, ads);
         P16(p + 48, 1), P32(p + 56, length), P32(p + 64, id == 266 ? length : 0);
         const time_t east = mtime + 3600;
@@ -261,7 +262,7 @@ struct Udf {
         std::string f(38 + name.size(), '\0');
         auto* p = reinterpret_cast<unsigned char*>(f.data());
         P16(p + 16, 1), p[18] = static_cast<unsigned char>(characteristics), p[19] = static_cast<unsigned char>(name.size());
-        std::memcpy(p + 20, Ad(2048, block, 16).data(), 16);
+        std::memcpy(p + 20, Ad(bs, block, 16).data(), 16);
         std::memcpy(p + 38, name.data(), name.size());
         Tag(p, 257, 0, f.size() - 16);
         return f.append((4 - f.size() % 4) % 4, '\0');
@@ -269,8 +270,9 @@ struct Udf {
     void Folder(const std::string& path, std::uint32_t block, std::uint32_t parent, std::int64_t mtime) {
         // Deleted identifiers first: in the root's entry one, elsewhere enough
         // that the living ones cross from the folder's first block to its second.
+        const bool inEntry = path.empty() && !meta && bs >= 2048;  // the root's, where it fits
         std::string fids = Fid(8 | 2, "", parent) + Fid(4, "weg.txt", 0);
-        while (fids.size() < 2000 && (meta || !path.empty())) fids += Fid(4, std::string(200, 'w'), 0);
+        while (fids.size() < bs - 48 && !inEntry) fids += Fid(4, std::string(200, 'w'), 0);
         for (const Entry& e : kTree) {
             const std::string p = e.path;
             if (p.rfind(path, 0) != 0 || p == path || p.find('/', path.size()) < p.size() - 1) continue;
@@ -281,39 +283,43 @@ struct Udf {
                 Icb(b, 5, e.size, e.mtime, e.size ? 3 : 0, std::string(e.size, 'x'));
             } else {
                 Icb(b, 5, e.size, e.mtime, 1, Ad(e.size, data, 16));
-                data += (e.size + 2047) / 2048;
+                data += (e.size + bs - 1) / bs;
             }
             const std::string name = p.substr(path.size(), p.size() - path.size() - (p.back() == '/'));
             fids += Fid(p.back() == '/' ? 2 : 0, name, b);
         }
-        if (path.empty() && !meta) return Icb(block, 4, fids.size(), mtime, 3, fids);
+        if (inEntry) return Icb(block, 4, fids.size(), mtime, 3, fids);
         // Two extents; short, long or extended descriptors by folder, Zeta's
         // second one in a continuation.
-        const std::uint32_t d = next;
-        next += 3;
-        const std::size_t half = 2048;
+        const std::size_t half = bs, rest = (fids.size() - half + bs - 1) / bs;  // blocks of the second
+        const std::uint32_t d = next, more = d + 1 + rest;
+        next += 2 + rest;
         std::memcpy(At(d), fids.data(), half), std::memcpy(At(d + 1), fids.data() + half, fids.size() - half);
         const int size = path == "alpha/" ? 20 : path == "Zeta/Unter/" ? 16 : 8;
         std::string second = Ad(fids.size() - half, d + 1, size);
         if (path == "Zeta/") {
-            unsigned char* more = At(d + 2);
-            P32(more + 20, second.size()), std::memcpy(more + 24, second.data(), second.size());
-            Tag(more, 258, Lbn(d + 2), 24 + second.size() - 16);
-            second = Ad(3u << 30 | 2048, d + 2, size);
+            unsigned char* m = At(more);
+            P32(m + 20, second.size()), std::memcpy(m + 24, second.data(), second.size());
+            Tag(m, 258, Lbn(more), 24 + second.size() - 16);
+            second = Ad(3u << 30 | bs, more, size);
         }
         Icb(block, 4, fids.size(), mtime, size == 20 ? 2 : size == 16, Ad(half, d, size) + second);
     }
 };
 
-// An 8 MiB image mkudffs makes for `media` at `revision`, filled with kTree.
-Udf MakeUdf(const std::string& image, const char* media, const char* revision, bool metadata) {
+// An 8 MiB image mkudffs makes for `media` at `revision` with blocks of `bs`
+// bytes, filled with kTree.
+Udf MakeUdf(const std::string& image, const char* media, const char* revision, bool metadata,
+            std::uint32_t bs = 2048) {
     Udf u;
-    if (!Shell("truncate -s 8M " + image + " && mkudffs -b 2048 --label=Sicherung --media-type=" + media +
+    u.bs = bs;
+    if (!Shell("truncate -s 8M " + image + " && mkudffs -b " + std::to_string(bs) +
+               " --label=Sicherung --media-type=" + media +
                " --udfrev=" + revision + " " + image))
         return u;
     u.img = ReadAll(image);
     std::uint32_t root = 0, lvd = 0;
-    for (std::uint32_t b = 16; b < u.img.size() / 2048; ++b) {
+    for (std::uint32_t b = 16; b < u.img.size() / bs; ++b) {
         const unsigned char* p = u.At(b);
         const unsigned tag = G16(p);
         if (tag == 6 && !lvd) lvd = b;
@@ -321,9 +327,9 @@ Udf MakeUdf(const std::string& image, const char* media, const char* revision, b
         if ((tag == 261 || tag == 266) && p[27] == 4 && !root) root = b, u.id = tag, u.version = G16(p + 2);
         if ((tag == 261 || tag == 266) && p[27] == 248) u.vat = b;
     }
-    const std::string vatEntry = u.vat ? u.img.substr(u.vat * 2048ull, 2048) : "";
-    u.next = u.vat ? u.vat : u.img.size() / 2048 / 2;
-    u.data = u.next + 1024;
+    const std::string vatEntry = u.vat ? u.img.substr(std::uint64_t{u.vat} * bs, bs) : "";
+    u.next = u.vat ? u.vat : u.img.size() / bs / 2;
+    u.data = u.next + (2u << 20) / bs;
     if (metadata) {  // the file set and the folders into blocks 2048..2303, the files' data above
         u.meta = u.next, u.next = u.meta + 1;
         unsigned char* l = u.At(lvd);
@@ -348,8 +354,8 @@ Udf MakeUdf(const std::string& image, const char* media, const char* revision, b
     if (map[0] == 2 && std::memcmp(map + 5, "*UDF Sparable", 13) == 0) {  // the folders' packet moves, as if worn
         const std::uint32_t packet = G16(map + 40), lbn = u.blocks["Zeta/"] - u.pstart, first = lbn - lbn % packet;
         const std::uint32_t to = u.data + packet - u.data % packet;
-        std::memcpy(u.At(to), u.At(u.pstart + first), packet * 2048);
-        std::memset(u.At(u.pstart + first), 0, packet * 2048);
+        std::memcpy(u.At(to), u.At(u.pstart + first), packet * bs);
+        std::memset(u.At(u.pstart + first), 0, packet * bs);
         for (unsigned t = 0; t < map[42]; ++t) {
             unsigned char* table = u.At(G32(map + 48 + 4 * t));
             P32(table + 56, first), P32(table + 60, to), u.Tag(table, 0, G32(table + 12), G16(table + 10));
@@ -357,9 +363,9 @@ Udf MakeUdf(const std::string& image, const char* media, const char* revision, b
     }
     if (u.vat) {
         const std::uint32_t last = std::max(u.next, u.data);
-        std::memcpy(u.At(last), vatEntry.data(), 2048);
+        std::memcpy(u.At(last), vatEntry.data(), bs);
         u.Tag(u.At(last), u.id, last - u.pstart, G16(u.At(last) + 10));
-        u.img.resize((last + 1) * 2048ull);
+        u.img.resize((last + 1ull) * bs);
     }
     std::ofstream(image, std::ios::binary | std::ios::trunc) << u.img;
     return u;
@@ -375,6 +381,16 @@ std::string UdfInfo(const std::string& image, const std::string& key) {
     return value;
 }
 
+// The image added as `label` to a data folder of its own in `s`.
+AddOutcome AddImage(const Scratch& s, const std::string& image, const char* label) {
+    std::filesystem::create_directories(s / "Daten");
+    AddRequest request;
+    request.root = image;
+    request.label = label;
+    request.dataFolder = s / "Daten";
+    return AddDisc(request, DiscSourceWithImages(), SystemFileOps());
+}
+
 TEST(WalkImage, UdfOfEveryRevision) {
     if (!Have("mkudffs") || !Have("udfinfo")) GTEST_SKIP() << "udftools is missing";
     const struct {
@@ -382,23 +398,35 @@ TEST(WalkImage, UdfOfEveryRevision) {
         const char* media;
         const char* revision;
         bool metadata;
+        std::uint32_t bs;  // the logical block: a disc's sector, or a hard disk's
     } rows[] = {
-        {"Udf102", "hd", "1.02", false},          {"Udf150Sparable", "dvdrw", "1.50", false},
-        {"Udf201Extended", "hd", "2.01", false},  {"Udf250Vat", "bdr", "2.50", false},
-        {"Udf260Vat", "dvdr", "2.60", false},     {"MetadataPartitionMirror", "hd", "2.01", true},
+        {"Udf102", "hd", "1.02", false, 2048},          {"Udf150Sparable", "dvdrw", "1.50", false, 2048},
+        {"Udf201Extended", "hd", "2.01", false, 2048},  {"Udf250Vat", "bdr", "2.50", false, 2048},
+        {"Udf260Vat", "dvdr", "2.60", false, 2048},     {"MetadataPartitionMirror", "hd", "2.01", true, 2048},
+        {"Blocks512", "hd", "1.02", false, 512},        {"Blocks1024", "hd", "2.01", false, 1024},
+        {"Blocks4096", "hd", "2.01", false, 4096},      {"Blocks8192", "hd", "2.00", false, 8192},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         Scratch s;
         const std::string image = s / "disc.udf";
-        ASSERT_FALSE(MakeUdf(image, row.media, row.revision, row.metadata).img.empty());
+        ASSERT_FALSE(MakeUdf(image, row.media, row.revision, row.metadata, row.bs).img.empty());
+        ASSERT_TRUE(IsDiscImage(image));
         bool ok = false;
         EXPECT_EQ(ImageLines(image, ok), ExpectedLines());
         EXPECT_TRUE(ok);
-        // The tool's own reading of the volume: label and the serial Windows shows.
+        // The tool's own reading of the volume: label, the serial Windows shows, its blocks.
         ExpectHeader(image, UdfInfo(image, "label"), "UDF",
                      static_cast<std::uint32_t>(std::stoul(UdfInfo(image, "winserialnum"), nullptr, 16)),
-                     static_cast<std::uint32_t>(std::filesystem::file_size(image) / 2048));
+                     static_cast<std::uint32_t>(std::stoul(UdfInfo(image, "blocks"))),
+                     static_cast<std::int32_t>(std::stoul(UdfInfo(image, "blocksize"))));
+        // The catalogue it adds is the one the image checks against.
+        ASSERT_EQ(AddImage(s, image, "Platte").result, AddResult::Added);
+        WalkList folders, files;
+        ASSERT_TRUE(WalkImage(image, folders, files));
+        const VerifyReport report = VerifyDisc(s / "Daten/Platte.idx", image, folders, files);
+        EXPECT_TRUE(report.opened);
+        EXPECT_TRUE(report.findings.empty());
     }
 }
 
@@ -411,9 +439,9 @@ TEST(AddImage, DamagedUdfAddsNothing) {
         void (*damage)(Udf&);
     } rows[] = {
         {"Intact", [](Udf&) {}},
-        {"CutShort", [](Udf& u) { u.img.resize(u.img.size() / 2 + 8 * 2048); }},
+        {"CutShort", [](Udf& u) { u.img.resize(u.img.size() / 2 + 8 * u.bs); }},
         {"BadTag", [](Udf& u) { u.At(u.blocks["Zeta/Unter/"])[60] ^= 1; }},
-        {"Loop", [](Udf& u) { std::memcpy(u.At(u.blocks["Zeta/Unter/"]), u.At(u.blocks["Zeta/"]), 2048); }},
+        {"Loop", [](Udf& u) { std::memcpy(u.At(u.blocks["Zeta/Unter/"]), u.At(u.blocks["Zeta/"]), u.bs); }},
         {"DescriptorsBeyondBlock", [](Udf& u) {
              unsigned char* p = u.At(u.blocks["Zeta/"]);
              P32(p + 212, 4000), u.Tag(p, 266, G32(p + 12), 216 + 8 - 16);
@@ -423,24 +451,20 @@ TEST(AddImage, DamagedUdfAddsNothing) {
              P32(p + 56, 100000), u.Tag(p, 266, G32(p + 12), 216 + 8 - 16);
          }},
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        Scratch s;
-        const std::string image = s / "bd.udf";
-        Udf u = MakeUdf(image, "hd", "2.01", false);
-        row.damage(u);
-        std::ofstream(image, std::ios::binary | std::ios::trunc) << u.img;
-        std::filesystem::create_directories(s / "Daten");
-        AddRequest request;
-        request.root = image;
-        request.label = "BD";
-        request.dataFolder = s / "Daten";
-        const AddOutcome out = AddDisc(request, DiscSourceWithImages(), SystemFileOps());
-        const bool intact = row.name == std::string("Intact");
-        EXPECT_EQ(out.result, intact ? AddResult::Added : AddResult::WriteFailed);
-        EXPECT_EQ(out.failure.code, intact ? FailCode::None : FailCode::Unreadable);
-        EXPECT_EQ(std::filesystem::is_empty(s / "Daten"), !intact);
-    }
+    for (const std::uint32_t bs : {2048u, 512u, 4096u})  // the checks hold at every block size
+        for (const auto& row : rows) {
+            SCOPED_TRACE(std::string(row.name) + " in blocks of " + std::to_string(bs));
+            Scratch s;
+            const std::string image = s / "bd.udf";
+            Udf u = MakeUdf(image, "hd", "2.01", false, bs);
+            row.damage(u);
+            std::ofstream(image, std::ios::binary | std::ios::trunc) << u.img;
+            const AddOutcome out = AddImage(s, image, "BD");
+            const bool intact = row.name == std::string("Intact");
+            EXPECT_EQ(out.result, intact ? AddResult::Added : AddResult::WriteFailed);
+            EXPECT_EQ(out.failure.code, intact ? FailCode::None : FailCode::Unreadable);
+            EXPECT_EQ(std::filesystem::is_empty(s / "Daten"), !intact);
+        }
 }
 
 }  // namespace
