@@ -750,7 +750,8 @@ Duplicates FindDuplicates(const std::string& dataFolder,
     const std::size_t discs = std::min(labels.size(), kMaxDiscs);
     const bool twoThreads = gThreads && discs > 1 && std::thread::hardware_concurrency() != 1;
     Records records[2];
-    std::atomic<std::size_t> heard{0};
+    // Without a listener nothing is told, and the passes never wait for each other.
+    std::atomic<std::size_t> heard{progress ? 0 : SIZE_MAX};
     std::atomic<bool> stop{false};
     const auto pass = [&](int t) {
         if (t == 1 && !twoThreads) return;  // the one pass took them all
