@@ -52,8 +52,10 @@ struct Candidate {
     std::uint32_t hash;  // ShortHash
 };
 
-// How many records a pass keeps before it looks whether to fold them.
+// How many records a pass keeps before it looks whether to fold them, and
+// how many a chunk of a part's chain holds (a multiple of a cache line's).
 std::size_t gFoldAt = std::size_t{1} << 20;
+std::size_t gChunk = 1024;
 
 // The records of a pass, parted on the way by the top bits of their hash:
 // each part a chain of small chunks cut from large blocks that are never
@@ -115,14 +117,14 @@ public:
         const Part& p = parts_[part];
         return p.chunks.empty()
                    ? 0
-                   : (p.chunks.size() - 1) * kChunk + static_cast<std::size_t>(at_[part] - p.chunks.back());
+                   : (p.chunks.size() - 1) * chunk_ + static_cast<std::size_t>(at_[part] - p.chunks.back());
     }
     // The records of a part in the order they came, so in rising places.
     template <typename F>
     void ForEach(std::size_t part, F&& f) const {
         const Part& p = parts_[part];
         for (std::size_t c = 0; c < p.chunks.size(); ++c)
-            for (const Record *r = p.chunks[c], *end = c + 1 == p.chunks.size() ? at_[part] : r + kChunk; r != end;
+            for (const Record *r = p.chunks[c], *end = c + 1 == p.chunks.size() ? at_[part] : r + chunk_; r != end;
                  ++r)
                 f(*r);
     }
@@ -152,7 +154,7 @@ public:
     // Where the index-th record of a part (in the order ForEach gives them)
     // stands.
     std::uint64_t WhereOf(std::size_t part, std::size_t index) const {
-        const Record r = parts_[part].chunks[index / kChunk][index % kChunk];
+        const Record r = parts_[part].chunks[index / chunk_][index % chunk_];
         Placer placer(*this);
         return placer.Where(r);
     }
@@ -188,7 +190,8 @@ private:
         std::uint64_t first;  // where the pair's first line stands
         std::uint32_t hash;   // ShortHash
     };
-    static constexpr std::size_t kChunk = 1024, kBlock = std::size_t{1} << 17;  // records
+    static constexpr std::size_t kBlock = std::size_t{1} << 17;  // records
+    std::size_t chunk_ = gChunk;
     static constexpr unsigned kLine = 8;  // records to a cache line
     struct Part {
         std::vector<Record*> chunks;
@@ -204,20 +207,26 @@ private:
     std::uint8_t fill_[kParts] = {};
     Record* at_[kParts] = {};   // where a part's next line goes
     Record* end_[kParts] = {};  // the end of its chunk
+    // A line that waited only in part (looked at before it was full) leaves
+    // the chunk's next lines astride two chunks: they go in two writes.
     void Flush(std::size_t part) {
-        const unsigned n = fill_[part];
-        if (n == 0) return;
-        if (at_[part] == end_[part]) NewChunk(part);  // a chunk holds whole lines
-        Record* to = at_[part];
+        const Record* from = waiting_[part];
+        for (std::size_t left = fill_[part]; left > 0;) {
+            if (at_[part] == end_[part]) NewChunk(part);
+            Record* to = at_[part];
+            const std::size_t n = std::min<std::size_t>(left, static_cast<std::size_t>(end_[part] - to));
 #ifdef __SSE2__
-        if (n == kLine && reinterpret_cast<std::uintptr_t>(to) % 64 == 0) {
-            const auto* from = reinterpret_cast<const __m128i*>(waiting_[part]);
-            auto* line = reinterpret_cast<__m128i*>(to);
-            for (int k = 0; k < 4; ++k) _mm_stream_si128(line + k, _mm_load_si128(from + k));
-        } else
+            if (n == kLine && reinterpret_cast<std::uintptr_t>(to) % 64 == 0) {
+                auto* line = reinterpret_cast<__m128i*>(to);
+                for (int k = 0; k < 4; ++k)
+                    _mm_stream_si128(line + k, _mm_load_si128(reinterpret_cast<const __m128i*>(from) + k));
+            } else
 #endif
-            std::memcpy(to, waiting_[part], n * sizeof(Record));
-        at_[part] = to + n;
+                std::memcpy(to, from, n * sizeof(Record));
+            at_[part] = to + n;
+            from += n;
+            left -= n;
+        }
         fill_[part] = 0;
     }
     static Slot& Find(Part& p, std::uint32_t hash) {
@@ -240,13 +249,13 @@ private:
                 blocks_.emplace_back(new Record[kBlock + kLine]);
                 const auto at = reinterpret_cast<std::uintptr_t>(blocks_.back().get());
                 block_ = blocks_.back().get() + (64 - at % 64) % 64 / sizeof(Record);
-                left_ = kBlock / kChunk;
+                left_ = kBlock / chunk_;
             }
-            free_.push_back(block_ + (kBlock / kChunk - left_--) * kChunk);
+            free_.push_back(block_ + (kBlock / chunk_ - left_--) * chunk_);
         }
         at_[part] = free_.back();
         free_.pop_back();
-        end_[part] = at_[part] + kChunk;
+        end_[part] = at_[part] + chunk_;
         parts_[part].chunks.push_back(at_[part]);
     }
     void Fold(Part& p) {
@@ -730,7 +739,9 @@ void FetchDisc(ReadFolder& folder, const std::string& label, std::uint32_t disc,
 
 }  // namespace
 
-void SetDuplicateSeamsForTesting(int hashBits, std::size_t block, bool threads, std::size_t foldAt) {
+void SetDuplicateSeamsForTesting(int hashBits, std::size_t block, bool threads, std::size_t foldAt,
+                                 std::size_t chunk) {
+    gChunk = std::max<std::size_t>(8, chunk / 8 * 8);
     gHashMask = hashBits >= 64 ? ~std::uint64_t{0} : ~(~std::uint64_t{0} >> hashBits);
     gBlock = std::max<std::size_t>(1, block);
     gThreads = threads;

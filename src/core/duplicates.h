@@ -49,10 +49,11 @@ Duplicates FindDuplicates(
 // Tests only: keep just the top `hashBits` bits of the hash that brings copies
 // together (0 makes every file meet every other), so that files whose hashes
 // meet must still be told apart by their names; read `block` bytes at a
-// time, so that lines and line ends straddle reads; one thread or two; and
-// look whether to fold the lines into pairs after `foldAt` lines (and at
-// every doubling). (64, 1 << 18, true, 1 << 20) is the program's own setting.
+// time, so that lines and line ends straddle reads; one thread or two; look
+// whether to fold the lines into pairs after `foldAt` lines (and at every
+// doubling); and keep `chunk` lines (a multiple of 8) to a chunk of a part's
+// chain. (64, 1 << 18, true, 1 << 20, 1024) is the program's own setting.
 void SetDuplicateSeamsForTesting(int hashBits, std::size_t block, bool threads = true,
-                                 std::size_t foldAt = std::size_t{1} << 20);
+                                 std::size_t foldAt = std::size_t{1} << 20, std::size_t chunk = 1024);
 
 }  // namespace ct

@@ -93,6 +93,19 @@ TEST(FindDuplicates, SameNameAndSizeOnTwoDiscsLargestFirst) {
                               "\\neun.txt|123456789|R||\r\n";
     s.Write("Acht.idx", head + "\\lang\\Ordner\\Bild.jpg|0500|R||\r\n\\null.txt|-0|R||\r\n" + sizes);
     s.Write("Neun.idx", head + sizes + "\\Bild.jpg|500|R||\r\n\\x\\null.txt|0|R||\r\n");
+    // Many lines, every hundredth on both discs: the chains of the parts then
+    // run to many chunks, with copies all along them.
+    std::string many[2] = {head, head};
+    std::vector<std::string> shared;  // largest first
+    for (int i = 1499; i >= 0; --i) {
+        const std::string n = std::to_string(i);
+        for (int d = 0; d < 2; ++d)
+            many[d] += "\\" + (i % 100 ? std::to_string(d) + "-" : "gemeinsam-") + n + ".txt|" + n + "|R||\r\n";
+        if (i % 100 == 0)
+            shared.push_back("gemeinsam-" + n + ".txt " + n + ": Zehn\\\\gemeinsam-" + n + ".txt Elf\\\\gemeinsam-" + n + ".txt");
+    }
+    s.Write("Zehn.idx", many[0]);
+    s.Write("Elf.idx", many[1]);
     const struct {
         const char* name;
         std::vector<std::string> labels;
@@ -121,19 +134,24 @@ TEST(FindDuplicates, SameNameAndSizeOnTwoDiscsLargestFirst) {
         {"SizeSpellings", {"Acht", "Neun"}, 0,
          {"Film.mkv 12345678901234: Acht\\\\Film.mkv Neun\\\\Film.mkv", "neun.txt 123456789: Acht\\\\neun.txt Neun\\\\neun.txt",
           "Bild.jpg 500: Acht\\\\lang\\Ordner\\Bild.jpg Neun\\\\Bild.jpg", "null.txt 0: Acht\\\\null.txt Neun\\\\x\\null.txt"}},
+        {"ManyLines", {"Zehn", "Elf"}, 0, shared},
         {"LineEnds", {"Vier", "F\xC3\xBCnf"}, 0,
          {"KLEIN.TXT 3: Vier\\\\KLEIN.TXT F\xC3\xBCnf\\\\x\\Klein.txt F\xC3\xBCnf\\\\y\\klein.txt"}},
     };
     // Hashes that all meet, and reads of a few bytes, must change nothing.
-    // So must the portable path of the line cutting, one thread for two, and
-    // records folded into pairs from the first line on.
-    for (const auto& [bits, block, vectors, threads, foldAt] :
-         {std::tuple{64, 1 << 18, true, true, 1 << 20}, {0, 1, true, true, 1}, {1, 5, false, false, 2},
-          {3, 64, true, true, 1 << 20}, {64, 64, true, false, 1}, {64, 64, true, true, 3}})
+    // So must the portable path of the line cutting, one thread for two,
+    // records folded into pairs from the first line on, and chunks of one
+    // line each, which lines that waited only in part (looked at before they
+    // were full, and then not folded) leave astride two chunks.
+    for (const auto& [bits, block, vectors, threads, foldAt, chunk] :
+         {std::tuple{64, 1 << 18, true, true, 1 << 20, 1024}, {0, 1, true, true, 1, 1024}, {1, 5, false, false, 2, 1024},
+          {3, 64, true, true, 1 << 20, 1024}, {64, 64, true, false, 1, 1024}, {64, 64, true, true, 3, 1024},
+          {64, 64, true, false, 3, 8}, {64, 1 << 18, true, true, 5, 8}})
     for (const auto& row : rows) {
         SCOPED_TRACE(std::string(row.name) + " bits " + std::to_string(bits) + " block " + std::to_string(block) +
-                     " fold " + std::to_string(foldAt));
-        SetDuplicateSeamsForTesting(bits, static_cast<std::size_t>(block), threads, static_cast<std::size_t>(foldAt));
+                     " fold " + std::to_string(foldAt) + " chunk " + std::to_string(chunk));
+        SetDuplicateSeamsForTesting(bits, static_cast<std::size_t>(block), threads, static_cast<std::size_t>(foldAt),
+                                    static_cast<std::size_t>(chunk));
         scan::UseVectors(vectors);
         std::vector<std::string> said;
         std::vector<std::size_t> heard;
