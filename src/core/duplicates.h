@@ -1,8 +1,9 @@
 // Copies across discs: files that stand on more than one disc under the same
 // name and size, the name compared without regard to case as the search's
 // name test compares it. One pass over the catalogues, two threads taking
-// every other disc, keeps sixteen bytes per file line (a hash of the name and
-// size, and where the line stands), parted by the hash as the lines come;
+// every other disc, keeps eight bytes per file line (part of a hash of the
+// name and size, and where the line stands), parted by the hash as the lines
+// come;
 // where the lines run to two or more per pair, they are folded into a table
 // of the pairs, so that memory stays proportional to the distinct (name,
 // size) pairs. Only the lines whose pair turns up on two discs are read
