@@ -1,16 +1,16 @@
 #!/usr/bin/env bash
 # `duplicates` against `stats` over the same collection, in the same run and
 # from the same (warm) page cache. Both read every catalogue once; duplicates
-# also takes each file line apart and hashes its name and size, keeps sixteen
-# bytes per line (or, where lines run to several per pair, per pair), reads
-# the lines of the copies again for their hit texts and prints one record a
-# copy, so the statistics run is the measure it is held to (target: at most
-# twice its time). Duplicates reads with two threads (every other disc each):
+# also takes each file line apart and hashes its name and size, keeps eight
+# bytes per line (or, where lines run to several per pair, sixteen per pair),
+# reads the lines of the copies again for their hit texts and prints one
+# record a copy, so the statistics run is the measure it is held to (target:
+# at most twice its time). Duplicates reads with two threads (every other disc each):
 # its wall time gains from a second core, its CPU time does not. Run it on an
 # otherwise idle machine: on a busy one the wall times say little.
 #
 #   bench/duplicates.sh [BUILD_DIR]     (default: build)
-#   DISCS=1000 FILES=2000 SHARED=5 RUNS=3 KEEP=1 bench/duplicates.sh
+#   DISCS=1000 FILES=2000 SHARED=5 RUNS=10 KEEP=1 bench/duplicates.sh
 #
 # Every disc holds FILES files of its own names; SHARED in a hundred of them
 # also stand, same name and size, on every other disc.
@@ -25,7 +25,7 @@ cli="$build/Cartulon/cartulon-cli"
 discs=${DISCS:-1000}
 files=${FILES:-2000}
 shared=${SHARED:-5}
-runs=${RUNS:-3}
+runs=${RUNS:-10}
 dir=$(mktemp -d "${TMPDIR:-/tmp}/cartulon-bench-dups.XXXXXX")
 [[ -n ${KEEP:-} ]] || trap 'rm -rf "$dir"' EXIT
 
@@ -48,34 +48,32 @@ bytes=$(du -sb "$dir/Daten" | cut -f1)
 echo "collection: $discs catalogues, $((bytes / 1000000)) MB, $((files * discs)) files"
 cat "$dir/Daten/"*.idx > /dev/null
 
-timed() {  # timed OUTFILE CMD...: prints "wall_ms cpu_ms maxrss_kb"
-    local out=$1; shift
-    /usr/bin/time -f "%e %U %S %M" -o "$dir/time" "$@" > "$out" || [ $? -eq 1 ]
-    awk '{ printf "%d %d %d\n", $1 * 1000, ($2 + $3) * 1000, $4 }' "$dir/time"
-}
-best() { (( $2 == 0 || $1 < $2 )) && echo "$1" || echo "$2"; }
-dw=0 dc=0 sw=0 sc=0 rss=0
-for ((r = 0; r < runs; r++)); do
-    read -r w c m < <(timed "$dir/dups.out" env LC_ALL=C "$cli" duplicates --format tsv --data-folder "$dir/Daten")
-    dw=$(best "$w" "$dw"); dc=$(best "$c" "$dc"); rss=$m
-    read -r w c m < <(timed "$dir/stats.out" env LC_ALL=C "$cli" stats --data-folder "$dir/Daten")
-    sw=$(best "$w" "$sw"); sc=$(best "$c" "$sc")
-done
+# Both sides interleaved (A B B A ...) by bench/cputime: CPU time from wait4
+# and wall time to the microsecond, median and best of RUNS each.
+timer=$build/bench/cputime
+[[ -x $timer ]] || { echo "no $timer: build the target cputime first" >&2; exit 2; }
+read -r dcm dc dwm dw scm sc swm sw < <("$timer" "$runs" "$dir/out" \
+    -- env LC_ALL=C "$cli" duplicates --format tsv --data-folder "$dir/Daten" \
+    -- env LC_ALL=C "$cli" stats --data-folder "$dir/Daten")
+cp "$dir/out.a" "$dir/dups.out"
+rss=$( { /usr/bin/time -f "%M" env LC_ALL=C "$cli" duplicates --format tsv --data-folder "$dir/Daten" \
+    > /dev/null; } 2>&1 | tail -1)
 
 # The run must have found what was generated, or its time means nothing.
 groups=$(cut -f1 "$dir/dups.out" | sort -u | wc -l)
 want=$(( (files / 100) * shared + (files % 100 < shared ? files % 100 : shared) ))
 (( groups == want )) || { echo "duplicates found $groups groups, want $want" >&2; exit 1; }
 
-awk -v dw="$dw" -v dc="$dc" -v sw="$sw" -v sc="$sc" -v rss="$rss" -v g="$groups" 'BEGIN {
-    printf "                         wall ms   cpu ms   (best of runs)\n"
-    printf "cartulon-cli duplicates  %7d  %7d   %d groups, max RSS %d MB\n", dw, dc, g, rss / 1024
-    printf "cartulon-cli stats       %7d  %7d\n", sw, sc
-    printf "ratio duplicates / stats %7.2f  %7.2f   (target <= 2.0)\n", dw / (sw ? sw : 1), dc / (sc ? sc : 1)
+awk -v dwm="$dwm" -v dw="$dw" -v dcm="$dcm" -v dc="$dc" -v swm="$swm" -v sw="$sw" -v scm="$scm" -v sc="$sc" \
+    -v rss="$rss" -v g="$groups" 'BEGIN {
+    printf "                          wall ms        cpu ms       (median / best of runs)\n"
+    printf "cartulon-cli duplicates  %6.1f %6.1f  %6.1f %6.1f   %d groups, max RSS %d MB\n", dwm, dw, dcm, dc, g, rss / 1024
+    printf "cartulon-cli stats       %6.1f %6.1f  %6.1f %6.1f\n", swm, sw, scm, sc
+    printf "ratio duplicates / stats %6.2f %6.2f  %6.2f %6.2f   (target <= 2.0)\n", dwm / swm, dw / sw, dcm / scm, dc / sc
 }'
 
 if [ -n "${BENCH_ROWS:-}" ]; then
-    awk -v dw="$dw" -v sw="$sw" -v d="$discs" 'BEGIN {
-        printf "duplicates, %d catalogues|%d ms|%d ms (stats)|%.2f|<= 2.0\n", d, dw, sw, dw / (sw ? sw : 1)
+    awk -v dw="$dwm" -v sw="$swm" -v d="$discs" 'BEGIN {
+        printf "duplicates, %d catalogues|%.0f ms|%.0f ms (stats)|%.2f|<= 2.0\n", d, dw, sw, dw / sw
     }' >> "$BENCH_ROWS"
 fi

@@ -38,7 +38,8 @@ int RunDuplicates(Context& ctx) {
             return std::find(wanted.begin(), wanted.end(), l) == wanted.end();
         });
 
-    const std::vector<DuplicateGroup> groups = FindDuplicates(ctx.dataFolder, labels, minSize);
+    const Duplicates found = FindDuplicates(ctx.dataFolder, labels, minSize);
+    const std::vector<DuplicateGroup>& groups = found.groups;
     const Format format = FormatOf(ctx);
     std::string value;  // one copy's text, its room used again
     if (format == Format::Text) {
@@ -48,23 +49,26 @@ int RunDuplicates(Context& ctx) {
                      << ctx.T({"%1 Bytes, %2 Kopien", "%1 bytes, %2 copies"},
                               {std::to_string(g.size), std::to_string(g.hits.size())})
                      << "\n";
-            for (const std::string& hit : g.hits) {
+            for (const std::string_view hit : g.hits) {
                 ValueInto(ctx, hit, true, value);
                 *ctx.out << "  " << value << "\n";
             }
         }
     } else {
         Records records(ctx, {{"group", true}, {"name"}, {"size", true}, {"hit"}});
-        // One record a copy: the group's fields are made once, not per copy.
-        std::vector<std::string> values(4);
-        std::size_t number = 0;
+        // One record a copy: the group's fields are made once, not per copy,
+        // and a hit (UTF-8 already) goes out as it stands unless its
+        // backslashes are to be slashes.
+        const bool slashes = ctx.args.Has("--slashes");
+        std::string number, name, size, hit;
+        std::size_t n = 0;
         for (const DuplicateGroup& g : groups) {
-            values[0] = std::to_string(++number);
-            values[1] = Value(ctx, g.name);
-            values[2] = std::to_string(g.size);
-            for (const std::string& hit : g.hits) {
-                ValueInto(ctx, hit, true, values[3]);
-                records.Add(values);
+            number = std::to_string(++n);
+            ValueInto(ctx, g.name, false, name);
+            size = std::to_string(g.size);
+            for (const std::string_view h : g.hits) {
+                if (slashes) ValueInto(ctx, h, true, hit);
+                records.Add({number, name, size, slashes ? std::string_view(hit) : h});
             }
         }
     }

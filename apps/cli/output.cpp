@@ -68,7 +68,13 @@ std::string JsonString(std::string_view utf8) {
 Records::Records(const Context& ctx, std::vector<Field> fields, bool single)
     : ctx_(ctx), fields_(std::move(fields)), single_(single), format_(FormatOf(ctx)) {}
 
+void Records::Flush() {
+    ctx_.out->write(line_.data(), static_cast<std::streamsize>(line_.size()));
+    line_.clear();
+}
+
 Records::~Records() {
+    Flush();
     if (format_ != Format::Json) return;
     if (!single_)
         *ctx_.out << (count_ ? "\n]\n" : "[]\n");
@@ -77,28 +83,43 @@ Records::~Records() {
 }
 
 void Records::Add(const std::vector<std::string>& values) {
+    std::string_view views[16];
+    std::vector<std::string_view> more;
+    std::string_view* v = views;
+    if (values.size() > std::size(views)) v = (more = {values.begin(), values.end()}).data();
+    else std::copy(values.begin(), values.end(), views);
+    Add(v, values.size());
+}
+
+void Records::Add(const std::string_view* values, std::size_t count) {
     std::ostream& out = *ctx_.out;
     if (format_ == Format::Tsv) {
         // A tab or a line break inside a value would split the record: they
-        // become blanks. The record is made whole, then written at once: a
-        // stream call per byte cost more than all the rest of a long listing.
+        // become blanks. Records are made whole in one buffer and written
+        // some tens of kilobytes at a time: a stream call per byte, and then
+        // one per record, cost more than all the rest of a long listing.
         std::string& line = line_;
-        line.clear();
-        for (std::size_t i = 0; i < values.size(); ++i) {
+        for (std::size_t i = 0; i < count; ++i) {
             if (i) line += '\t';
+            const std::string_view v = values[i];
+            bool split = false;
+            for (const char c : v) split |= (c == '\t') | (c == '\n') | (c == '\r');
             const std::size_t at = line.size();
-            line += values[i];
-            for (std::size_t k = line.find_first_of("\t\n\r", at); k != std::string::npos;
-                 k = line.find_first_of("\t\n\r", k + 1))
-                line[k] = ' ';
+            line += v;
+            if (split)
+                for (auto c = line.begin() + static_cast<std::ptrdiff_t>(at); c != line.end(); ++c)
+                    if (*c == '\t' || *c == '\n' || *c == '\r') *c = ' ';
         }
         line += '\n';
-        out.write(line.data(), static_cast<std::streamsize>(line.size()));
+        if (line.size() >= kFlushAt) Flush();
     } else {
         out << (single_ ? "" : count_ ? ",\n  " : "[\n  ") << '{';
-        for (std::size_t i = 0; i < values.size() && i < fields_.size(); ++i) {
-            out << (i ? ", " : "") << JsonString(fields_[i].name) << ": "
-                << (fields_[i].number && IsJsonNumber(values[i]) ? values[i] : JsonString(values[i]));
+        for (std::size_t i = 0; i < count && i < fields_.size(); ++i) {
+            out << (i ? ", " : "") << JsonString(fields_[i].name) << ": ";
+            if (fields_[i].number && IsJsonNumber(values[i]))
+                out << values[i];
+            else
+                out << JsonString(values[i]);
         }
         out << '}' << (single_ ? "\n" : "");
     }

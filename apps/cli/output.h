@@ -3,6 +3,7 @@
 // catalogue's '\' paths. Text output stays with each command, for people.
 #pragma once
 
+#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -39,14 +40,18 @@ public:
     ~Records();  // closes the JSON document
     // The values in the order of the fields, already passed through Value().
     void Add(const std::vector<std::string>& values);
+    void Add(std::initializer_list<std::string_view> values) { Add(values.begin(), values.size()); }
 
 private:
+    static constexpr std::size_t kFlushAt = std::size_t{1} << 15;
+    void Add(const std::string_view* values, std::size_t count);
+    void Flush();
     const Context& ctx_;
     std::vector<Field> fields_;
     bool single_;
     Format format_;
     std::size_t count_ = 0;
-    std::string line_;  // a tsv record, kept for its capacity
+    std::string line_;  // tsv records not yet written
 };
 
 }  // namespace ct::cli

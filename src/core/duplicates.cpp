@@ -25,28 +25,37 @@
 namespace ct {
 namespace {
 
-// The pass keeps one of these per file line and nothing else: a hash of the
-// (name as compared, size) and where the line stands (the disc above bit 40,
-// the line's byte offset in its catalogue below). No string, no node: parting
+// The pass keeps eight bytes per file line and nothing else: 24 bits of a
+// hash of the (name as compared, size) above the line's place among all the
+// bytes its pass read (40 bits); the top 8 bits of the hash name the part the
+// record is kept in, so 32 bits of it are known. No string, no node: parting
 // the records by hash brings every possible copy together, and only hashes
-// found on two discs are looked at again.
-struct Record {
-    std::uint64_t hash;
-    std::uint64_t where;
-};
-constexpr int kOffsetBits = 40;
+// found on two discs are looked at again. Hashes that meet without being one
+// pair make candidates the names then tell apart (a few hundred in two
+// million lines).
+using Record = std::uint64_t;
+constexpr int kPlaceBits = 40;
+constexpr std::uint64_t kPlaceMask = (std::uint64_t{1} << kPlaceBits) - 1;
+constexpr int kOffsetBits = 40;  // where a line stands: the disc above, its offset in the catalogue below
 constexpr std::uint64_t kOffsetMask = (std::uint64_t{1} << kOffsetBits) - 1;
 constexpr std::size_t kMaxDiscs = std::size_t{1} << (63 - kOffsetBits);  // a pair's slot takes the top bit
 constexpr int kPartBits = 8;
 constexpr std::size_t kParts = std::size_t{1} << kPartBits;
+constexpr std::uint64_t kKeyMask = (std::uint64_t{1} << (32 - kPartBits)) - 1;
+
+// The 32 bits of a hash the records keep (its part above, its key below).
+std::uint32_t ShortHash(std::uint64_t hash) { return static_cast<std::uint32_t>(hash >> 32); }
 
 // A line whose pair may stand on two discs or more, to be read again.
 struct Candidate {
-    std::uint64_t where, hash;
+    std::uint64_t where;
+    std::uint32_t hash;  // ShortHash
 };
 
-// How many records a pass keeps before it looks whether to fold them.
+// How many records a pass keeps before it looks whether to fold them, and
+// how many a chunk of a part's chain holds (a multiple of a cache line's).
 std::size_t gFoldAt = std::size_t{1} << 20;
+std::size_t gChunk = 1024;
 
 // The records of a pass, parted on the way by the top bits of their hash:
 // each part a chain of small chunks cut from large blocks that are never
@@ -54,8 +63,8 @@ std::size_t gFoldAt = std::size_t{1} << 20;
 // it, and no second array is needed to part them afterwards. (So few parts
 // that the ends they are written at stay in the cache too.)
 //
-// Sixteen bytes a line is the least a collection of few copies can cost;
-// one of many copies would pay that per copy. So when a pass holds gFoldAt
+// Eight bytes a line is the least a collection of few copies can cost; one
+// of many copies would pay that per copy. So when a pass holds gFoldAt
 // records, and again at every doubling, it looks how many lines a pair has:
 // at two or more it folds the records into a table of pairs per part (hash,
 // first line), frees them, and from then on folds a part whenever it holds
@@ -67,15 +76,36 @@ class Records {
 public:
     std::vector<Candidate> candidates, later;  // once folded
 
-    void Add(std::uint64_t hash, std::uint64_t where) {
-        Part& p = parts_[hash >> (64 - kPartBits)];
-        if (p.at == p.end) NewChunk(p);
-        *p.at++ = {hash, where};
+    // The lines of disc `disc` follow, at their offsets in its catalogue;
+    // false when this pass has read all the bytes its places can tell.
+    bool BeginDisc(std::size_t disc) {
+        if (next_ > kPlaceMask) return false;
+        starts_.push_back(next_);
+        discs_.push_back(disc);
+        return true;
+    }
+    // The last disc's catalogue was read up to `bytes`.
+    void EndDisc(std::uint64_t bytes) { next_ = starts_.back() + bytes + 1; }
+    bool Fits(std::uint64_t offset) const { return starts_.back() + offset <= kPlaceMask; }
+
+    void Add(std::uint64_t hash, std::uint64_t offset) {
+        const std::size_t part = hash >> (64 - kPartBits);
+        std::uint8_t& n = fill_[part];
+        waiting_[part][n] = (ShortHash(hash) & kKeyMask) << kPlaceBits | (starts_.back() + offset);
+        if (++n == kLine) Flush(part);
         if (!folded_) {
             if (++kept_ == checkAt_) CheckFold();
-        } else if (++p.fresh > p.used) {
-            Fold(p);
+        } else if (++parts_[part].fresh > parts_[part].used) {
+            Fold(parts_[part]);
         }
+    }
+    // Every record written to its part's chain (Count and ForEach see only
+    // those).
+    void FlushAll() {
+        for (std::size_t part = 0; part < kParts; ++part) Flush(part);
+#ifdef __SSE2__
+        _mm_sfence();  // the lines written past the cache, seen by the thread that reads them next
+#endif
     }
     bool Folded() const { return folded_; }
     void FoldAll() {
@@ -87,15 +117,46 @@ public:
         const Part& p = parts_[part];
         return p.chunks.empty()
                    ? 0
-                   : (p.chunks.size() - 1) * kChunk + static_cast<std::size_t>(p.at - p.chunks.back());
+                   : (p.chunks.size() - 1) * chunk_ + static_cast<std::size_t>(at_[part] - p.chunks.back());
     }
+    // The records of a part in the order they came, so in rising places.
     template <typename F>
     void ForEach(std::size_t part, F&& f) const {
         const Part& p = parts_[part];
         for (std::size_t c = 0; c < p.chunks.size(); ++c)
-            for (const Record *r = p.chunks[c], *end = c + 1 == p.chunks.size() ? p.at : r + kChunk; r != end;
+            for (const Record *r = p.chunks[c], *end = c + 1 == p.chunks.size() ? at_[part] : r + chunk_; r != end;
                  ++r)
                 f(*r);
+    }
+    // Where the lines of records met in rising places stand: their disc and
+    // their offset in its catalogue.
+    class Placer {
+    public:
+        explicit Placer(const Records& records) : r_(records) { Move(0); }
+        std::uint64_t Where(Record record) {
+            const std::uint64_t place = record & kPlaceMask;
+            if (place >= next_)
+                Move(static_cast<std::size_t>(std::upper_bound(r_.starts_.begin(), r_.starts_.end(), place) -
+                                              r_.starts_.begin() - 1));
+            return disc_ | (place - start_);
+        }
+
+    private:
+        void Move(std::size_t i) {
+            if (i >= r_.starts_.size()) return;  // no disc yet: no record either
+            start_ = r_.starts_[i];
+            next_ = i + 1 < r_.starts_.size() ? r_.starts_[i + 1] : UINT64_MAX;
+            disc_ = static_cast<std::uint64_t>(r_.discs_[i]) << kOffsetBits;
+        }
+        const Records& r_;
+        std::uint64_t start_ = 0, next_ = UINT64_MAX, disc_ = 0;  // the disc the last place stood on
+    };
+    // Where the index-th record of a part (in the order ForEach gives them)
+    // stands.
+    std::uint64_t WhereOf(std::size_t part, std::size_t index) const {
+        const Record r = parts_[part].chunks[index / chunk_][index % chunk_];
+        Placer placer(*this);
+        return placer.Where(r);
     }
     // Once folded: takes `other`'s pairs of the parts [from, to) into these.
     // The two passes read different discs, so a pair both hold is many.
@@ -115,9 +176,9 @@ public:
                 }
             }
     }
-    // Once folded: whether the pair of `hash` was met on two discs.
-    bool Many(std::uint64_t hash) {
-        Part& p = parts_[hash >> (64 - kPartBits)];
+    // Once folded: whether the pair of `hash` (a ShortHash) was met on two discs.
+    bool Many(std::uint32_t hash) {
+        Part& p = parts_[hash >> (32 - kPartBits)];
         return !p.slots.empty() && (Find(p, hash).first & kMany);
     }
 
@@ -126,20 +187,51 @@ private:
     // file line never stands at the start of its catalogue).
     static constexpr std::uint64_t kMany = std::uint64_t{1} << 63;
     struct Slot {
-        std::uint64_t hash, first;
+        std::uint64_t first;  // where the pair's first line stands
+        std::uint32_t hash;   // ShortHash
     };
-    static constexpr std::size_t kChunk = 512, kBlock = std::size_t{1} << 16;  // records
+    static constexpr std::size_t kBlock = std::size_t{1} << 17;  // records
+    std::size_t chunk_ = gChunk;
+    static constexpr unsigned kLine = 8;  // records to a cache line
     struct Part {
-        Record* at = nullptr;
-        Record* end = nullptr;
         std::vector<Record*> chunks;
         std::size_t fresh = 0;  // records since the last fold
         std::vector<Slot> slots;
         std::size_t used = 0;  // slots
     };
-    static Slot& Find(Part& p, std::uint64_t hash) {
+    // A record goes first to its part's line here, which stays in the cache
+    // with the 255 others; a full line is written to the part's chunk at
+    // once, past the cache. Written one by one, every record waited for its
+    // chunk's line to come from memory.
+    alignas(64) Record waiting_[kParts][kLine];
+    std::uint8_t fill_[kParts] = {};
+    Record* at_[kParts] = {};   // where a part's next line goes
+    Record* end_[kParts] = {};  // the end of its chunk
+    // A line that waited only in part (looked at before it was full) leaves
+    // the chunk's next lines astride two chunks: they go in two writes.
+    void Flush(std::size_t part) {
+        const Record* from = waiting_[part];
+        for (std::size_t left = fill_[part]; left > 0;) {
+            if (at_[part] == end_[part]) NewChunk(part);
+            Record* to = at_[part];
+            const std::size_t n = std::min<std::size_t>(left, static_cast<std::size_t>(end_[part] - to));
+#ifdef __SSE2__
+            if (n == kLine && reinterpret_cast<std::uintptr_t>(to) % 64 == 0) {
+                auto* line = reinterpret_cast<__m128i*>(to);
+                for (int k = 0; k < 4; ++k)
+                    _mm_stream_si128(line + k, _mm_load_si128(reinterpret_cast<const __m128i*>(from) + k));
+            } else
+#endif
+                std::memcpy(to, from, n * sizeof(Record));
+            at_[part] = to + n;
+            from += n;
+            left -= n;
+        }
+        fill_[part] = 0;
+    }
+    static Slot& Find(Part& p, std::uint32_t hash) {
         const std::size_t mask = p.slots.size() - 1;
-        for (auto i = static_cast<std::size_t>(hash >> 16) & mask;; i = (i + 1) & mask)
+        for (auto i = static_cast<std::size_t>(hash) & mask;; i = (i + 1) & mask)
             if (!p.slots[i].first || p.slots[i].hash == hash) return p.slots[i];
     }
     // After a slot was taken: a table at most three quarters full.
@@ -150,57 +242,70 @@ private:
         for (const Slot& s : old)
             if (s.first) Find(p, s.hash) = s;
     }
-    void NewChunk(Part& p) {
+    void NewChunk(std::size_t part) {
         if (free_.empty()) {
             if (blocks_.empty() || left_ == 0) {
-                blocks_.emplace_back(new Record[kBlock]);
-                left_ = kBlock / kChunk;
+                // Chunks on whole cache lines, for the lines written past the cache.
+                blocks_.emplace_back(new Record[kBlock + kLine]);
+                const auto at = reinterpret_cast<std::uintptr_t>(blocks_.back().get());
+                block_ = blocks_.back().get() + (64 - at % 64) % 64 / sizeof(Record);
+                left_ = kBlock / chunk_;
             }
-            free_.push_back(blocks_.back().get() + (kBlock / kChunk - left_--) * kChunk);
+            free_.push_back(block_ + (kBlock / chunk_ - left_--) * chunk_);
         }
-        p.at = free_.back();
+        at_[part] = free_.back();
         free_.pop_back();
-        p.end = p.at + kChunk;
-        p.chunks.push_back(p.at);
+        end_[part] = at_[part] + chunk_;
+        parts_[part].chunks.push_back(at_[part]);
     }
     void Fold(Part& p) {
+        const auto part = static_cast<std::uint32_t>(&p - parts_.data());
+        Flush(part);
         p.fresh = 0;
         if (p.chunks.empty()) return;
         if (p.slots.empty()) p.slots.assign(16, Slot{0, 0});
-        ForEach(static_cast<std::size_t>(&p - parts_.data()), [&](const Record& r) {
-            Slot& s = Find(p, r.hash);
+        Placer placer(*this);
+        ForEach(part, [&](Record r) {
+            const std::uint32_t hash = part << (32 - kPartBits) | static_cast<std::uint32_t>(r >> kPlaceBits);
+            const std::uint64_t where = placer.Where(r);
+            Slot& s = Find(p, hash);
             if (!s.first) {
-                s = {r.hash, r.where};
+                s = {where, hash};
                 Added(p);
-            } else if (s.first >> kOffsetBits == r.where >> kOffsetBits) {
-                later.push_back({r.where, r.hash});
+            } else if ((s.first & ~kMany) >> kOffsetBits == where >> kOffsetBits) {
+                later.push_back({where, hash});
             } else {
-                if (!(s.first & kMany)) candidates.push_back({s.first, s.hash});
+                if (!(s.first & kMany)) candidates.push_back({s.first, hash});
                 s.first |= kMany;
-                candidates.push_back({r.where, r.hash});
+                candidates.push_back({where, hash});
             }
         });
         free_.insert(free_.end(), p.chunks.begin(), p.chunks.end());
         p.chunks.clear();
-        p.at = p.end = nullptr;
+        at_[part] = end_[part] = nullptr;
     }
     std::vector<Part> parts_ = std::vector<Part>(kParts);
     std::vector<std::unique_ptr<Record[]>> blocks_;
     std::vector<Record*> free_;  // chunks folded, to be written again
-    std::size_t left_ = 0;       // chunks not yet cut from the last block
+    Record* block_ = nullptr;    // the last block's first whole line
+    std::size_t left_ = 0;       // chunks not yet cut from it
+    std::vector<std::uint64_t> starts_;  // each disc's first place, rising
+    std::vector<std::size_t> discs_;     // and its number
+    std::uint64_t next_ = 0;
     // Folds once the records hold at least two lines a pair, as the fullest
     // part shows them (the hash spreads the pairs evenly over the parts);
     // else looks again at twice as many.
     void CheckFold() {
+        FlushAll();
         std::size_t fullest = 0;
         for (std::size_t b = 1; b < kParts; ++b)
             if (Count(b) > Count(fullest)) fullest = b;
         const std::size_t n = Count(fullest);
-        std::vector<std::uint64_t> seen(std::bit_ceil(2 * n + 2), 0);
+        std::vector<std::uint32_t> seen(std::bit_ceil(2 * n + 2), 0);
         std::size_t pairs = 0;
-        ForEach(fullest, [&](const Record& r) {
-            const std::uint64_t h = r.hash | 1;  // 0 marks a free place
-            std::size_t i = static_cast<std::size_t>(h >> 16) & (seen.size() - 1);
+        ForEach(fullest, [&](Record r) {
+            const auto h = static_cast<std::uint32_t>(r >> kPlaceBits) + 1;  // 0 marks a free place
+            std::size_t i = h & (seen.size() - 1);
             while (seen[i] && seen[i] != h) i = (i + 1) & (seen.size() - 1);
             if (!seen[i]) seen[i] = h, ++pairs;
         });
@@ -306,21 +411,59 @@ void UpperName(std::string& out, std::string_view raw) {
     }
 }
 
-// The Size field behind the first bar, as std::from_chars reads it, up to the
-// next bar or the line end; false when it isn't a number. By hand: the
-// library's general reader was a tenth of the whole run.
-bool SizeField(const char* p, const char* eol, std::int64_t& size) {
-    const char* q = p + (p < eol && *p == '-');
-    const char* digits = q;
-    std::uint64_t v = 0;
-    while (q < eol && static_cast<unsigned char>(*q - '0') < 10)
-        v = v * 10 + static_cast<unsigned char>(*q++ - '0');
-    if (q == digits || (q != eol && *q != '|')) return false;
-    if (q - digits > 18) {  // where it could overflow, the library's rules
-        const auto [after, ec] = std::from_chars(p, eol, size);
-        return ec == std::errc() && after == q;
+// Eight decimal digits (the first in the lowest byte) as a number, in a few
+// multiplications: each step joins neighbours, then pairs of them.
+std::uint64_t EightDigits(std::uint64_t w) {
+    w -= 0x3030303030303030ULL;
+    w = w * 10 + (w >> 8);
+    return (((w & 0x000000FF000000FFULL) * 0x000F424000000064ULL) +
+            (((w >> 16) & 0x000000FF000000FFULL) * 0x0000271000000001ULL)) >>
+           32;
+}
+
+// Whether all eight bytes are decimal digits.
+bool AllDigits(std::uint64_t w) {
+    constexpr std::uint64_t kHighNibbles = 0xF0F0F0F0F0F0F0F0ULL, kThrees = 0x3030303030303030ULL;
+    return (w & kHighNibbles) == kThrees && ((w + 0x0606060606060606ULL) & kHighNibbles) == kThrees;
+}
+
+// The Size field p[0..n), as std::from_chars reads it when it takes the
+// whole field; false when it isn't a number. Up to sixteen digits go eight
+// at a time, loaded from where they end (`lowest`, the first byte that may
+// be read, lies far enough before them), the bytes before the field
+// counting as zeros.
+bool SizeField(const char* p, std::size_t n, const char* lowest, std::int64_t& size) {
+    const bool negative = n > 0 && *p == '-';
+    const char* digits = p + negative;
+    const std::size_t count = n - negative;
+    if (count == 0) return false;
+    if (std::endian::native == std::endian::little && count <= 16 && digits + count >= lowest + 16) {
+        const auto part = [](const char* end, std::size_t k, std::uint64_t& value) {
+            std::uint64_t w;
+            std::memcpy(&w, end - 8, 8);
+            const unsigned shift = 8 * static_cast<unsigned>(8 - k);
+            if (shift) w = (w >> shift << shift) | (0x3030303030303030ULL >> (64 - shift));
+            if (!AllDigits(w)) return false;
+            value = EightDigits(w);
+            return true;
+        };
+        std::uint64_t low = 0, high = 0;
+        const char* end = digits + count;
+        if (!part(end, std::min<std::size_t>(count, 8), low)) return false;
+        if (count > 8 && !part(end - 8, count - 8, high)) return false;
+        const std::uint64_t v = high * 100000000ULL + low;
+        size = negative ? -static_cast<std::int64_t>(v) : static_cast<std::int64_t>(v);
+        return true;
     }
-    size = digits == p ? static_cast<std::int64_t>(v) : -static_cast<std::int64_t>(v);
+    const char* q = digits;
+    std::uint64_t v = 0;
+    while (q < p + n && static_cast<unsigned char>(*q - '0') < 10) v = v * 10 + static_cast<unsigned char>(*q++ - '0');
+    if (q != p + n) return false;
+    if (count > 18) {  // where it could overflow, the library's rules
+        const auto [after, ec] = std::from_chars(p, p + n, size);
+        return ec == std::errc() && after == p + n;
+    }
+    size = negative ? -static_cast<std::int64_t>(v) : static_cast<std::int64_t>(v);
     return true;
 }
 
@@ -334,7 +477,9 @@ bool ParseFileLine(const char* p, std::size_t n, FileLine& out) {
     const char* end = p + n;
     const char* bar = static_cast<const char*>(std::memchr(p, '|', n));
     if (!bar) return false;
-    if (!SizeField(bar + 1, end, out.size)) return false;
+    const char* next = static_cast<const char*>(std::memchr(bar + 1, '|', static_cast<std::size_t>(end - bar - 1)));
+    if (!next) next = end;
+    if (!SizeField(bar + 1, static_cast<std::size_t>(next - bar - 1), p, out.size)) return false;
     out.path = std::string_view(p, static_cast<std::size_t>(bar - p));
     const std::size_t slash = out.path.rfind('\\');
     out.name = slash == std::string_view::npos ? out.path : out.path.substr(slash + 1);
@@ -350,123 +495,81 @@ std::uint64_t HashOf(const FileLine& f, std::string& upper) {
     return hash;
 }
 
-ReadFile Open(const std::string& path) { return OpenForReading(path); }
-
-// One file line's places in one pass: its end (the first CR or LF, or `end`),
-// its first '|' and the last '\' before that '|' (or before the end when the
-// line has no '|'); nullptr where there is none. Sixteen bytes a step where
-// the machine has the instructions, so a line costs a few steps, not a call
-// per character sought.
-struct Cut {
-    const char* eol;
-    const char* bar;
-    const char* slash;
-};
-
-Cut CutLine(const char* p, const char* end) {
-    const char* bar = nullptr;
-    const char* slash = nullptr;
-    const char* q = p;
-#ifdef __SSE2__
-    if (scan::VectorsOn()) {
-        const __m128i cr = _mm_set1_epi8('\r'), lf = _mm_set1_epi8('\n');
-        const __m128i vbar = _mm_set1_epi8('|'), vslash = _mm_set1_epi8('\\');
-        for (; end - q >= 16; q += 16) {
-            const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(q));
-            const auto e = static_cast<unsigned>(
-                _mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi8(v, cr), _mm_cmpeq_epi8(v, lf))));
-            if (!bar) {
-                const unsigned before = e ? (1u << __builtin_ctz(e)) - 1 : 0xffffu;
-                const unsigned b = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(v, vbar))) & before;
-                unsigned sl = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(v, vslash))) & before;
-                if (b) {
-                    bar = q + __builtin_ctz(b);
-                    sl &= (1u << __builtin_ctz(b)) - 1;
-                }
-                if (sl) slash = q + (31 - __builtin_clz(sl));
-            }
-            if (e) return {q + __builtin_ctz(e), bar, slash};
-        }
-    }
-#endif
-    for (; q < end; ++q) {
-        const char c = *q;
-        if (c == '\r' || c == '\n') return {q, bar, slash};
-        if (!bar) {
-            if (c == '|')
-                bar = q;
-            else if (c == '\\')
-                slash = q;
-        }
-    }
-    return {end, bar, slash};
-}
-
 // One catalogue's file lines into `records`: header, the line behind it, the
-// folder lines up to the first empty line, then the file lines up to the next
-// empty line or the end.
-void ScanDisc(ReadStream& file, std::uint64_t disc, std::int64_t minSize, std::vector<char>& buf,
-              Records& records) {
-    enum class At { Header, Line2, Folders, Files, Done } at = At::Header;
+// folder lines up to the first empty line (passed over by the block scan),
+// then the file lines up to the next empty line or the end. Each block of
+// file lines is marked in one vector pass (its line ends, bars and
+// backslashes as bit masks), and every line takes its end, its first bar and
+// the last backslash before that from the masks: a line costs a few bit
+// steps, not a search per character sought.
+void ScanDisc(LineReader& reader, std::int64_t minSize, std::vector<std::uint64_t>& masks, Records& records) {
+    std::string_view line;
+    if (!reader.NextRaw(line) || !reader.NextRaw(line)) return;
+    static const scan::Needle nothing;
+    for (;;) {
+        const std::string_view block = reader.Buffered();
+        if (block.empty()) return;
+        bool empty = true;
+        std::size_t at = 0;
+        if (block[0] != '\r' && block[0] != '\n') {
+            at = scan::NextEvent(block.data(), block.size(), nothing, empty);
+            if (at == block.size()) {
+                reader.Skip(at);
+                continue;
+            }
+        }
+        reader.Skip(at);
+        reader.NextRaw(line);  // the empty line behind the folders
+        break;
+    }
     std::string upper;
-    std::uint64_t base = 0;  // file offset of buf[0]
-    std::size_t have = 0;    // bytes in buf
-    bool eof = false;
-    while (at != At::Done) {
-        if (!eof) {
-            if (have == buf.size()) buf.resize(buf.size() * 2);  // a line longer than the block
-            const std::size_t got = file.Read(buf.data() + have, buf.size() - have);
-            if (got == 0) eof = true;  // the end, or a read error: both end the file
-            have += got;
-        }
-        if (have == 0) return;
-        const char* p = buf.data();
-        const char* end = p + have;
-        for (;;) {
-            Cut cut{};
-            const char* eol = at == At::Files ? (cut = CutLine(p, end)).eol
-                                              : p + scan::FindLineEnd(p, static_cast<std::size_t>(end - p));
-            // A CR as the block's last byte may have its LF still to come.
-            if (eol == end || (eol + 1 == end && *eol == '\r' && !eof)) {
-                if (!eof) break;
-                if (p == end) return;  // nothing after the last line end
-            }
-            switch (at) {
-            case At::Header: at = At::Line2; break;
-            case At::Line2: at = At::Folders; break;
-            case At::Folders:
-                if (eol == p) at = At::Files;
-                break;
-            case At::Files: {
-                if (eol == p) {
-                    at = At::Done;
+    for (;;) {
+        const std::uint64_t base = reader.ReadUpTo() - reader.Held().size();  // the block's place in the file
+        const std::string_view block = reader.Buffered();
+        if (block.empty()) return;
+        const char* b = block.data();
+        const std::size_t n = block.size(), words = (n + 63) / 64;
+        if (masks.size() < 3 * words) masks.resize(3 * words);
+        std::uint64_t* const bars = masks.data();
+        std::uint64_t* const ends = bars + words;
+        std::uint64_t* const slashes = ends + words;
+        scan::BlockMasks(b, n, bars, ends, slashes);
+        for (std::size_t i = 0; i < n;) {
+            if (b[i] == '\r' || b[i] == '\n') return;  // the empty line behind the files
+            std::size_t eol = n, bar = n, bar2 = n, slash = n;
+            for (std::size_t w = i / 64; w < words; ++w) {
+                const std::uint64_t keep = ~std::uint64_t{0} << (w == i / 64 ? i % 64 : 0);
+                const std::uint64_t e = ends[w] & keep;
+                const std::uint64_t before = e ? (e & (0 - e)) - 1 : ~std::uint64_t{0};
+                std::uint64_t bb = bars[w] & keep & before;
+                if (bar == n) {
+                    std::uint64_t sl = slashes[w] & keep & before;
+                    if (bb) {
+                        bar = 64 * w + static_cast<std::size_t>(__builtin_ctzll(bb));
+                        sl &= (bb & (0 - bb)) - 1;
+                        bb &= bb - 1;
+                    }
+                    if (sl) slash = 64 * w + 63 - static_cast<std::size_t>(__builtin_clzll(sl));
+                }
+                if (bar != n && bar2 == n && bb) bar2 = 64 * w + static_cast<std::size_t>(__builtin_ctzll(bb));
+                if (e) {
+                    eol = 64 * w + static_cast<std::size_t>(__builtin_ctzll(e));
                     break;
                 }
-                if (!cut.bar) break;
-                std::int64_t size;
-                if (!SizeField(cut.bar + 1, eol, size) || Bytes(size) < minSize) break;
-                const std::uint64_t offset = base + static_cast<std::uint64_t>(p - buf.data());
-                if (offset > kOffsetMask) {
-                    at = At::Done;
-                    break;
-                }
-                const char* name = cut.slash ? cut.slash + 1 : p;
-                const FileLine f{{p, static_cast<std::size_t>(cut.bar - p)},
-                                 {name, static_cast<std::size_t>(cut.bar - name)},
-                                 size};
-                records.Add(HashOf(f, upper), disc << kOffsetBits | offset);
-                break;
             }
-            case At::Done: break;
+            if (bar2 == n) bar2 = eol;
+            std::int64_t size;
+            if (bar != n && SizeField(b + bar + 1, bar2 - bar - 1, b, size) && Bytes(size) >= minSize) {
+                const std::uint64_t offset = base + i;
+                if (offset > kOffsetMask || !records.Fits(offset)) return;
+                const std::size_t name = slash == n ? i : slash + 1;
+                const FileLine f{{b + i, bar - i}, {b + name, bar - name}, size};
+                records.Add(HashOf(f, upper), offset);
             }
-            if (at == At::Done || eol == end) return;
-            p = eol + 1;
-            if (*eol == '\r' && p < end && *p == '\n') ++p;
+            i = eol + 1;
+            if (eol < n && b[eol] == '\r' && i < n && b[i] == '\n') ++i;
         }
-        const std::size_t used = static_cast<std::size_t>(p - buf.data());
-        std::memmove(buf.data(), p, have - used);
-        have -= used;
-        base += used;
+        reader.Skip(n);
     }
 }
 
@@ -492,15 +595,21 @@ std::vector<Candidate> CandidatesOf(Records (&records)[2], bool twoThreads) {
                 if (records[0].Many(l.hash)) out.push_back(l);
         return out;
     }
+    // Each part's records, both passes', go once through a table of the
+    // pairs met, each with its first record; a line on another disc than its
+    // pair's first makes the pair many and both lines candidates, as does
+    // every later line of a pair known to be many. A line on the first disc
+    // of a pair not yet many waits till the part's end. Only a pair met again
+    // asks where its lines stand.
     struct Seen {
-        std::uint32_t hash;
-        std::uint32_t disc;  // the first disc + 1, the top bit set once met on another; 0: a free slot
+        std::uint32_t key;
+        std::uint32_t first;  // 1 + the pass (top bit) and index of the first record; 0: a free slot
     };
-    constexpr std::uint32_t kMany = 0x80000000u;
-    const auto key = [](std::uint64_t hash) { return static_cast<std::uint32_t>(hash >> (32 - kPartBits)); };
+    constexpr std::uint32_t kMany = UINT32_MAX;  // as `first`: the pair was met on two discs
     std::vector<Candidate> found[2];
     const auto look = [&](int t) {
         std::vector<Seen> table;
+        std::vector<Candidate> waiting;
         std::vector<Candidate>& candidates = found[t];
         for (std::size_t b = t * kParts / 2; b < (t + 1) * kParts / 2; ++b) {
             const std::size_t n = records[0].Count(b) + records[1].Count(b);
@@ -508,25 +617,40 @@ std::vector<Candidate> CandidatesOf(Records (&records)[2], bool twoThreads) {
             std::size_t size = 16;
             while (size < 2 * n) size *= 2;
             table.assign(size, Seen{0, 0});
-            const auto slot = [&](std::uint64_t hash) -> Seen& {
-                for (std::size_t i = hash & (size - 1);; i = (i + 1) & (size - 1))
-                    if (!table[i].disc || table[i].hash == key(hash)) return table[i];
+            const auto slot = [&](std::uint32_t key) -> Seen& {
+                std::size_t i = key & (size - 1);
+                while (table[i].first && table[i].key != key) i = (i + 1) & (size - 1);
+                return table[i];
             };
-            bool any = false;
-            for (const Records& part : records)
-                part.ForEach(b, [&](const Record& r) {
-                    Seen& s = slot(r.hash);
-                    const auto disc = static_cast<std::uint32_t>(r.where >> kOffsetBits) + 1;
-                    if (!s.disc)
-                        s = {key(r.hash), disc};
-                    else if ((s.disc & ~kMany) != disc)
-                        s.disc |= kMany, any = true;
+            const auto high = static_cast<std::uint32_t>(b) << (32 - kPartBits);
+            waiting.clear();
+            for (std::uint32_t pass = 0; pass < 2; ++pass) {
+                Records::Placer placer(records[pass]);
+                std::uint32_t index = pass << 31;
+                records[pass].ForEach(b, [&](Record r) {
+                    const auto key = static_cast<std::uint32_t>(r >> kPlaceBits);
+                    Seen& s = slot(key);
+                    if (!s.first) {
+                        s = {key, index + 1};
+                    } else if (s.first == kMany) {
+                        candidates.push_back({placer.Where(r), high | key});
+                    } else {
+                        const std::uint32_t first = s.first - 1;
+                        const std::uint64_t firstAt = records[first >> 31].WhereOf(b, first & 0x7fffffffu);
+                        const std::uint64_t where = placer.Where(r);
+                        if (firstAt >> kOffsetBits == where >> kOffsetBits) {
+                            waiting.push_back({where, key});
+                        } else {
+                            s.first = kMany;
+                            candidates.push_back({firstAt, high | key});
+                            candidates.push_back({where, high | key});
+                        }
+                    }
+                    ++index;
                 });
-            if (!any) continue;
-            for (const Records& part : records)
-                part.ForEach(b, [&](const Record& r) {
-                    if (slot(r.hash).disc & kMany) candidates.push_back({r.where, r.hash});
-                });
+            }
+            for (const Candidate& w : waiting)
+                if (slot(w.hash).first == kMany) candidates.push_back({w.where, high | w.hash});
         }
     };
     InTwo(twoThreads, look);
@@ -534,12 +658,13 @@ std::vector<Candidate> CandidatesOf(Records (&records)[2], bool twoThreads) {
     return std::move(found[0]);
 }
 
-// A candidate read again: what its group and hit need, as places in one
-// arena of bytes.
+// A candidate read again: its hash and size, and in the arena of its reader
+// its name as compared and its hit text (label, '\\', path as UTF-8), whose
+// last `nameLen` bytes are the name as the lists show it.
 struct Fetched {
-    std::uint64_t where, hash;
+    std::uint64_t hash;
     std::int64_t size;
-    std::uint32_t upperAt, upperLen, nameAt, nameLen, pathAt, pathLen;
+    std::uint32_t disc, upperAt, upperLen, hitAt, hitLen, nameLen;
 };
 
 // Reads the lines of one disc's candidates (in offset order) from its
@@ -547,9 +672,9 @@ struct Fetched {
 // far apart cost a small read each and a dense run a few large ones. A
 // catalogue rewritten since the pass may hold another line there now: a line
 // that no longer gives its hash is left out, never taken for a copy.
-void FetchDisc(const std::string& path, const Candidate* first, const Candidate* last, std::vector<char>& buf,
-               std::string& arena, std::vector<Fetched>& out) {
-    ReadFile file = Open(path);
+void FetchDisc(ReadFolder& folder, const std::string& label, std::uint32_t disc, const Candidate* first,
+               const Candidate* last, std::vector<char>& buf, std::string& arena, std::vector<Fetched>& out) {
+    const ReadFile file = folder.Open(CatalogueName(label), nullptr, nullptr);
     if (!file) return;
     // A read costs about as much as copying a few kilobytes: lines closer
     // than that share one.
@@ -591,22 +716,32 @@ void FetchDisc(const std::string& path, const Candidate* first, const Candidate*
         }
         FileLine f;
         if (!ParseFileLine(line, static_cast<std::size_t>(eol - line), f)) continue;
-        if (HashOf(f, upper) != c->hash) continue;
+        const std::uint64_t hash = HashOf(f, upper);
+        if (ShortHash(hash) != c->hash) continue;
         UpperName(upper, f.name);
         const auto at = static_cast<std::uint32_t>(arena.size());
         arena += upper;
-        arena += f.path;
-        const auto pathAt = static_cast<std::uint32_t>(at + upper.size());
-        out.push_back({c->where, c->hash, f.size, at, static_cast<std::uint32_t>(upper.size()),
-                       static_cast<std::uint32_t>(pathAt + (f.name.data() - f.path.data())),
-                       static_cast<std::uint32_t>(f.name.size()), pathAt,
-                       static_cast<std::uint32_t>(f.path.size())});
+        arena += label;
+        arena += '\\';
+        const std::size_t pathAt = arena.size();
+        if (IsValidUtf8(f.path))
+            arena += f.path;  // as DecodeLine takes it, without a copy between
+        else
+            arena += DecodeLine(f.path);
+        const std::size_t slash = std::string_view(arena).substr(pathAt).rfind('\\');
+        const std::size_t nameAt = slash == std::string_view::npos ? pathAt : pathAt + slash + 1;
+        const auto hitAt = static_cast<std::uint32_t>(at + upper.size());
+        out.push_back({hash, f.size, disc, at, static_cast<std::uint32_t>(upper.size()), hitAt,
+                       static_cast<std::uint32_t>(arena.size() - hitAt),
+                       static_cast<std::uint32_t>(arena.size() - nameAt)});
     }
 }
 
 }  // namespace
 
-void SetDuplicateSeamsForTesting(int hashBits, std::size_t block, bool threads, std::size_t foldAt) {
+void SetDuplicateSeamsForTesting(int hashBits, std::size_t block, bool threads, std::size_t foldAt,
+                                 std::size_t chunk) {
+    gChunk = std::max<std::size_t>(8, chunk / 8 * 8);
     gHashMask = hashBits >= 64 ? ~std::uint64_t{0} : ~(~std::uint64_t{0} >> hashBits);
     gBlock = std::max<std::size_t>(1, block);
     gThreads = threads;
@@ -617,7 +752,7 @@ std::int64_t Bytes(std::int64_t storedSize) {
     return storedSize < 0 && storedSize >= INT32_MIN ? storedSize + (std::int64_t{1} << 32) : storedSize;
 }
 
-std::vector<DuplicateGroup> FindDuplicates(const std::string& dataFolder,
+Duplicates FindDuplicates(const std::string& dataFolder,
                                            const std::vector<std::string>& labels, std::int64_t minSize,
                                            const std::function<bool(std::size_t, std::size_t)>& progress) {
     // Two passes take every other disc (the same split every run), each into
@@ -626,7 +761,8 @@ std::vector<DuplicateGroup> FindDuplicates(const std::string& dataFolder,
     const std::size_t discs = std::min(labels.size(), kMaxDiscs);
     const bool twoThreads = gThreads && discs > 1 && std::thread::hardware_concurrency() != 1;
     Records records[2];
-    std::atomic<std::size_t> heard{0};
+    // Without a listener nothing is told, and the passes never wait for each other.
+    std::atomic<std::size_t> heard{progress ? 0 : SIZE_MAX};
     std::atomic<bool> stop{false};
     const auto pass = [&](int t) {
         if (t == 1 && !twoThreads) return;  // the one pass took them all
@@ -643,7 +779,9 @@ std::vector<DuplicateGroup> FindDuplicates(const std::string& dataFolder,
                 heard.notify_one();
             }
         } release{heard, stop, t == 0};
-        std::vector<char> buf(gBlock);
+        LineReader reader(gBlock);
+        std::vector<std::uint64_t> masks;
+        const std::unique_ptr<ReadFolder> folder = OpenFolderForReading(dataFolder);
         for (std::size_t disc = twoThreads ? t : 0;; disc += twoThreads ? 2 : 1) {
             if (t == 0) {
                 const std::size_t upTo = std::min(disc + (twoThreads ? 3 : 1), discs);
@@ -655,100 +793,108 @@ std::vector<DuplicateGroup> FindDuplicates(const std::string& dataFolder,
             } else {
                 for (std::size_t h; disc < discs && (h = heard) <= disc;) heard.wait(h);
             }
-            if (disc >= discs || stop) return;
-            const ReadFile file = Open(CataloguePath(dataFolder, labels[disc]));
-            if (file) ScanDisc(*file, disc, minSize, buf, records[t]);
+            if (disc >= discs || stop) {
+                records[t].FlushAll();
+                return;
+            }
+            if (reader.Open(*folder, CatalogueName(labels[disc])) && records[t].BeginDisc(disc)) {
+                ScanDisc(reader, minSize, masks, records[t]);
+                records[t].EndDisc(reader.ReadUpTo());
+            }
         }
     };
     InTwo(twoThreads, pass);
-    std::vector<Candidate> candidates = CandidatesOf(records, twoThreads);
+    std::vector<Candidate> met = CandidatesOf(records, twoThreads);
     for (Records& r : records) r = Records();
-    std::sort(candidates.begin(), candidates.end(),
-              [](const Candidate& a, const Candidate& b) { return a.where < b.where; });
 
-    // Read again in two halves of whole discs, the first half's lines first.
-    std::size_t half = candidates.size() / 2;
-    while (half > 0 && half < candidates.size() &&
-           (candidates[half].where >> kOffsetBits) == (candidates[half - 1].where >> kOffsetBits))
-        ++half;
+    // The candidates by disc (each disc's in line order), then read again in
+    // two halves of whole discs, the first half's lines first.
+    std::vector<std::size_t> from(discs + 1, 0);
+    for (const Candidate& c : met) ++from[(c.where >> kOffsetBits) + 1];
+    for (std::size_t d = 0; d < discs; ++d) from[d + 1] += from[d];
+    std::vector<Candidate> candidates(met.size());
+    {
+        std::vector<std::size_t> at(from.begin(), from.end() - 1);
+        for (const Candidate& c : met) candidates[at[c.where >> kOffsetBits]++] = c;
+    }
+    met = {};
+    std::size_t half = 0;
+    while (half < discs && 2 * from[half] < candidates.size()) ++half;
     std::vector<Fetched> got[2];
-    std::string bytesOf[2];
+    std::unique_ptr<std::string> arena[2] = {std::make_unique<std::string>(), std::make_unique<std::string>()};
     const auto fetch = [&](int t) {
         std::vector<char> buf;
-        const std::size_t from = t ? half : 0, to = t ? candidates.size() : half;
+        const std::unique_ptr<ReadFolder> folder = OpenFolderForReading(dataFolder);
+        const std::size_t first = t ? half : 0, last = t ? discs : half;
         // Room for all at once: a growing arena would copy itself again and
         // again, and fresh pages cost more here than the lines themselves.
         // (Pages that stay unwritten cost nothing.)
-        got[t].reserve(t ? to - from : candidates.size());
-        bytesOf[t].reserve((t ? to - from : candidates.size()) * 256);
-        for (std::size_t i = from, j; i < to; i = j) {
-            const std::uint64_t disc = candidates[i].where >> kOffsetBits;
-            for (j = i + 1; j < to && (candidates[j].where >> kOffsetBits) == disc;) ++j;
-            FetchDisc(CataloguePath(dataFolder, labels[disc]), candidates.data() + i, candidates.data() + j,
-                      buf, bytesOf[t], got[t]);
+        const std::size_t n = from[last] - from[first];
+        got[t].reserve(n);
+        arena[t]->reserve(n * 256);
+        for (std::size_t d = first; d < last; ++d) {
+            if (from[d] == from[d + 1]) continue;
+            Candidate* const b = candidates.data() + from[d];
+            Candidate* const e = candidates.data() + from[d + 1];
+            std::sort(b, e, [](const Candidate& x, const Candidate& y) { return x.where < y.where; });
+            FetchDisc(*folder, labels[d], static_cast<std::uint32_t>(d), b, e, buf, *arena[t], got[t]);
         }
     };
     InTwo(twoThreads, fetch);
     candidates = {};
 
-    // Copy k is the first half's k-th, or the second half's (k - first's
-    // size)-th: the halves stay where they were read into, not copied together.
-    const std::size_t firstHalf = got[0].size();
-    const auto fetched = [&](std::size_t k) -> const Fetched& {
-        return k < firstHalf ? got[0][k] : got[1][k - firstHalf];
+    // The copies brought together by hash in the order they were read (disc,
+    // then line order), each hash's copies then told apart by name and size,
+    // for a hash may stand for more than one pair where hashes meet.
+    struct Pair {
+        std::uint32_t first, last, count;  // copies, chained through `next`
+        std::uint32_t otherPair;           // the next pair of the same hash, or kNone
+        bool manyDiscs;
     };
-    const auto bytes = [&](std::size_t k, std::uint32_t at, std::uint32_t len) {
-        return std::string_view(bytesOf[k < firstHalf ? 0 : 1].data() + at, len);
+    constexpr std::uint32_t kNone = UINT32_MAX;
+    const std::size_t copies = got[0].size() + got[1].size();
+    const auto copy = [&](std::uint32_t k) -> const Fetched& {
+        return k < got[0].size() ? got[0][k] : got[1][k - got[0].size()];
     };
-
-    // The copies of one hash in disc and line order; a hash may stand for
-    // more than one (name, size) when hashes meet, so the names decide.
-    // (They stand in line order already; an order of small keys is sorted, not them.)
-    std::vector<std::pair<std::uint64_t, std::uint32_t>> order(firstHalf + got[1].size());
-    for (std::size_t i = 0; i < order.size(); ++i)
-        order[i] = {fetched(i).hash, static_cast<std::uint32_t>(i)};
-    std::sort(order.begin(), order.end());
-    std::vector<DuplicateGroup> groups;
-    std::vector<bool> taken;
-    std::vector<std::size_t> members;
-    for (std::size_t i = 0, j; i < order.size(); i = j) {
-        for (j = i + 1; j < order.size() && order[j].first == order[i].first;) ++j;
-        taken.assign(j - i, false);
-        for (std::size_t a = i; a < j; ++a) {
-            if (taken[a - i]) continue;
-            const std::size_t h = order[a].second;
-            const Fetched& head = fetched(h);
-            const std::string_view upper = bytes(h, head.upperAt, head.upperLen);
-            bool manyDiscs = false;
-            members.clear();
-            for (std::size_t b = a; b < j; ++b) {
-                const Fetched& f = fetched(order[b].second);
-                if (taken[b - i] || f.size != head.size ||
-                    bytes(order[b].second, f.upperAt, f.upperLen) != upper)
-                    continue;
-                taken[b - i] = true;
-                members.push_back(order[b].second);
-                manyDiscs = manyDiscs || (f.where >> kOffsetBits) != (head.where >> kOffsetBits);
+    const auto text = [&](std::uint32_t k, std::uint32_t at, std::uint32_t len) {
+        return std::string_view(*arena[k < got[0].size() ? 0 : 1]).substr(at, len);
+    };
+    std::vector<Pair> pairs;
+    std::vector<std::uint32_t> next(copies, kNone);
+    std::vector<std::uint32_t> table(std::bit_ceil(2 * copies + 2), kNone);  // a hash's first pair
+    const std::size_t mask = table.size() - 1;
+    for (std::uint32_t k = 0; k < copies; ++k) {
+        const Fetched& f = copy(k);
+        std::size_t i = static_cast<std::size_t>(f.hash) & mask;
+        while (table[i] != kNone && copy(pairs[table[i]].first).hash != f.hash) i = (i + 1) & mask;
+        std::uint32_t* link = &table[i];
+        while (*link != kNone) {
+            Pair& p = pairs[*link];
+            const Fetched& head = copy(p.first);
+            if (head.size == f.size && text(p.first, head.upperAt, head.upperLen) == text(k, f.upperAt, f.upperLen)) {
+                next[p.last] = k;
+                p.last = k;
+                ++p.count;
+                p.manyDiscs = p.manyDiscs || head.disc != f.disc;
+                break;
             }
-            if (!manyDiscs) continue;
-            DuplicateGroup g;
-            g.name = DecodeLine(bytes(h, head.nameAt, head.nameLen));
-            g.size = head.size;
-            g.hits.reserve(members.size());
-            for (const std::size_t m : members) {
-                const std::string& label = labels[fetched(m).where >> kOffsetBits];
-                const std::string_view path = bytes(m, fetched(m).pathAt, fetched(m).pathLen);
-                std::string& hit = g.hits.emplace_back();
-                hit.reserve(label.size() + 1 + path.size());
-                hit += label;
-                hit += '\\';
-                if (IsValidUtf8(path))
-                    hit += path;  // as DecodeLine takes it, without a copy between
-                else
-                    hit += DecodeLine(path);
-            }
-            groups.push_back(std::move(g));
+            link = &p.otherPair;
         }
+        if (*link == kNone) {
+            *link = static_cast<std::uint32_t>(pairs.size());
+            pairs.push_back({k, k, 1, kNone, false});
+        }
+    }
+    std::vector<DuplicateGroup> groups;
+    for (const Pair& p : pairs) {
+        if (!p.manyDiscs) continue;
+        DuplicateGroup& g = groups.emplace_back();
+        const Fetched& head = copy(p.first);
+        const std::string_view hit = text(p.first, head.hitAt, head.hitLen);
+        g.name = hit.substr(hit.size() - head.nameLen);
+        g.size = head.size;
+        g.hits.reserve(p.count);
+        for (std::uint32_t k = p.first; k != kNone; k = next[k]) g.hits.emplace_back(text(k, copy(k).hitAt, copy(k).hitLen));
     }
 
     // Largest first, then by name in list order, each name's key made once
@@ -764,10 +910,30 @@ std::vector<DuplicateGroup> FindDuplicates(const std::string& dataFolder,
         if (keys[x] != keys[y]) return keys[x] < keys[y];
         return a.hits < b.hits;
     });
-    std::vector<DuplicateGroup> sorted;
-    sorted.reserve(groups.size());
-    for (std::size_t i : byRank) sorted.push_back(std::move(groups[i]));
-    return sorted;
+    Duplicates found;
+    found.groups.reserve(groups.size());
+    for (std::size_t i : byRank) found.groups.push_back(std::move(groups[i]));
+
+    // The texts copied together in the order they are listed. Where they were
+    // read they lie a disc apart, and a listing that takes them from there
+    // waits on memory at every copy; this loop asks for each a few copies
+    // ahead.
+    std::size_t bytes = 0;
+    for (const DuplicateGroup& g : found.groups)
+        for (const std::string_view hit : g.hits) bytes += hit.size();
+    found.text = std::make_unique<std::string>(bytes, '\0');
+    char* to = found.text->data();
+    for (DuplicateGroup& g : found.groups) {
+        const std::size_t nameAt = static_cast<std::size_t>(g.name.data() - g.hits.front().data());
+        for (std::size_t h = 0; h < g.hits.size(); ++h) {
+            if (h + 8 < g.hits.size()) __builtin_prefetch(g.hits[h + 8].data());
+            std::memcpy(to, g.hits[h].data(), g.hits[h].size());
+            g.hits[h] = std::string_view(to, g.hits[h].size());
+            to += g.hits[h].size();
+        }
+        g.name = std::string_view(g.hits.front().data() + nameAt, g.name.size());
+    }
+    return found;
 }
 
 }  // namespace ct

@@ -1,8 +1,9 @@
 // Copies across discs: files that stand on more than one disc under the same
 // name and size, the name compared without regard to case as the search's
 // name test compares it. One pass over the catalogues, two threads taking
-// every other disc, keeps sixteen bytes per file line (a hash of the name and
-// size, and where the line stands), parted by the hash as the lines come;
+// every other disc, keeps eight bytes per file line (part of a hash of the
+// name and size, and where the line stands), parted by the hash as the lines
+// come;
 // where the lines run to two or more per pair, they are folded into a table
 // of the pairs, so that memory stays proportional to the distinct (name,
 // size) pairs. Only the lines whose pair turns up on two discs are read
@@ -12,15 +13,23 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace ct {
 
+// A group's texts stand in the text of the Duplicates that holds it (one
+// string per group would cost more than finding the copies).
 struct DuplicateGroup {
-    std::string name;               // the first copy's name as stored
-    std::int64_t size = 0;          // bytes, as the catalogue's Size field
-    std::vector<std::string> hits;  // each copy's hit text (label, '\', Path), in disc and catalogue order
+    std::string_view name;               // the first copy's name, as UTF-8
+    std::int64_t size = 0;               // bytes, as the catalogue's Size field
+    std::vector<std::string_view> hits;  // each copy's hit text (label, '\', Path), in disc and catalogue order
+};
+struct Duplicates {
+    std::vector<DuplicateGroup> groups;
+    std::unique_ptr<std::string> text;  // where the groups' texts stand
 };
 
 // A file of 2 to 4 GiB stands in a catalogue with a negative size (the low 32
@@ -34,17 +43,18 @@ std::int64_t Bytes(std::int64_t storedSize);
 // order them. `progress` hears each disc's number from 1, in order, on the
 // calling thread (a disc or two before it is read), and may stop the run by
 // returning false (the groups of the discs read so far are then returned).
-std::vector<DuplicateGroup> FindDuplicates(
+Duplicates FindDuplicates(
     const std::string& dataFolder, const std::vector<std::string>& labels, std::int64_t minSize,
     const std::function<bool(std::size_t disc, std::size_t discs)>& progress = {});
 
 // Tests only: keep just the top `hashBits` bits of the hash that brings copies
 // together (0 makes every file meet every other), so that files whose hashes
 // meet must still be told apart by their names; read `block` bytes at a
-// time, so that lines and line ends straddle reads; one thread or two; and
-// look whether to fold the lines into pairs after `foldAt` lines (and at
-// every doubling). (64, 1 << 18, true, 1 << 20) is the program's own setting.
+// time, so that lines and line ends straddle reads; one thread or two; look
+// whether to fold the lines into pairs after `foldAt` lines (and at every
+// doubling); and keep `chunk` lines (a multiple of 8) to a chunk of a part's
+// chain. (64, 1 << 18, true, 1 << 20, 1024) is the program's own setting.
 void SetDuplicateSeamsForTesting(int hashBits, std::size_t block, bool threads = true,
-                                 std::size_t foldAt = std::size_t{1} << 20);
+                                 std::size_t foldAt = std::size_t{1} << 20, std::size_t chunk = 1024);
 
 }  // namespace ct

@@ -105,14 +105,17 @@ __attribute__((target("avx512bw,popcnt"))) std::size_t CountLineEndsAvx512(const
 }
 
 // BlockMasks' loop, 64 bytes a step.
+template <bool Slashes>
 __attribute__((target("avx512bw"))) std::size_t BlockMasksAvx512(const char* p, std::size_t n, std::uint64_t* bars,
-                                                                  std::uint64_t* ends) {
+                                                                  std::uint64_t* ends, std::uint64_t* slashes) {
     const __m512i cr = _mm512_set1_epi8(kCr), lf = _mm512_set1_epi8(kLf), bar = _mm512_set1_epi8('|');
+    const __m512i slash = _mm512_set1_epi8('\\');
     std::size_t w = 0;
     for (; 64 * w + 64 <= n; ++w) {
         const __m512i v = _mm512_loadu_si512(p + 64 * w);
         ends[w] = _mm512_cmpeq_epi8_mask(v, cr) | _mm512_cmpeq_epi8_mask(v, lf);
         bars[w] = _mm512_cmpeq_epi8_mask(v, bar);
+        if constexpr (Slashes) slashes[w] = _mm512_cmpeq_epi8_mask(v, slash);
     }
     return w;
 }
@@ -204,21 +207,22 @@ __attribute__((target("avx2"))) std::size_t NextEventAvx2(const char* p, std::si
 }
 
 // BlockMasks' loop, 64 bytes a step in two halves; returns the words done.
+__attribute__((target("avx2"))) std::uint64_t Mask64(__m256i lo, __m256i hi, __m256i c) {
+    return static_cast<unsigned>(_mm256_movemask_epi8(_mm256_cmpeq_epi8(lo, c))) |
+           static_cast<std::uint64_t>(static_cast<unsigned>(_mm256_movemask_epi8(_mm256_cmpeq_epi8(hi, c)))) << 32;
+}
+template <bool Slashes>
 __attribute__((target("avx2"))) std::size_t BlockMasksAvx2(const char* p, std::size_t n, std::uint64_t* bars,
-                                                            std::uint64_t* ends) {
+                                                            std::uint64_t* ends, std::uint64_t* slashes) {
     const __m256i cr = _mm256_set1_epi8(kCr), lf = _mm256_set1_epi8(kLf), bar = _mm256_set1_epi8('|');
+    const __m256i slash = _mm256_set1_epi8('\\');
     std::size_t w = 0;
     for (; 64 * w + 64 <= n; ++w) {
         const __m256i lo = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p + 64 * w));
         const __m256i hi = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p + 64 * w + 32));
-        const auto endLo = static_cast<unsigned>(
-            _mm256_movemask_epi8(_mm256_or_si256(_mm256_cmpeq_epi8(lo, cr), _mm256_cmpeq_epi8(lo, lf))));
-        const auto endHi = static_cast<unsigned>(
-            _mm256_movemask_epi8(_mm256_or_si256(_mm256_cmpeq_epi8(hi, cr), _mm256_cmpeq_epi8(hi, lf))));
-        const auto barLo = static_cast<unsigned>(_mm256_movemask_epi8(_mm256_cmpeq_epi8(lo, bar)));
-        const auto barHi = static_cast<unsigned>(_mm256_movemask_epi8(_mm256_cmpeq_epi8(hi, bar)));
-        ends[w] = endLo | static_cast<std::uint64_t>(endHi) << 32;
-        bars[w] = barLo | static_cast<std::uint64_t>(barHi) << 32;
+        ends[w] = Mask64(lo, hi, cr) | Mask64(lo, hi, lf);
+        bars[w] = Mask64(lo, hi, bar);
+        if constexpr (Slashes) slashes[w] = Mask64(lo, hi, slash);
     }
     return w;
 }
@@ -254,40 +258,56 @@ std::size_t FindLineEnd(const char* p, std::size_t n) {
     return n;
 }
 
-void BlockMasks(const char* p, std::size_t n, std::uint64_t* bars, std::uint64_t* ends) {
+namespace {
+template <bool Slashes>
+void Masks(const char* p, std::size_t n, std::uint64_t* bars, std::uint64_t* ends, std::uint64_t* slashes) {
     std::size_t w = 0;
 #ifdef CT_SCAN_SSE2
     if (g_vectors) {
 #ifdef CT_SCAN_AVX2
-        if (Use512()) w = BlockMasksAvx512(p, n, bars, ends);
-        else if (Use256()) w = BlockMasksAvx2(p, n, bars, ends);
+        if (Use512()) w = BlockMasksAvx512<Slashes>(p, n, bars, ends, slashes);
+        else if (Use256()) w = BlockMasksAvx2<Slashes>(p, n, bars, ends, slashes);
 #endif
         const __m128i cr = _mm_set1_epi8(kCr), lf = _mm_set1_epi8(kLf), bar = _mm_set1_epi8('|');
+        const __m128i slash = _mm_set1_epi8('\\');
+        const auto bits = [](__m128i v, __m128i c) {
+            return static_cast<std::uint64_t>(static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(v, c))));
+        };
         for (; 64 * w + 64 <= n; ++w) {
-            std::uint64_t b = 0, e = 0;
+            std::uint64_t b = 0, e = 0, s = 0;
             for (int k = 0; k < 4; ++k) {
                 const __m128i v = Load(p + 64 * w + 16 * k);
-                e |= static_cast<std::uint64_t>(static_cast<unsigned>(
-                         _mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi8(v, cr), _mm_cmpeq_epi8(v, lf)))))
-                     << (16 * k);
-                b |= static_cast<std::uint64_t>(static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(v, bar))))
-                     << (16 * k);
+                e |= (bits(v, cr) | bits(v, lf)) << (16 * k);
+                b |= bits(v, bar) << (16 * k);
+                if constexpr (Slashes) s |= bits(v, slash) << (16 * k);
             }
             bars[w] = b;
             ends[w] = e;
+            if constexpr (Slashes) slashes[w] = s;
         }
     }
 #endif
     for (; 64 * w < n; ++w) {
-        std::uint64_t b = 0, e = 0;
+        std::uint64_t b = 0, e = 0, s = 0;
         for (std::size_t k = 0; k < 64 && 64 * w + k < n; ++k) {
             const char c = p[64 * w + k];
             b |= static_cast<std::uint64_t>(c == '|') << k;
             e |= static_cast<std::uint64_t>(IsEol(c)) << k;
+            s |= static_cast<std::uint64_t>(c == '\\') << k;
         }
         bars[w] = b;
         ends[w] = e;
+        if constexpr (Slashes) slashes[w] = s;
     }
+}
+}  // namespace
+
+void BlockMasks(const char* p, std::size_t n, std::uint64_t* bars, std::uint64_t* ends) {
+    Masks<false>(p, n, bars, ends, nullptr);
+}
+
+void BlockMasks(const char* p, std::size_t n, std::uint64_t* bars, std::uint64_t* ends, std::uint64_t* slashes) {
+    Masks<true>(p, n, bars, ends, slashes);
 }
 
 std::int64_t CountLineEnds(const char* p, std::size_t n) {

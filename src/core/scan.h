@@ -37,6 +37,8 @@ std::size_t FindBars(const char* p, std::size_t n, std::size_t* at, std::size_t 
 // of bars[w] is set when p[64 * w + k] is a '|', of ends[w] when it is a CR
 // or LF; both arrays hold (n + 63) / 64 words, the bits beyond n clear.
 void BlockMasks(const char* p, std::size_t n, std::uint64_t* bars, std::uint64_t* ends);
+// The same, and the backslashes ('\\') in `slashes` too.
+void BlockMasks(const char* p, std::size_t n, std::uint64_t* bars, std::uint64_t* ends, std::uint64_t* slashes);
 
 // A term whose lines are the only ones that can match: its bytes, compared
 // with ASCII letters folded or exactly.

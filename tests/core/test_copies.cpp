@@ -86,6 +86,26 @@ TEST(FindDuplicates, SameNameAndSizeOnTwoDiscsLargestFirst) {
     s.Write("Sechs.idx", sameSize);
     s.Write("Sieben.idx", sameSize);
     s.Write("F\xC3\xBCnf.idx", "0|0||0|0|0|\r\r\r\\x\\Klein.txt|3|R||\r\\sonst.txt|3||\r\\y\\klein.txt|3||");
+    // Sizes spelled as the number reader takes them: leading zeros, minus
+    // zero, more than eight digits; too many digits or a letter is no size.
+    const std::string sizes = "\\Film.mkv|12345678901234|R||\r\n\\riesig.bin|123456789012345678901|R||\r\n"
+                              "\\kaputte Datei.txt|5:0|R||\r\n\\hoch.txt|1.23456789|R||\r\n\\leer.txt||R||\r\n"
+                              "\\neun.txt|123456789|R||\r\n";
+    s.Write("Acht.idx", head + "\\lang\\Ordner\\Bild.jpg|0500|R||\r\n\\null.txt|-0|R||\r\n" + sizes);
+    s.Write("Neun.idx", head + sizes + "\\Bild.jpg|500|R||\r\n\\x\\null.txt|0|R||\r\n");
+    // Many lines, every hundredth on both discs: the chains of the parts then
+    // run to many chunks, with copies all along them.
+    std::string many[2] = {head, head};
+    std::vector<std::string> shared;  // largest first
+    for (int i = 1499; i >= 0; --i) {
+        const std::string n = std::to_string(i);
+        for (int d = 0; d < 2; ++d)
+            many[d] += "\\" + (i % 100 ? std::to_string(d) + "-" : "gemeinsam-") + n + ".txt|" + n + "|R||\r\n";
+        if (i % 100 == 0)
+            shared.push_back("gemeinsam-" + n + ".txt " + n + ": Zehn\\\\gemeinsam-" + n + ".txt Elf\\\\gemeinsam-" + n + ".txt");
+    }
+    s.Write("Zehn.idx", many[0]);
+    s.Write("Elf.idx", many[1]);
     const struct {
         const char* name;
         std::vector<std::string> labels;
@@ -111,19 +131,27 @@ TEST(FindDuplicates, SameNameAndSizeOnTwoDiscsLargestFirst) {
           "foto.jpg 500: Zwei\\\\foto.jpg Zwei\\\\B\\foto.jpg Eins\\\\A\\Foto.JPG",
           "\xC3\x84RGER.TXT 4: Zwei\\\\\xC3\x84RGER.TXT Eins\\\\\xC3\xA4rger.txt",
           "klein.txt 3: Zwei\\\\klein.txt Eins\\\\klein.txt"}},
+        {"SizeSpellings", {"Acht", "Neun"}, 0,
+         {"Film.mkv 12345678901234: Acht\\\\Film.mkv Neun\\\\Film.mkv", "neun.txt 123456789: Acht\\\\neun.txt Neun\\\\neun.txt",
+          "Bild.jpg 500: Acht\\\\lang\\Ordner\\Bild.jpg Neun\\\\Bild.jpg", "null.txt 0: Acht\\\\null.txt Neun\\\\x\\null.txt"}},
+        {"ManyLines", {"Zehn", "Elf"}, 0, shared},
         {"LineEnds", {"Vier", "F\xC3\xBCnf"}, 0,
          {"KLEIN.TXT 3: Vier\\\\KLEIN.TXT F\xC3\xBCnf\\\\x\\Klein.txt F\xC3\xBCnf\\\\y\\klein.txt"}},
     };
     // Hashes that all meet, and reads of a few bytes, must change nothing.
-    // So must the portable path of the line cutting, one thread for two, and
-    // records folded into pairs from the first line on.
-    for (const auto& [bits, block, vectors, threads, foldAt] :
-         {std::tuple{64, 1 << 18, true, true, 1 << 20}, {0, 1, true, true, 1}, {1, 5, false, false, 2},
-          {3, 64, true, true, 1 << 20}, {64, 64, true, false, 1}, {64, 64, true, true, 3}})
+    // So must the portable path of the line cutting, one thread for two,
+    // records folded into pairs from the first line on, and chunks of one
+    // line each, which lines that waited only in part (looked at before they
+    // were full, and then not folded) leave astride two chunks.
+    for (const auto& [bits, block, vectors, threads, foldAt, chunk] :
+         {std::tuple{64, 1 << 18, true, true, 1 << 20, 1024}, {0, 1, true, true, 1, 1024}, {1, 5, false, false, 2, 1024},
+          {3, 64, true, true, 1 << 20, 1024}, {64, 64, true, false, 1, 1024}, {64, 64, true, true, 3, 1024},
+          {64, 64, true, false, 3, 8}, {64, 1 << 18, true, true, 5, 8}})
     for (const auto& row : rows) {
         SCOPED_TRACE(std::string(row.name) + " bits " + std::to_string(bits) + " block " + std::to_string(block) +
-                     " fold " + std::to_string(foldAt));
-        SetDuplicateSeamsForTesting(bits, static_cast<std::size_t>(block), threads, static_cast<std::size_t>(foldAt));
+                     " fold " + std::to_string(foldAt) + " chunk " + std::to_string(chunk));
+        SetDuplicateSeamsForTesting(bits, static_cast<std::size_t>(block), threads, static_cast<std::size_t>(foldAt),
+                                    static_cast<std::size_t>(chunk));
         scan::UseVectors(vectors);
         std::vector<std::string> said;
         std::vector<std::size_t> heard;
@@ -131,9 +159,10 @@ TEST(FindDuplicates, SameNameAndSizeOnTwoDiscsLargestFirst) {
             heard.push_back(disc * 10 + discs);
             return true;
         };
-        for (const DuplicateGroup& g : FindDuplicates(s.Path(), row.labels, row.minSize, progress)) {
-            std::string text = g.name + " " + std::to_string(g.size) + ":";
-            for (const std::string& hit : g.hits) text += " " + hit;
+        const Duplicates found = FindDuplicates(s.Path(), row.labels, row.minSize, progress);
+        for (const DuplicateGroup& g : found.groups) {
+            std::string text = std::string(g.name) + " " + std::to_string(g.size) + ":";
+            for (const std::string_view hit : g.hits) text.append(" ").append(hit);
             said.push_back(text);
         }
         EXPECT_EQ(said, row.expected);
@@ -147,7 +176,7 @@ TEST(FindDuplicates, SameNameAndSizeOnTwoDiscsLargestFirst) {
     SetDuplicateSeamsForTesting(64, 1 << 18, true);
     EXPECT_TRUE(FindDuplicates(s.Path(), {"Eins", "Zwei", "Drei"}, 0, [](std::size_t, std::size_t) {
                     return false;
-                }).empty());
+                }).groups.empty());
     EXPECT_THROW(FindDuplicates(s.Path(), {"Eins", "Zwei", "Drei"}, 0,
                                 [](std::size_t disc, std::size_t) -> bool { return disc < 2 || (throw 7, false); }),
                  int);

@@ -172,10 +172,10 @@ TEST(FastScan, SameHitsAsThePlainReader) {
 
 TEST(FastScan, LineEndsAndBarsFoundAlikeOnBothPaths) {
     std::mt19937 random(7);
-    const char bytes[] = {'\r', '\n', 'a', '|'};
+    const char bytes[] = {'\r', '\n', 'a', '|', '\\'};
     for (int round = 0; round < 200; ++round) {
         std::string s(random() % 300, 'x');
-        for (char& c : s) c = bytes[random() % 4];
+        for (char& c : s) c = bytes[random() % 5];
         std::int64_t plain = 0;
         for (std::size_t i = 0; i < s.size(); ++i)
             plain += s[i] == '\n' || (s[i] == '\r' && (i + 1 == s.size() || s[i + 1] != '\n'));
@@ -190,15 +190,20 @@ TEST(FastScan, LineEndsAndBarsFoundAlikeOnBothPaths) {
                 if (s[i] == '|') want[n++] = i;
             ASSERT_EQ(ct::scan::FindBars(s.data(), s.size(), at, 4), n);
             EXPECT_TRUE(std::equal(at, at + n, want));
-            std::vector<std::uint64_t> bars((s.size() + 63) / 64), ends(bars.size()), wantBars(bars.size()),
-                wantEnds(bars.size());
+            std::vector<std::uint64_t> bars((s.size() + 63) / 64), ends(bars.size()), slashes(bars.size()),
+                wantBars(bars.size()), wantEnds(bars.size()), wantSlashes(bars.size());
             for (std::size_t i = 0; i < s.size(); ++i) {
                 wantBars[i / 64] |= std::uint64_t{s[i] == '|'} << i % 64;
                 wantEnds[i / 64] |= std::uint64_t{s[i] == '\r' || s[i] == '\n'} << i % 64;
+                wantSlashes[i / 64] |= std::uint64_t{s[i] == '\\'} << i % 64;
             }
             ct::scan::BlockMasks(s.data(), s.size(), bars.data(), ends.data());
             EXPECT_EQ(bars, wantBars) << round << vectors;
             EXPECT_EQ(ends, wantEnds) << round << vectors;
+            std::fill(bars.begin(), bars.end(), 0);
+            ct::scan::BlockMasks(s.data(), s.size(), bars.data(), ends.data(), slashes.data());
+            EXPECT_EQ(bars, wantBars) << round << vectors;
+            EXPECT_EQ(slashes, wantSlashes) << round << vectors;
         }
     }
     ct::scan::UseVectors(true);
