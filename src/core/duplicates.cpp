@@ -885,17 +885,23 @@ Duplicates FindDuplicates(const std::string& dataFolder,
             pairs.push_back({k, k, 1, kNone, false});
         }
     }
-    std::vector<DuplicateGroup> groups;
-    for (const Pair& p : pairs) {
-        if (!p.manyDiscs) continue;
-        DuplicateGroup& g = groups.emplace_back();
-        const Fetched& head = copy(p.first);
-        const std::string_view hit = text(p.first, head.hitAt, head.hitLen);
-        g.name = hit.substr(hit.size() - head.nameLen);
-        g.size = head.size;
-        g.hits.reserve(p.count);
-        for (std::uint32_t k = p.first; k != kNone; k = next[k]) g.hits.emplace_back(text(k, copy(k).hitAt, copy(k).hitLen));
-    }
+    std::vector<std::uint32_t> chosen;  // the pairs met on two discs or more
+    for (std::uint32_t i = 0; i < pairs.size(); ++i)
+        if (pairs[i].manyDiscs) chosen.push_back(i);
+    std::vector<DuplicateGroup> groups(chosen.size());
+    InTwo(twoThreads, [&](int t) {
+        for (std::size_t j = t * chosen.size() / 2; j < (t + 1) * chosen.size() / 2; ++j) {
+            const Pair& p = pairs[chosen[j]];
+            DuplicateGroup& g = groups[j];
+            const Fetched& head = copy(p.first);
+            const std::string_view hit = text(p.first, head.hitAt, head.hitLen);
+            g.name = hit.substr(hit.size() - head.nameLen);
+            g.size = head.size;
+            g.hits.reserve(p.count);
+            for (std::uint32_t k = p.first; k != kNone; k = next[k])
+                g.hits.emplace_back(text(k, copy(k).hitAt, copy(k).hitLen));
+        }
+    });
 
     // Largest first, then by name in list order, each name's key made once
     // (a listing of many copies has as many groups).
@@ -914,25 +920,32 @@ Duplicates FindDuplicates(const std::string& dataFolder,
     found.groups.reserve(groups.size());
     for (std::size_t i : byRank) found.groups.push_back(std::move(groups[i]));
 
-    // The texts copied together in the order they are listed. Where they were
-    // read they lie a disc apart, and a listing that takes them from there
-    // waits on memory at every copy; this loop asks for each a few copies
-    // ahead.
-    std::size_t bytes = 0;
-    for (const DuplicateGroup& g : found.groups)
-        for (const std::string_view hit : g.hits) bytes += hit.size();
-    found.text = std::make_unique<std::string>(bytes, '\0');
-    char* to = found.text->data();
-    for (DuplicateGroup& g : found.groups) {
-        const std::size_t nameAt = static_cast<std::size_t>(g.name.data() - g.hits.front().data());
-        for (std::size_t h = 0; h < g.hits.size(); ++h) {
-            if (h + 8 < g.hits.size()) __builtin_prefetch(g.hits[h + 8].data());
-            std::memcpy(to, g.hits[h].data(), g.hits[h].size());
-            g.hits[h] = std::string_view(to, g.hits[h].size());
-            to += g.hits[h].size();
-        }
-        g.name = std::string_view(g.hits.front().data() + nameAt, g.name.size());
+    // The texts copied together in the order they are listed, half the
+    // groups by bytes on each thread. Where they were read they lie a disc
+    // apart, and a listing that takes them from there waits on memory at
+    // every copy; the copying asks for each a few copies ahead.
+    std::vector<std::size_t> at(found.groups.size() + 1, 0);
+    for (std::size_t j = 0; j < found.groups.size(); ++j) {
+        at[j + 1] = at[j];
+        for (const std::string_view hit : found.groups[j].hits) at[j + 1] += hit.size();
     }
+    found.text = std::make_unique_for_overwrite<char[]>(at.back());
+    std::size_t middle = 0;
+    while (middle < found.groups.size() && 2 * at[middle] < at.back()) ++middle;
+    InTwo(twoThreads, [&](int t) {
+        for (std::size_t j = t ? middle : 0; j < (t ? found.groups.size() : middle); ++j) {
+            DuplicateGroup& g = found.groups[j];
+            const std::size_t nameAt = static_cast<std::size_t>(g.name.data() - g.hits.front().data());
+            char* to = found.text.get() + at[j];
+            for (std::size_t h = 0; h < g.hits.size(); ++h) {
+                if (h + 8 < g.hits.size()) __builtin_prefetch(g.hits[h + 8].data());
+                std::memcpy(to, g.hits[h].data(), g.hits[h].size());
+                g.hits[h] = std::string_view(to, g.hits[h].size());
+                to += g.hits[h].size();
+            }
+            g.name = std::string_view(g.hits.front().data() + nameAt, g.name.size());
+        }
+    });
     return found;
 }
 

@@ -29,7 +29,7 @@ struct DuplicateGroup {
 };
 struct Duplicates {
     std::vector<DuplicateGroup> groups;
-    std::unique_ptr<std::string> text;  // where the groups' texts stand
+    std::unique_ptr<char[]> text;  // where the groups' texts stand
 };
 
 // A file of 2 to 4 GiB stands in a catalogue with a negative size (the low 32
