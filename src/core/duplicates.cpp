@@ -320,34 +320,44 @@ private:
 
 std::uint64_t gHashMask = ~std::uint64_t{0};
 std::size_t gBlock = std::size_t{1} << 18;  // one read of the pass
-bool gThreads = true;
+unsigned gThreads = 0;  // 0: as many as the machine has, up to kMaxThreads
+constexpr unsigned kPassBits = 3, kMaxThreads = 1u << kPassBits;
 
-// Runs `job(0)` here and `job(1)` on a thread of its own, or both here one
-// after the other.
+// Runs `job(0)` here and `job(1)` to `job(n - 1)` on threads of their own;
+// the first exception any of them throws is thrown here once all are done.
 template <typename Job>
-void InTwo(bool twoThreads, Job&& job) {
-    if (!twoThreads) {
-        job(0);
-        job(1);
+void InThreads(unsigned n, Job&& job) {
+    if (n <= 1) {
+        job(0u);
         return;
     }
-    std::exception_ptr failed;
-    std::thread other([&job, &failed] {
-        try {
-            job(1);
-        } catch (...) {
-            failed = std::current_exception();
-        }
-    });
+    std::vector<std::exception_ptr> failed(n);
+    std::vector<std::thread> others;
+    others.reserve(n - 1);
+    const auto joinAll = [&others] {
+        for (std::thread& o : others) o.join();
+    };
     try {
-        job(0);
+        for (unsigned t = 1; t < n; ++t)
+            others.emplace_back([&job, &failed, t] {
+                try {
+                    job(t);
+                } catch (...) {
+                    failed[t] = std::current_exception();
+                }
+            });
+        job(0u);
     } catch (...) {
-        other.join();
+        joinAll();
         throw;
     }
-    other.join();
-    if (failed) std::rethrow_exception(failed);
+    joinAll();
+    for (const std::exception_ptr& f : failed)
+        if (f) std::rethrow_exception(f);
 }
+
+// The share of `count` things that thread t of n takes: [First(t), First(t + 1)).
+std::size_t First(std::size_t count, unsigned t, unsigned n) { return count * t / n; }
 
 std::uint64_t Mum(std::uint64_t a, std::uint64_t b) {
     const unsigned __int128 r = static_cast<unsigned __int128>(a) * b;
@@ -574,28 +584,34 @@ void ScanDisc(LineReader& reader, std::int64_t minSize, std::vector<std::uint64_
 }
 
 // The hashes met on more than one disc, and every line that gave one, in no
-// particular order. Unfolded, each part's records (both passes') go through a
+// particular order. Unfolded, each part's records (every pass's) go through a
 // table of their own that stays in the cache; a slot holds 32 further bits of
 // the hash, so two hashes may meet there wrongly: that only makes candidates
 // the names then tell apart.
-std::vector<Candidate> CandidatesOf(Records (&records)[2], bool twoThreads) {
-    if (records[0].Folded() || records[1].Folded()) {
-        // The two passes' pairs brought together, half the parts on each
-        // thread, then the lines that waited.
-        InTwo(twoThreads, [&](int t) { records[t].FoldAll(); });
-        std::vector<Candidate> found[2];
-        InTwo(twoThreads,
-              [&](int t) { records[0].Merge(records[1], t * kParts / 2, (t + 1) * kParts / 2, found[t]); });
-        std::vector<Candidate> out;
-        for (const std::vector<Candidate>* c :
-             {&records[0].candidates, &records[1].candidates, &found[0], &found[1]})
-            out.insert(out.end(), c->begin(), c->end());
-        for (const std::vector<Candidate>* c : {&records[0].later, &records[1].later})
-            for (const Candidate& l : *c)
+std::vector<Candidate> CandidatesOf(std::vector<Records>& records) {
+    const auto n = static_cast<unsigned>(records.size());
+    std::vector<std::vector<Candidate>> found(n);
+    const auto all = [&found] {
+        std::vector<Candidate> out = std::move(found[0]);
+        for (std::size_t t = 1; t < found.size(); ++t) out.insert(out.end(), found[t].begin(), found[t].end());
+        return out;
+    };
+    if (std::any_of(records.begin(), records.end(), [](const Records& r) { return r.Folded(); })) {
+        // The passes' pairs brought together into the first's, each thread
+        // its share of the parts, then the lines that waited.
+        InThreads(n, [&](unsigned t) { records[t].FoldAll(); });
+        InThreads(n, [&](unsigned t) {
+            for (std::size_t k = 1; k < n; ++k)
+                records[0].Merge(records[k], First(kParts, t, n), First(kParts, t + 1, n), found[t]);
+        });
+        std::vector<Candidate> out = all();
+        for (const Records& r : records) out.insert(out.end(), r.candidates.begin(), r.candidates.end());
+        for (const Records& r : records)
+            for (const Candidate& l : r.later)
                 if (records[0].Many(l.hash)) out.push_back(l);
         return out;
     }
-    // Each part's records, both passes', go once through a table of the
+    // Each part's records, every pass's, go once through a table of the
     // pairs met, each with its first record; a line on another disc than its
     // pair's first makes the pair many and both lines candidates, as does
     // every later line of a pair known to be many. A line on the first disc
@@ -603,19 +619,20 @@ std::vector<Candidate> CandidatesOf(Records (&records)[2], bool twoThreads) {
     // asks where its lines stand.
     struct Seen {
         std::uint32_t key;
-        std::uint32_t first;  // 1 + the pass (top bit) and index of the first record; 0: a free slot
+        std::uint32_t first;  // 1 + the pass (top bits) and index of the first record; 0: a free slot
     };
     constexpr std::uint32_t kMany = UINT32_MAX;  // as `first`: the pair was met on two discs
-    std::vector<Candidate> found[2];
-    const auto look = [&](int t) {
+    constexpr std::uint32_t kIndexMask = (1u << (32 - kPassBits)) - 1;
+    const auto look = [&](unsigned t) {
         std::vector<Seen> table;
         std::vector<Candidate> waiting;
         std::vector<Candidate>& candidates = found[t];
-        for (std::size_t b = t * kParts / 2; b < (t + 1) * kParts / 2; ++b) {
-            const std::size_t n = records[0].Count(b) + records[1].Count(b);
-            if (n < 2) continue;
+        for (std::size_t b = First(kParts, t, n); b < First(kParts, t + 1, n); ++b) {
+            std::size_t count = 0;
+            for (const Records& r : records) count += r.Count(b);
+            if (count < 2) continue;
             std::size_t size = 16;
-            while (size < 2 * n) size *= 2;
+            while (size < 2 * count) size *= 2;
             table.assign(size, Seen{0, 0});
             const auto slot = [&](std::uint32_t key) -> Seen& {
                 std::size_t i = key & (size - 1);
@@ -624,9 +641,9 @@ std::vector<Candidate> CandidatesOf(Records (&records)[2], bool twoThreads) {
             };
             const auto high = static_cast<std::uint32_t>(b) << (32 - kPartBits);
             waiting.clear();
-            for (std::uint32_t pass = 0; pass < 2; ++pass) {
+            for (std::uint32_t pass = 0; pass < n; ++pass) {
                 Records::Placer placer(records[pass]);
-                std::uint32_t index = pass << 31;
+                std::uint32_t index = pass << (32 - kPassBits);
                 records[pass].ForEach(b, [&](Record r) {
                     const auto key = static_cast<std::uint32_t>(r >> kPlaceBits);
                     Seen& s = slot(key);
@@ -636,7 +653,8 @@ std::vector<Candidate> CandidatesOf(Records (&records)[2], bool twoThreads) {
                         candidates.push_back({placer.Where(r), high | key});
                     } else {
                         const std::uint32_t first = s.first - 1;
-                        const std::uint64_t firstAt = records[first >> 31].WhereOf(b, first & 0x7fffffffu);
+                        const std::uint64_t firstAt =
+                            records[first >> (32 - kPassBits)].WhereOf(b, first & kIndexMask);
                         const std::uint64_t where = placer.Where(r);
                         if (firstAt >> kOffsetBits == where >> kOffsetBits) {
                             waiting.push_back({where, key});
@@ -653,9 +671,8 @@ std::vector<Candidate> CandidatesOf(Records (&records)[2], bool twoThreads) {
                 if (slot(w.hash).first == kMany) candidates.push_back({w.where, high | w.hash});
         }
     };
-    InTwo(twoThreads, look);
-    found[0].insert(found[0].end(), found[1].begin(), found[1].end());
-    return std::move(found[0]);
+    InThreads(n, look);
+    return all();
 }
 
 // A candidate read again: its hash and size, and in the arena of its reader
@@ -739,12 +756,12 @@ void FetchDisc(ReadFolder& folder, const std::string& label, std::uint32_t disc,
 
 }  // namespace
 
-void SetDuplicateSeamsForTesting(int hashBits, std::size_t block, bool threads, std::size_t foldAt,
+void SetDuplicateSeamsForTesting(int hashBits, std::size_t block, unsigned threads, std::size_t foldAt,
                                  std::size_t chunk) {
     gChunk = std::max<std::size_t>(8, chunk / 8 * 8);
     gHashMask = hashBits >= 64 ? ~std::uint64_t{0} : ~(~std::uint64_t{0} >> hashBits);
     gBlock = std::max<std::size_t>(1, block);
-    gThreads = threads;
+    gThreads = std::min(threads, kMaxThreads);
     gFoldAt = std::max<std::size_t>(1, foldAt);
 }
 
@@ -755,19 +772,20 @@ std::int64_t Bytes(std::int64_t storedSize) {
 Duplicates FindDuplicates(const std::string& dataFolder,
                                            const std::vector<std::string>& labels, std::int64_t minSize,
                                            const std::function<bool(std::size_t, std::size_t)>& progress) {
-    // Two passes take every other disc (the same split every run), each into
-    // records of its own. Only this thread speaks to `progress`, a disc or two
-    // ahead of its own, and the other reads no disc `progress` hasn't heard of.
+    // A pass on each thread, each taking every n-th disc (the same split every
+    // run) into records of its own. Only this thread speaks to `progress`, a
+    // disc or two ahead of its own, and the others read no disc `progress`
+    // hasn't heard of.
     const std::size_t discs = std::min(labels.size(), kMaxDiscs);
-    const bool twoThreads = gThreads && discs > 1 && std::thread::hardware_concurrency() != 1;
-    Records records[2];
+    unsigned n = gThreads ? gThreads : std::clamp(std::thread::hardware_concurrency(), 1u, kMaxThreads);
+    n = static_cast<unsigned>(std::clamp<std::size_t>(discs, 1, n));
+    std::vector<Records> records(n);
     // Without a listener nothing is told, and the passes never wait for each other.
     std::atomic<std::size_t> heard{progress ? 0 : SIZE_MAX};
     std::atomic<bool> stop{false};
-    const auto pass = [&](int t) {
-        if (t == 1 && !twoThreads) return;  // the one pass took them all
+    const auto pass = [&](unsigned t) {
         // However this pass ends (a throw from `progress` or an allocation
-        // included), the other one must not wait for it.
+        // included), the others must not wait for it.
         struct Release {
             std::atomic<std::size_t>& heard;
             std::atomic<bool>& stop;
@@ -776,19 +794,19 @@ Duplicates FindDuplicates(const std::string& dataFolder,
                 if (!mine) return;
                 if (std::uncaught_exceptions()) stop = true;
                 heard = SIZE_MAX;
-                heard.notify_one();
+                heard.notify_all();
             }
         } release{heard, stop, t == 0};
         LineReader reader(gBlock);
         std::vector<std::uint64_t> masks;
         const std::unique_ptr<ReadFolder> folder = OpenFolderForReading(dataFolder);
-        for (std::size_t disc = twoThreads ? t : 0;; disc += twoThreads ? 2 : 1) {
+        for (std::size_t disc = t;; disc += n) {
             if (t == 0) {
-                const std::size_t upTo = std::min(disc + (twoThreads ? 3 : 1), discs);
+                const std::size_t upTo = std::min(disc + (n > 1 ? n + 1 : 1), discs);
                 for (std::size_t h = heard; h < upTo && !stop; ++h) {
                     if (progress && !progress(h + 1, labels.size())) stop = true;
-                    heard = stop ? SIZE_MAX : h + 1;  // a stop wakes the other thread too
-                    heard.notify_one();
+                    heard = stop ? SIZE_MAX : h + 1;  // a stop wakes the other threads too
+                    heard.notify_all();
                 }
             } else {
                 for (std::size_t h; disc < discs && (h = heard) <= disc;) heard.wait(h);
@@ -803,12 +821,13 @@ Duplicates FindDuplicates(const std::string& dataFolder,
             }
         }
     };
-    InTwo(twoThreads, pass);
-    std::vector<Candidate> met = CandidatesOf(records, twoThreads);
-    for (Records& r : records) r = Records();
+    InThreads(n, pass);
+    std::vector<Candidate> met = CandidatesOf(records);
+    std::vector<Records>().swap(records);
 
-    // The candidates by disc (each disc's in line order), then read again in
-    // two halves of whole discs, the first half's lines first.
+    // The candidates by disc (each disc's in line order), then read again,
+    // each thread a run of whole discs with its share of the lines, the
+    // first thread's discs first.
     std::vector<std::size_t> from(discs + 1, 0);
     for (const Candidate& c : met) ++from[(c.where >> kOffsetBits) + 1];
     for (std::size_t d = 0; d < discs; ++d) from[d + 1] += from[d];
@@ -818,20 +837,24 @@ Duplicates FindDuplicates(const std::string& dataFolder,
         for (const Candidate& c : met) candidates[at[c.where >> kOffsetBits]++] = c;
     }
     met = {};
-    std::size_t half = 0;
-    while (half < discs && 2 * from[half] < candidates.size()) ++half;
-    std::vector<Fetched> got[2];
-    std::unique_ptr<std::string> arena[2] = {std::make_unique<std::string>(), std::make_unique<std::string>()};
-    const auto fetch = [&](int t) {
+    std::vector<std::size_t> runs(n + 1, discs);  // thread t reads discs [runs[t], runs[t + 1])
+    for (unsigned t = 0, d = 0; t < n; ++t) {
+        while (d < discs && from[d] < First(candidates.size(), t, n)) ++d;
+        runs[t] = d;
+    }
+    std::vector<std::vector<Fetched>> got(n);
+    std::vector<std::unique_ptr<std::string>> arena(n);
+    const auto fetch = [&](unsigned t) {
         std::vector<char> buf;
         const std::unique_ptr<ReadFolder> folder = OpenFolderForReading(dataFolder);
-        const std::size_t first = t ? half : 0, last = t ? discs : half;
+        const std::size_t first = runs[t], last = runs[t + 1];
         // Room for all at once: a growing arena would copy itself again and
         // again, and fresh pages cost more here than the lines themselves.
         // (Pages that stay unwritten cost nothing.)
-        const std::size_t n = from[last] - from[first];
-        got[t].reserve(n);
-        arena[t]->reserve(n * 256);
+        const std::size_t lines = from[last] - from[first];
+        got[t].reserve(lines);
+        arena[t] = std::make_unique<std::string>();
+        arena[t]->reserve(lines * 256);
         for (std::size_t d = first; d < last; ++d) {
             if (from[d] == from[d + 1]) continue;
             Candidate* const b = candidates.data() + from[d];
@@ -840,7 +863,7 @@ Duplicates FindDuplicates(const std::string& dataFolder,
             FetchDisc(*folder, labels[d], static_cast<std::uint32_t>(d), b, e, buf, *arena[t], got[t]);
         }
     };
-    InTwo(twoThreads, fetch);
+    InThreads(n, fetch);
     candidates = {};
 
     // The copies brought together by hash in the order they were read (disc,
@@ -852,12 +875,22 @@ Duplicates FindDuplicates(const std::string& dataFolder,
         bool manyDiscs;
     };
     constexpr std::uint32_t kNone = UINT32_MAX;
-    const std::size_t copies = got[0].size() + got[1].size();
+    // Copy k is the k-th of all the threads' in turn; they stay where they
+    // were read into, not copied together.
+    std::vector<std::size_t> base(n + 1, 0);
+    for (unsigned t = 0; t < n; ++t) base[t + 1] = base[t] + got[t].size();
+    const std::size_t copies = base[n];
+    const auto reader = [&](std::uint32_t k) {
+        unsigned t = 0;
+        while (k >= base[t + 1]) ++t;
+        return t;
+    };
     const auto copy = [&](std::uint32_t k) -> const Fetched& {
-        return k < got[0].size() ? got[0][k] : got[1][k - got[0].size()];
+        const unsigned t = reader(k);
+        return got[t][k - base[t]];
     };
     const auto text = [&](std::uint32_t k, std::uint32_t at, std::uint32_t len) {
-        return std::string_view(*arena[k < got[0].size() ? 0 : 1]).substr(at, len);
+        return std::string_view(*arena[reader(k)]).substr(at, len);
     };
     std::vector<Pair> pairs;
     std::vector<std::uint32_t> next(copies, kNone);
@@ -889,8 +922,8 @@ Duplicates FindDuplicates(const std::string& dataFolder,
     for (std::uint32_t i = 0; i < pairs.size(); ++i)
         if (pairs[i].manyDiscs) chosen.push_back(i);
     std::vector<DuplicateGroup> groups(chosen.size());
-    InTwo(twoThreads, [&](int t) {
-        for (std::size_t j = t * chosen.size() / 2; j < (t + 1) * chosen.size() / 2; ++j) {
+    InThreads(n, [&](unsigned t) {
+        for (std::size_t j = First(chosen.size(), t, n); j < First(chosen.size(), t + 1, n); ++j) {
             const Pair& p = pairs[chosen[j]];
             DuplicateGroup& g = groups[j];
             const Fetched& head = copy(p.first);
@@ -920,8 +953,8 @@ Duplicates FindDuplicates(const std::string& dataFolder,
     found.groups.reserve(groups.size());
     for (std::size_t i : byRank) found.groups.push_back(std::move(groups[i]));
 
-    // The texts copied together in the order they are listed, half the
-    // groups by bytes on each thread. Where they were read they lie a disc
+    // The texts copied together in the order they are listed, each thread a
+    // run of groups with its share of the bytes. Where they were read they lie a disc
     // apart, and a listing that takes them from there waits on memory at
     // every copy; the copying asks for each a few copies ahead.
     std::vector<std::size_t> at(found.groups.size() + 1, 0);
@@ -930,10 +963,13 @@ Duplicates FindDuplicates(const std::string& dataFolder,
         for (const std::string_view hit : found.groups[j].hits) at[j + 1] += hit.size();
     }
     found.text = std::make_unique_for_overwrite<char[]>(at.back());
-    std::size_t middle = 0;
-    while (middle < found.groups.size() && 2 * at[middle] < at.back()) ++middle;
-    InTwo(twoThreads, [&](int t) {
-        for (std::size_t j = t ? middle : 0; j < (t ? found.groups.size() : middle); ++j) {
+    std::vector<std::size_t> share(n + 1, found.groups.size());  // thread t copies groups [share[t], share[t + 1])
+    for (unsigned t = 0, j = 0; t < n; ++t) {
+        while (j < found.groups.size() && at[j] < First(at.back(), t, n)) ++j;
+        share[t] = j;
+    }
+    InThreads(n, [&](unsigned t) {
+        for (std::size_t j = share[t]; j < share[t + 1]; ++j) {
             DuplicateGroup& g = found.groups[j];
             const std::size_t nameAt = static_cast<std::size_t>(g.name.data() - g.hits.front().data());
             char* to = found.text.get() + at[j];

@@ -1,14 +1,13 @@
 // Copies across discs: files that stand on more than one disc under the same
 // name and size, the name compared without regard to case as the search's
-// name test compares it. One pass over the catalogues, two threads taking
-// every other disc, keeps eight bytes per file line (part of a hash of the
-// name and size, and where the line stands), parted by the hash as the lines
-// come;
-// where the lines run to two or more per pair, they are folded into a table
-// of the pairs, so that memory stays proportional to the distinct (name,
-// size) pairs. Only the lines whose pair turns up on two discs are read
-// again, for their names and paths: no string is kept for a file without a
-// copy.
+// name test compares it. One pass over the catalogues, a thread for each
+// core (up to eight) taking every n-th disc, keeps eight bytes per file line
+// (part of a hash of the name and size, and where the line stands), parted
+// by the hash as the lines come; where the lines run to two or more per
+// pair, they are folded into a table of the pairs, so that memory stays
+// proportional to the distinct (name, size) pairs. Only the lines whose pair
+// turns up on two discs are read again, for their names and paths: no string
+// is kept for a file without a copy.
 #pragma once
 
 #include <cstdint>
@@ -38,11 +37,12 @@ struct Duplicates {
 std::int64_t Bytes(std::int64_t storedSize);
 
 // `labels` in the order the disc list shows them; only files of at least
-// `minSize` bytes (as Bytes() counts them) count. Groups span at least two discs (copies on one disc
-// are listed with them) and come largest first, then by name as the lists
-// order them. `progress` hears each disc's number from 1, in order, on the
-// calling thread (a disc or two before it is read), and may stop the run by
-// returning false (the groups of the discs read so far are then returned).
+// `minSize` bytes (as Bytes() counts them) count. Groups span at least two
+// discs (copies on one disc are listed with them) and come largest first,
+// then by name as the lists order them. `progress` hears each disc's number
+// from 1, in order, on the calling thread (a few discs before they are
+// read), and may stop the run by returning false (the groups of the discs
+// read so far are then returned).
 Duplicates FindDuplicates(
     const std::string& dataFolder, const std::vector<std::string>& labels, std::int64_t minSize,
     const std::function<bool(std::size_t disc, std::size_t discs)>& progress = {});
@@ -50,11 +50,12 @@ Duplicates FindDuplicates(
 // Tests only: keep just the top `hashBits` bits of the hash that brings copies
 // together (0 makes every file meet every other), so that files whose hashes
 // meet must still be told apart by their names; read `block` bytes at a
-// time, so that lines and line ends straddle reads; one thread or two; look
-// whether to fold the lines into pairs after `foldAt` lines (and at every
-// doubling); and keep `chunk` lines (a multiple of 8) to a chunk of a part's
-// chain. (64, 1 << 18, true, 1 << 20, 1024) is the program's own setting.
-void SetDuplicateSeamsForTesting(int hashBits, std::size_t block, bool threads = true,
+// time, so that lines and line ends straddle reads; take `threads` threads
+// (up to 8; 0 as many as the machine has, up to 8); look whether to fold the
+// lines into pairs after `foldAt` lines (and at every doubling); and keep
+// `chunk` lines (a multiple of 8) to a chunk of a part's chain.
+// (64, 1 << 18, 0, 1 << 20, 1024) is the program's own setting.
+void SetDuplicateSeamsForTesting(int hashBits, std::size_t block, unsigned threads = 0,
                                  std::size_t foldAt = std::size_t{1} << 20, std::size_t chunk = 1024);
 
 }  // namespace ct

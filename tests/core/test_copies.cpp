@@ -135,21 +135,31 @@ TEST(FindDuplicates, SameNameAndSizeOnTwoDiscsLargestFirst) {
          {"Film.mkv 12345678901234: Acht\\\\Film.mkv Neun\\\\Film.mkv", "neun.txt 123456789: Acht\\\\neun.txt Neun\\\\neun.txt",
           "Bild.jpg 500: Acht\\\\lang\\Ordner\\Bild.jpg Neun\\\\Bild.jpg", "null.txt 0: Acht\\\\null.txt Neun\\\\x\\null.txt"}},
         {"ManyLines", {"Zehn", "Elf"}, 0, shared},
+        {"FiveDiscs", {"Eins", "Zwei", "Drei", "Sechs", "Sieben"}, 0,
+         {"gross.iso -2: Eins\\\\A\\gross.iso Zwei\\\\gross.iso",
+          "Foto.JPG 500: Eins\\\\A\\Foto.JPG Zwei\\\\foto.jpg Zwei\\\\B\\foto.jpg",
+          "nur hier.txt 9: Eins\\\\nur hier.txt Drei\\\\nur hier.txt Drei\\\\x\\nur hier.txt",
+          "apfel.txt 7: Sechs\\\\apfel.txt Sieben\\\\apfel.txt",
+          "\xC3\x84pfel.txt 7: Sechs\\\\\xC3\x84pfel.txt Sieben\\\\\xC3\x84pfel.txt",
+          "Birne.txt 7: Sechs\\\\Birne.txt Sieben\\\\Birne.txt",
+          "\xC3\xA4rger.txt 4: Eins\\\\\xC3\xA4rger.txt Zwei\\\\\xC3\x84RGER.TXT",
+          "klein.txt 3: Eins\\\\klein.txt Zwei\\\\klein.txt"}},
         {"LineEnds", {"Vier", "F\xC3\xBCnf"}, 0,
          {"KLEIN.TXT 3: Vier\\\\KLEIN.TXT F\xC3\xBCnf\\\\x\\Klein.txt F\xC3\xBCnf\\\\y\\klein.txt"}},
     };
     // Hashes that all meet, and reads of a few bytes, must change nothing.
-    // So must the portable path of the line cutting, one thread for two,
+    // So must the portable path of the line cutting, one to four threads,
     // records folded into pairs from the first line on, and chunks of one
     // line each, which lines that waited only in part (looked at before they
     // were full, and then not folded) leave astride two chunks.
     for (const auto& [bits, block, vectors, threads, foldAt, chunk] :
-         {std::tuple{64, 1 << 18, true, true, 1 << 20, 1024}, {0, 1, true, true, 1, 1024}, {1, 5, false, false, 2, 1024},
-          {3, 64, true, true, 1 << 20, 1024}, {64, 64, true, false, 1, 1024}, {64, 64, true, true, 3, 1024},
-          {64, 64, true, false, 3, 8}, {64, 1 << 18, true, true, 5, 8}})
+         {std::tuple{64, 1 << 18, true, 2u, 1 << 20, 1024}, {0, 1, true, 3u, 1, 1024}, {1, 5, false, 1u, 2, 1024},
+          {3, 64, true, 4u, 1 << 20, 1024}, {64, 64, true, 1u, 1, 1024}, {64, 64, true, 2u, 3, 1024},
+          {64, 64, true, 1u, 3, 8}, {64, 1 << 18, true, 3u, 5, 8}, {64, 1 << 18, true, 4u, 1, 8}})
     for (const auto& row : rows) {
         SCOPED_TRACE(std::string(row.name) + " bits " + std::to_string(bits) + " block " + std::to_string(block) +
-                     " fold " + std::to_string(foldAt) + " chunk " + std::to_string(chunk));
+                     " threads " + std::to_string(threads) + " fold " + std::to_string(foldAt) + " chunk " +
+                     std::to_string(chunk));
         SetDuplicateSeamsForTesting(bits, static_cast<std::size_t>(block), threads, static_cast<std::size_t>(foldAt),
                                     static_cast<std::size_t>(chunk));
         scan::UseVectors(vectors);
@@ -166,14 +176,14 @@ TEST(FindDuplicates, SameNameAndSizeOnTwoDiscsLargestFirst) {
             said.push_back(text);
         }
         EXPECT_EQ(said, row.expected);
-        // Every disc heard once, in order, however the two threads took them.
+        // Every disc heard once, in order, however the threads took them.
         std::vector<std::size_t> all;
         for (std::size_t d = 1; d <= row.labels.size(); ++d) all.push_back(d * 10 + row.labels.size());
         EXPECT_EQ(heard, all);
     }
     // Stopped at the first disc, no disc is read: no copies. A progress that
-    // throws ends the run as well, with both threads.
-    SetDuplicateSeamsForTesting(64, 1 << 18, true);
+    // throws ends the run as well, with every thread.
+    SetDuplicateSeamsForTesting(64, 1 << 18, 3);
     EXPECT_TRUE(FindDuplicates(s.Path(), {"Eins", "Zwei", "Drei"}, 0, [](std::size_t, std::size_t) {
                     return false;
                 }).groups.empty());
