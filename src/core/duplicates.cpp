@@ -10,6 +10,7 @@
 #include <exception>
 #include <memory>
 #include <string_view>
+#include <system_error>
 #include <thread>
 
 #ifdef __SSE2__
@@ -321,32 +322,37 @@ private:
 std::uint64_t gHashMask = ~std::uint64_t{0};
 std::size_t gBlock = std::size_t{1} << 18;  // one read of the pass
 unsigned gThreads = 0;  // 0: as many as the machine has, up to kMaxThreads
+unsigned gGranted = UINT_MAX;  // tests: threads the system gives before it refuses
 constexpr unsigned kPassBits = 3, kMaxThreads = 1u << kPassBits;
 
 // Runs `job(0)` here and `job(1)` to `job(n - 1)` on threads of their own;
 // the first exception any of them throws is thrown here once all are done.
+// Where the system gives no more threads, the jobs left run here after the
+// first (which the others may wait for).
 template <typename Job>
 void InThreads(unsigned n, Job&& job) {
-    if (n <= 1) {
-        job(0u);
-        return;
-    }
     std::vector<std::exception_ptr> failed(n);
     std::vector<std::thread> others;
-    others.reserve(n - 1);
-    const auto joinAll = [&others] {
-        for (std::thread& o : others) o.join();
-    };
+    unsigned started = 1;
     try {
-        for (unsigned t = 1; t < n; ++t)
-            others.emplace_back([&job, &failed, t] {
+        for (; started < n; ++started) {
+            if (started > gGranted) throw std::system_error(std::make_error_code(std::errc::resource_unavailable_try_again));
+            others.emplace_back([&job, &failed, t = started] {
                 try {
                     job(t);
                 } catch (...) {
                     failed[t] = std::current_exception();
                 }
             });
+        }
+    } catch (const std::system_error&) {
+    }
+    const auto joinAll = [&others] {
+        for (std::thread& o : others) o.join();
+    };
+    try {
         job(0u);
+        for (unsigned t = started; t < n; ++t) job(t);
     } catch (...) {
         joinAll();
         throw;
@@ -755,6 +761,8 @@ void FetchDisc(ReadFolder& folder, const std::string& label, std::uint32_t disc,
 }
 
 }  // namespace
+
+void LimitThreadsForTesting(unsigned granted) { gGranted = granted; }
 
 void SetDuplicateSeamsForTesting(int hashBits, std::size_t block, unsigned threads, std::size_t foldAt,
                                  std::size_t chunk) {

@@ -58,4 +58,8 @@ Duplicates FindDuplicates(
 void SetDuplicateSeamsForTesting(int hashBits, std::size_t block, unsigned threads = 0,
                                  std::size_t foldAt = std::size_t{1} << 20, std::size_t chunk = 1024);
 
+// Tests only: the system gives `granted` threads beyond the calling one and
+// then refuses (UINT_MAX: as many as asked for).
+void LimitThreadsForTesting(unsigned granted);
+
 }  // namespace ct

@@ -2,6 +2,7 @@
 // than one disc: both on real catalogue files in a scratch folder.
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <string>
 #include <vector>
 
@@ -67,6 +68,17 @@ TEST(VerifyDisc, FindsWhatChangedAndIgnoresDescriptions) {
         EXPECT_EQ(said, row.expected);
     }
     EXPECT_FALSE(VerifyDisc(s / "none.idx", "/mnt/cd", folders0, files0).opened);
+}
+
+// Each group as "name size: hit hit ...".
+std::vector<std::string> Said(const Duplicates& found) {
+    std::vector<std::string> said;
+    for (const DuplicateGroup& g : found.groups) {
+        std::string text = std::string(g.name) + " " + std::to_string(g.size) + ":";
+        for (const std::string_view hit : g.hits) text.append(" ").append(hit);
+        said.push_back(text);
+    }
+    return said;
 }
 
 TEST(FindDuplicates, SameNameAndSizeOnTwoDiscsLargestFirst) {
@@ -163,23 +175,30 @@ TEST(FindDuplicates, SameNameAndSizeOnTwoDiscsLargestFirst) {
         SetDuplicateSeamsForTesting(bits, static_cast<std::size_t>(block), threads, static_cast<std::size_t>(foldAt),
                                     static_cast<std::size_t>(chunk));
         scan::UseVectors(vectors);
-        std::vector<std::string> said;
         std::vector<std::size_t> heard;
         const auto progress = [&](std::size_t disc, std::size_t discs) {
             heard.push_back(disc * 10 + discs);
             return true;
         };
-        const Duplicates found = FindDuplicates(s.Path(), row.labels, row.minSize, progress);
-        for (const DuplicateGroup& g : found.groups) {
-            std::string text = std::string(g.name) + " " + std::to_string(g.size) + ":";
-            for (const std::string_view hit : g.hits) text.append(" ").append(hit);
-            said.push_back(text);
-        }
-        EXPECT_EQ(said, row.expected);
+        EXPECT_EQ(Said(FindDuplicates(s.Path(), row.labels, row.minSize, progress)), row.expected);
         // Every disc heard once, in order, however the threads took them.
         std::vector<std::size_t> all;
         for (std::size_t d = 1; d <= row.labels.size(); ++d) all.push_back(d * 10 + row.labels.size());
         EXPECT_EQ(heard, all);
+    }
+    // Where the system gives fewer threads than asked for, the calling
+    // thread does the rest: the same groups, every disc heard in order.
+    for (const unsigned granted : {0u, 1u}) {
+        SetDuplicateSeamsForTesting(64, 1 << 18, 3);
+        LimitThreadsForTesting(granted);
+        std::vector<std::size_t> heard;
+        const Duplicates found = FindDuplicates(s.Path(), rows[0].labels, 0, [&](std::size_t disc, std::size_t) {
+            heard.push_back(disc);
+            return true;
+        });
+        LimitThreadsForTesting(UINT_MAX);
+        EXPECT_EQ(Said(found), rows[0].expected) << granted;
+        EXPECT_EQ(heard, (std::vector<std::size_t>{1, 2, 3})) << granted;
     }
     // Stopped at the first disc, no disc is read: no copies. A progress that
     // throws ends the run as well, with every thread.
