@@ -944,6 +944,14 @@ Duplicates FindDuplicates(const std::string& dataFolder,
         }
     });
 
+    // The groups point into the readers' texts now; what led to them goes
+    // before the texts are laid out anew.
+    std::vector<std::vector<Fetched>>().swap(got);
+    std::vector<Pair>().swap(pairs);
+    std::vector<std::uint32_t>().swap(next);
+    std::vector<std::uint32_t>().swap(table);
+    std::vector<std::uint32_t>().swap(chosen);
+
     // Largest first, then by name in list order, each name's key made once
     // (a listing of many copies has as many groups).
     std::vector<std::string> keys;
