@@ -38,13 +38,11 @@ int RunDuplicates(Context& ctx) {
             return std::find(wanted.begin(), wanted.end(), l) == wanted.end();
         });
 
-    const Duplicates found = FindDuplicates(ctx.dataFolder, labels, minSize);
-    const std::vector<DuplicateGroup>& groups = found.groups;
     const Format format = FormatOf(ctx);
     std::string value;  // one copy's text, its room used again
+    std::size_t groups = 0;
     if (format == Format::Text) {
-        for (const DuplicateGroup& g : groups) {
-            if (ctx.OutputGone()) break;
+        groups = FindDuplicates(ctx.dataFolder, labels, minSize, [&](const DuplicateGroup& g) {
             *ctx.out << Value(ctx, g.name) << "  "
                      << ctx.T({"%1 Bytes, %2 Kopien", "%1 bytes, %2 copies"},
                               {std::to_string(g.size), std::to_string(g.hits.size())})
@@ -53,26 +51,28 @@ int RunDuplicates(Context& ctx) {
                 ValueInto(ctx, hit, true, value);
                 *ctx.out << "  " << value << "\n";
             }
-        }
+            return !ctx.OutputGone();
+        });
     } else {
         Records records(ctx, {{"group", true}, {"name"}, {"size", true}, {"hit"}});
         // One record a copy: the group's fields are made once, not per copy,
         // and a hit (UTF-8 already) goes out as it stands unless its
         // backslashes are to be slashes.
         const bool slashes = ctx.args.Has("--slashes");
-        std::string number, name, size, hit;
-        std::size_t n = 0;
-        for (const DuplicateGroup& g : groups) {
-            number = std::to_string(++n);
+        std::string number, name, size;
+        std::size_t listed = 0;
+        groups = FindDuplicates(ctx.dataFolder, labels, minSize, [&](const DuplicateGroup& g) {
+            number = std::to_string(++listed);
             ValueInto(ctx, g.name, false, name);
             size = std::to_string(g.size);
             for (const std::string_view h : g.hits) {
-                if (slashes) ValueInto(ctx, h, true, hit);
-                records.Add({number, name, size, slashes ? std::string_view(hit) : h});
+                if (slashes) ValueInto(ctx, h, true, value);
+                records.Add({number, name, size, slashes ? std::string_view(value) : h});
             }
-        }
+            return !ctx.OutputGone();
+        });
     }
-    return groups.empty() ? kNothing : kDone;
+    return groups == 0 ? kNothing : kDone;
 }
 
 Registration reg{{

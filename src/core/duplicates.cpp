@@ -777,9 +777,9 @@ std::int64_t Bytes(std::int64_t storedSize) {
     return storedSize < 0 && storedSize >= INT32_MIN ? storedSize + (std::int64_t{1} << 32) : storedSize;
 }
 
-Duplicates FindDuplicates(const std::string& dataFolder,
-                                           const std::vector<std::string>& labels, std::int64_t minSize,
-                                           const std::function<bool(std::size_t, std::size_t)>& progress) {
+std::size_t FindDuplicates(const std::string& dataFolder, const std::vector<std::string>& labels,
+                           std::int64_t minSize, const DuplicateSink& sink,
+                           const std::function<bool(std::size_t, std::size_t)>& progress) {
     // A pass on each thread, each taking every n-th disc (the same split every
     // run) into records of its own. Only this thread speaks to `progress`, a
     // disc or two ahead of its own, and the others read no disc `progress`
@@ -965,40 +965,32 @@ Duplicates FindDuplicates(const std::string& dataFolder,
         if (keys[x] != keys[y]) return keys[x] < keys[y];
         return a.hits < b.hits;
     });
-    Duplicates found;
-    found.groups.reserve(groups.size());
-    for (std::size_t i : byRank) found.groups.push_back(std::move(groups[i]));
 
-    // The texts copied together in the order they are listed, each thread a
-    // run of groups with its share of the bytes. Where they were read they lie a disc
-    // apart, and a listing that takes them from there waits on memory at
-    // every copy; the copying asks for each a few copies ahead.
-    std::vector<std::size_t> at(found.groups.size() + 1, 0);
-    for (std::size_t j = 0; j < found.groups.size(); ++j) {
-        at[j + 1] = at[j];
-        for (const std::string_view hit : found.groups[j].hits) at[j + 1] += hit.size();
-    }
-    found.text = std::make_unique_for_overwrite<char[]>(at.back());
-    std::vector<std::size_t> share(n + 1, found.groups.size());  // thread t copies groups [share[t], share[t + 1])
-    for (unsigned t = 0, j = 0; t < n; ++t) {
-        while (j < found.groups.size() && at[j] < First(at.back(), t, n)) ++j;
-        share[t] = j;
-    }
-    InThreads(n, [&](unsigned t) {
-        for (std::size_t j = share[t]; j < share[t + 1]; ++j) {
-            DuplicateGroup& g = found.groups[j];
-            const std::size_t nameAt = static_cast<std::size_t>(g.name.data() - g.hits.front().data());
-            char* to = found.text.get() + at[j];
-            for (std::size_t h = 0; h < g.hits.size(); ++h) {
-                if (h + 8 < g.hits.size()) __builtin_prefetch(g.hits[h + 8].data());
-                std::memcpy(to, g.hits[h].data(), g.hits[h].size());
-                g.hits[h] = std::string_view(to, g.hits[h].size());
-                to += g.hits[h].size();
-            }
-            g.name = std::string_view(g.hits.front().data() + nameAt, g.name.size());
+    // Each group's texts copied together in the order they are listed, into
+    // one string whose room serves every group, then handed on. Where they
+    // were read they lie a disc apart, and a listing that takes them from
+    // there waits on memory at every copy; the copying asks for each a few
+    // copies ahead, and the listing then finds them in the cache.
+    std::size_t told = 0;
+    std::string laidOut;
+    for (const std::size_t i : byRank) {
+        DuplicateGroup& g = groups[i];
+        std::size_t bytes = 0;
+        for (const std::string_view hit : g.hits) bytes += hit.size();
+        if (laidOut.size() < bytes) laidOut.resize(std::max(bytes, 2 * laidOut.size()));
+        const std::size_t nameAt = static_cast<std::size_t>(g.name.data() - g.hits.front().data());
+        char* to = laidOut.data();
+        for (std::size_t h = 0; h < g.hits.size(); ++h) {
+            if (h + 8 < g.hits.size()) __builtin_prefetch(g.hits[h + 8].data());
+            std::memcpy(to, g.hits[h].data(), g.hits[h].size());
+            g.hits[h] = std::string_view(to, g.hits[h].size());
+            to += g.hits[h].size();
         }
-    });
-    return found;
+        g.name = std::string_view(g.hits.front().data() + nameAt, g.name.size());
+        ++told;
+        if (!sink(g)) break;
+    }
+    return told;
 }
 
 }  // namespace ct

@@ -12,24 +12,22 @@
 
 #include <cstdint>
 #include <functional>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace ct {
 
-// A group's texts stand in the text of the Duplicates that holds it (one
-// string per group would cost more than finding the copies).
+// One group of copies as a DuplicateSink hears it: its texts stand only as
+// long as the call. (A string per copy cost more than finding the copies, and
+// a listing of many copies never holds all of them laid out at once.)
 struct DuplicateGroup {
     std::string_view name;               // the first copy's name, as UTF-8
     std::int64_t size = 0;               // bytes, as the catalogue's Size field
     std::vector<std::string_view> hits;  // each copy's hit text (label, '\', Path), in disc and catalogue order
 };
-struct Duplicates {
-    std::vector<DuplicateGroup> groups;
-    std::unique_ptr<char[]> text;  // where the groups' texts stand
-};
+// Takes the next group; false ends the listing.
+using DuplicateSink = std::function<bool(const DuplicateGroup&)>;
 
 // A file of 2 to 4 GiB stands in a catalogue with a negative size (the low 32
 // bits read as signed); its bytes are that plus 4 GiB, which is how such a
@@ -38,14 +36,14 @@ std::int64_t Bytes(std::int64_t storedSize);
 
 // `labels` in the order the disc list shows them; only files of at least
 // `minSize` bytes (as Bytes() counts them) count. Groups span at least two
-// discs (copies on one disc are listed with them) and come largest first,
-// then by name as the lists order them. `progress` hears each disc's number
-// from 1, in order, on the calling thread (a few discs before they are
-// read), and may stop the run by returning false (the groups of the discs
-// read so far are then returned).
-Duplicates FindDuplicates(
-    const std::string& dataFolder, const std::vector<std::string>& labels, std::int64_t minSize,
-    const std::function<bool(std::size_t disc, std::size_t discs)>& progress = {});
+// discs (copies on one disc are listed with them) and go to `sink` largest
+// first, then by name as the lists order them; returns how many it heard.
+// `progress` hears each disc's number from 1, in order, on the calling thread
+// (a few discs before they are read), and may stop the run by returning
+// false (the groups of the discs read so far are then listed).
+std::size_t FindDuplicates(const std::string& dataFolder, const std::vector<std::string>& labels,
+                           std::int64_t minSize, const DuplicateSink& sink,
+                           const std::function<bool(std::size_t disc, std::size_t discs)>& progress = {});
 
 // Tests only: keep just the top `hashBits` bits of the hash that brings copies
 // together (0 makes every file meet every other), so that files whose hashes

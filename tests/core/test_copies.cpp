@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -70,14 +71,17 @@ TEST(VerifyDisc, FindsWhatChangedAndIgnoresDescriptions) {
     EXPECT_FALSE(VerifyDisc(s / "none.idx", "/mnt/cd", folders0, files0).opened);
 }
 
-// Each group as "name size: hit hit ...".
-std::vector<std::string> Said(const Duplicates& found) {
+// Each group as "name size: hit hit ...", as FindDuplicates lists them.
+std::vector<std::string> Said(const std::string& folder, const std::vector<std::string>& labels,
+                              std::int64_t minSize, const std::function<bool(std::size_t, std::size_t)>& progress) {
     std::vector<std::string> said;
-    for (const DuplicateGroup& g : found.groups) {
+    const std::size_t told = FindDuplicates(folder, labels, minSize, [&](const DuplicateGroup& g) {
         std::string text = std::string(g.name) + " " + std::to_string(g.size) + ":";
         for (const std::string_view hit : g.hits) text.append(" ").append(hit);
         said.push_back(text);
-    }
+        return true;
+    }, progress);
+    EXPECT_EQ(told, said.size());
     return said;
 }
 
@@ -180,7 +184,7 @@ TEST(FindDuplicates, SameNameAndSizeOnTwoDiscsLargestFirst) {
             heard.push_back(disc * 10 + discs);
             return true;
         };
-        EXPECT_EQ(Said(FindDuplicates(s.Path(), row.labels, row.minSize, progress)), row.expected);
+        EXPECT_EQ(Said(s.Path(), row.labels, row.minSize, progress), row.expected);
         // Every disc heard once, in order, however the threads took them.
         std::vector<std::size_t> all;
         for (std::size_t d = 1; d <= row.labels.size(); ++d) all.push_back(d * 10 + row.labels.size());
@@ -192,23 +196,27 @@ TEST(FindDuplicates, SameNameAndSizeOnTwoDiscsLargestFirst) {
         SetDuplicateSeamsForTesting(64, 1 << 18, 3);
         LimitThreadsForTesting(granted);
         std::vector<std::size_t> heard;
-        const Duplicates found = FindDuplicates(s.Path(), rows[0].labels, 0, [&](std::size_t disc, std::size_t) {
-            heard.push_back(disc);
-            return true;
-        });
+        EXPECT_EQ(Said(s.Path(), rows[0].labels, 0, [&](std::size_t disc, std::size_t) {
+                      heard.push_back(disc);
+                      return true;
+                  }),
+                  rows[0].expected)
+            << granted;
         LimitThreadsForTesting(UINT_MAX);
-        EXPECT_EQ(Said(found), rows[0].expected) << granted;
         EXPECT_EQ(heard, (std::vector<std::size_t>{1, 2, 3})) << granted;
     }
     // Stopped at the first disc, no disc is read: no copies. A progress that
     // throws ends the run as well, with every thread.
     SetDuplicateSeamsForTesting(64, 1 << 18, 3);
-    EXPECT_TRUE(FindDuplicates(s.Path(), {"Eins", "Zwei", "Drei"}, 0, [](std::size_t, std::size_t) {
-                    return false;
-                }).groups.empty());
-    EXPECT_THROW(FindDuplicates(s.Path(), {"Eins", "Zwei", "Drei"}, 0,
-                                [](std::size_t disc, std::size_t) -> bool { return disc < 2 || (throw 7, false); }),
+    EXPECT_TRUE(Said(s.Path(), {"Eins", "Zwei", "Drei"}, 0, [](std::size_t, std::size_t) { return false; }).empty());
+    EXPECT_THROW(Said(s.Path(), {"Eins", "Zwei", "Drei"}, 0,
+                      [](std::size_t disc, std::size_t) -> bool { return disc < 2 || (throw 7, false); }),
                  int);
+    // A sink that says no more ends the listing there.
+    std::size_t heard = 0;
+    EXPECT_EQ(FindDuplicates(s.Path(), {"Eins", "Zwei", "Drei"}, 0, [&](const DuplicateGroup&) { return ++heard < 2; }),
+              2u);
+    EXPECT_EQ(heard, 2u);
     SetDuplicateSeamsForTesting(64, 1 << 18);
     scan::UseVectors(true);
 }
