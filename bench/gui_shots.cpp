@@ -1,4 +1,4 @@
-// Draws the main window, the language window and the dialogs into PNG files, to look at
+// Draws the main window, the language window and every dialog into PNG files, to look at
 // the layout with real fonts: run under Xvfb at 1280x1024 for the wide layout
 // and at 1000x740 for the standard one.
 //
@@ -16,8 +16,12 @@
 #include "gui/frmBeschreibungAendern.h"
 #include "gui/frmBezeichnungAendern.h"
 #include "gui/frmHinzufuegen.h"
+#include "gui/frmHistorie.h"
+#include "gui/frmInfo.h"
+#include "gui/frmOptionen.h"
 #include "gui/frmSprache.h"
 #include "gui/frmStatistik.h"
+#include "gui/frmSuchen.h"
 #include "gui/seams.h"
 #include "platform/system.h"
 
@@ -37,7 +41,8 @@ int main(int argc, char** argv) {
     QTemporaryDir dir;
     const std::string folder = dir.path().toStdString();
     QDir(dir.path()).mkdir("Daten");
-    QFile::copy(QStringLiteral(CARTULON_STAGE_DIR "/CT.rd"), dir.filePath("CT.rd"));
+    for (const char* file : {"CT.rd", "Version0.txt", "Version1.txt"})
+        QFile::copy(QStringLiteral(CARTULON_STAGE_DIR "/") + file, dir.filePath(file));
     ct::SetProgramFolderForTesting(folder);
     const std::string data = folder + "/Daten";
     WriteFile(folder + "/CT.ini", std::to_string(language) + "\r\nC\r\n" + data + "\r\n");
@@ -76,7 +81,11 @@ int main(int argc, char** argv) {
                 {"frmBeschreibungAendern", new ct::frmBeschreibungÄndern(haupt)},
                 {"frmBezeichnungAendern", new ct::frmBezeichnungÄndern(haupt)},
                 {"frmHinzufuegen", new ct::frmHinzufügen(haupt)},
-                {"frmStatistik", new ct::frmStatistik(haupt)}};
+                {"frmStatistik", new ct::frmStatistik(haupt)},
+                {"frmSuchen", new ct::frmSuchen(haupt)},
+                {"frmOptionen", new ct::frmOptionen(haupt)},
+                {"frmHistorie", new ct::frmHistorie(haupt)},
+                {"frmInfo", new ct::frmInfo(haupt)}};
             for (const auto& [name, dialog] : dialogs) {
                 dialog->show();
                 QApplication::processEvents();
@@ -99,6 +108,14 @@ int main(int argc, char** argv) {
                 add->close();
                 ct::seams::SetFolderChooser({});
             }
+            // The search window with the hits of a search by name.
+            auto* suchen = new ct::frmSuchen(haupt);
+            suchen->show();
+            suchen->txtSuchen->setText("p");
+            suchen->cmdSuchen->click();
+            QApplication::processEvents();
+            suchen->grab().save(prefix + "-frmSuchen-hits.png");
+            suchen->close();
             auto* statistik = new ct::frmStatistik(haupt);
             statistik->show();
             statistik->cmdStatistikErstellen->click();
