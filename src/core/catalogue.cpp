@@ -216,6 +216,27 @@ bool LineReader::Next(std::string& line) {
     return true;
 }
 
+bool LineReader::SkipSection() {
+    static const scan::Needle nothing;  // no line holds it: only the empty line is found
+    for (;;) {
+        const std::string_view block = Buffered();
+        if (block.empty()) return false;
+        bool empty = true;
+        std::size_t at = 0;
+        if (block[0] != '\r' && block[0] != '\n') {
+            at = scan::NextEvent(block.data(), block.size(), nothing, empty);
+            if (at == block.size()) {
+                Skip(at);
+                continue;
+            }
+        }
+        Skip(at);
+        std::string_view line;
+        NextRaw(line);  // the empty line
+        return true;
+    }
+}
+
 bool LineReader::AtEnd() {
     if (!file_) return true;
     return pos_ >= cut_ && !Fill();

@@ -108,6 +108,10 @@ public:
     // Passes over the first `n` bytes of Buffered() (n must end at a line
     // start or at the end of Buffered()).
     void Skip(std::size_t n) { pos_ += n; }
+    // Passes over the lines up to the next empty line and that line too, a
+    // block at a time (one vector pass finds the empty line); false when the
+    // file ends first.
+    bool SkipSection();
 
     // For a caller that takes the rest of the file another way: the bytes
     // read and not yet handed out (whole lines, then maybe part of one),

@@ -520,24 +520,7 @@ std::uint64_t HashOf(const FileLine& f, std::string& upper) {
 // steps, not a search per character sought.
 void ScanDisc(LineReader& reader, std::int64_t minSize, std::vector<std::uint64_t>& masks, Records& records) {
     std::string_view line;
-    if (!reader.NextRaw(line) || !reader.NextRaw(line)) return;
-    static const scan::Needle nothing;
-    for (;;) {
-        const std::string_view block = reader.Buffered();
-        if (block.empty()) return;
-        bool empty = true;
-        std::size_t at = 0;
-        if (block[0] != '\r' && block[0] != '\n') {
-            at = scan::NextEvent(block.data(), block.size(), nothing, empty);
-            if (at == block.size()) {
-                reader.Skip(at);
-                continue;
-            }
-        }
-        reader.Skip(at);
-        reader.NextRaw(line);  // the empty line behind the folders
-        break;
-    }
+    if (!reader.NextRaw(line) || !reader.NextRaw(line) || !reader.SkipSection()) return;
     std::string upper;
     for (;;) {
         const std::uint64_t base = reader.ReadUpTo() - reader.Held().size();  // the block's place in the file
@@ -591,9 +574,9 @@ void ScanDisc(LineReader& reader, std::int64_t minSize, std::vector<std::uint64_
 
 // The hashes met on more than one disc, and every line that gave one, in no
 // particular order. Unfolded, each part's records (every pass's) go through a
-// table of their own that stays in the cache; a slot holds 32 further bits of
-// the hash, so two hashes may meet there wrongly: that only makes candidates
-// the names then tell apart.
+// table of their own that stays in the cache; a slot holds the 24 bits of the
+// hash a record keeps, so two hashes may meet there wrongly: that only makes
+// candidates the names then tell apart.
 std::vector<Candidate> CandidatesOf(std::vector<Records>& records) {
     const auto n = static_cast<unsigned>(records.size());
     std::vector<std::vector<Candidate>> found(n);

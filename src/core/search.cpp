@@ -795,9 +795,6 @@ SearchEnd RunSearch(const std::string& dataFolder, const SearchCriteria& c, HitS
     std::string catalogue, path, hit;
     int counter = 1;
     auto add = [&](const std::string& text) { return sink.Add(text); };
-    // Lines of a section that isn't searched are only passed over: a needle
-    // no line holds finds nothing but the section's end.
-    const scan::Needle nothing;
     std::vector<std::uint64_t> masks;  // a block's bars and line ends, for ScanFields
     scan::Needle needle;  // asked for anew in each section: an "ends with" term changes as it goes
     // One reader for the whole run: its buffer (64 KiB by default) serves
@@ -830,7 +827,9 @@ SearchEnd RunSearch(const std::string& dataFolder, const SearchCriteria& c, HitS
                         if (fast && matcher.SectionNeedle(true, needle)) n = &needle;
                         step = ScanSection(reader, n, onFolder);
                     } else {
-                        step = ScanSection(reader, fast ? &nothing : nullptr, [](std::string_view) { return true; });
+                        step = !fast ? ScanSection(reader, nullptr, [](std::string_view) { return true; })
+                               : reader.SkipSection() ? Step::Next
+                                                      : Step::FileEnded;
                     }
                     if (step == Step::Stop) return SearchEnd::HitLimit;
                     if (files && step == Step::Next) {
