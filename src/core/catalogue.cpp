@@ -144,11 +144,9 @@ void LineReader::Grow(std::size_t size) {
 
 bool LineReader::Fill() {
     if (!file_ || eof_) return false;
-    // Most catalogues are small: one read of a modest buffer holds them.
     // The buffer grows (doubling) only for a line longer than itself.
-    constexpr std::size_t kFirstBlock = 64 * 1024;
     constexpr std::size_t kPage = 4096, kLine = 64;
-    if (!buf_) Grow(std::min(block_, kFirstBlock));
+    if (!buf_) Grow(std::min(block_, kDefaultBlock));
     // What is left behind the whole lines is the start of the next line. It
     // is moved so that it ends on a cache line: the kernel copies the next
     // block faster to an aligned place.

@@ -76,8 +76,11 @@ std::string WithDescription(std::string_view line, std::string_view text);
 // over many lines at once without splitting a line end.
 class LineReader {
 public:
-    static constexpr std::size_t kDefaultBlock = std::size_t{1} << 20;
-    // `blockSize` is the size of one read; tests and the fuzzer make it tiny
+    // The largest read: one holds most catalogues whole, and more only made
+    // a larger buffer for the kernel to copy into.
+    static constexpr std::size_t kDefaultBlock = std::size_t{64} << 10;
+    // `blockSize` is the size of one read, at most kDefaultBlock (the buffer
+    // grows beyond only for a longer line); tests and the fuzzer make it tiny
     // so that lines and line ends straddle blocks.
     explicit LineReader(const std::string& path, std::size_t blockSize = kDefaultBlock);
     // Opened later by Open.

@@ -320,7 +320,7 @@ private:
 };
 
 std::uint64_t gHashMask = ~std::uint64_t{0};
-std::size_t gBlock = std::size_t{1} << 18;  // one read of the pass
+std::size_t gBlock = LineReader::kDefaultBlock;  // one read of the pass
 unsigned gThreads = 0;  // 0: as many as the machine has, up to kMaxThreads
 unsigned gGranted = UINT_MAX;  // tests: threads the system gives before it refuses
 constexpr unsigned kPassBits = 3, kMaxThreads = 1u << kPassBits;
@@ -751,7 +751,7 @@ void SetDuplicateSeamsForTesting(int hashBits, std::size_t block, unsigned threa
                                  std::size_t chunk) {
     gChunk = std::max<std::size_t>(8, chunk / 8 * 8);
     gHashMask = hashBits >= 64 ? ~std::uint64_t{0} : ~(~std::uint64_t{0} >> hashBits);
-    gBlock = std::max<std::size_t>(1, block);
+    gBlock = std::clamp<std::size_t>(block, 1, LineReader::kDefaultBlock);
     gThreads = std::min(threads, kMaxThreads);
     gFoldAt = std::max<std::size_t>(1, foldAt);
 }

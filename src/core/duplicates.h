@@ -52,7 +52,7 @@ std::size_t FindDuplicates(const std::string& dataFolder, const std::vector<std:
 // (up to 8; 0 as many as the machine has, up to 8); look whether to fold the
 // lines into pairs after `foldAt` lines (and at every doubling); and keep
 // `chunk` lines (a multiple of 8) to a chunk of a part's chain.
-// (64, 1 << 18, 0, 1 << 20, 1024) is the program's own setting.
+// (64, 1 << 16, 0, 1 << 20, 1024) is the program's own setting.
 void SetDuplicateSeamsForTesting(int hashBits, std::size_t block, unsigned threads = 0,
                                  std::size_t foldAt = std::size_t{1} << 20, std::size_t chunk = 1024);
 

@@ -169,9 +169,9 @@ TEST(FindDuplicates, SameNameAndSizeOnTwoDiscsLargestFirst) {
     // line each, which lines that waited only in part (looked at before they
     // were full, and then not folded) leave astride two chunks.
     for (const auto& [bits, block, vectors, threads, foldAt, chunk] :
-         {std::tuple{64, 1 << 18, true, 2u, 1 << 20, 1024}, {0, 1, true, 3u, 1, 1024}, {1, 5, false, 1u, 2, 1024},
+         {std::tuple{64, 1 << 16, true, 2u, 1 << 20, 1024}, {0, 1, true, 3u, 1, 1024}, {1, 5, false, 1u, 2, 1024},
           {3, 64, true, 4u, 1 << 20, 1024}, {64, 64, true, 1u, 1, 1024}, {64, 64, true, 2u, 3, 1024},
-          {64, 64, true, 1u, 3, 8}, {64, 1 << 18, true, 3u, 5, 8}, {64, 1 << 18, true, 4u, 1, 8}})
+          {64, 64, true, 1u, 3, 8}, {64, 1 << 16, true, 3u, 5, 8}, {64, 1 << 16, true, 4u, 1, 8}})
     for (const auto& row : rows) {
         SCOPED_TRACE(std::string(row.name) + " bits " + std::to_string(bits) + " block " + std::to_string(block) +
                      " threads " + std::to_string(threads) + " fold " + std::to_string(foldAt) + " chunk " +
@@ -193,7 +193,7 @@ TEST(FindDuplicates, SameNameAndSizeOnTwoDiscsLargestFirst) {
     // Where the system gives fewer threads than asked for, the calling
     // thread does the rest: the same groups, every disc heard in order.
     for (const unsigned granted : {0u, 1u}) {
-        SetDuplicateSeamsForTesting(64, 1 << 18, 3);
+        SetDuplicateSeamsForTesting(64, 1 << 16, 3);
         LimitThreadsForTesting(granted);
         std::vector<std::size_t> heard;
         EXPECT_EQ(Said(s.Path(), rows[0].labels, 0, [&](std::size_t disc, std::size_t) {
@@ -207,7 +207,7 @@ TEST(FindDuplicates, SameNameAndSizeOnTwoDiscsLargestFirst) {
     }
     // Stopped at the first disc, no disc is read: no copies. A progress that
     // throws ends the run as well, with every thread.
-    SetDuplicateSeamsForTesting(64, 1 << 18, 3);
+    SetDuplicateSeamsForTesting(64, 1 << 16, 3);
     EXPECT_TRUE(Said(s.Path(), {"Eins", "Zwei", "Drei"}, 0, [](std::size_t, std::size_t) { return false; }).empty());
     EXPECT_THROW(Said(s.Path(), {"Eins", "Zwei", "Drei"}, 0,
                       [](std::size_t disc, std::size_t) -> bool { return disc < 2 || (throw 7, false); }),
@@ -217,7 +217,7 @@ TEST(FindDuplicates, SameNameAndSizeOnTwoDiscsLargestFirst) {
     EXPECT_EQ(FindDuplicates(s.Path(), {"Eins", "Zwei", "Drei"}, 0, [&](const DuplicateGroup&) { return ++heard < 2; }),
               2u);
     EXPECT_EQ(heard, 2u);
-    SetDuplicateSeamsForTesting(64, 1 << 18);
+    SetDuplicateSeamsForTesting(64, 1 << 16);
     scan::UseVectors(true);
 }
 
