@@ -296,27 +296,82 @@ bool CatalogueReader::NextFileLine(std::string& line) {
     return false;
 }
 
-CatalogueCounts CountCatalogue(const std::string& path) {
+CatalogueCounter::CatalogueCounter(std::size_t blockSize, std::uint64_t inPlaceFrom)
+    : lines_(blockSize), inPlaceFrom_(inPlaceFrom) {}
+
+// The file section from the reader's place to the end, counted where it
+// stands: no copy of a large catalogue into the reader's blocks. False when
+// it can't be done, or the file changed under the scan; nothing is counted
+// then, and the reader goes on as before.
+bool CatalogueCounter::CountRestInPlace(std::int64_t& files) {
+    ReadStream* stream = lines_.Stream();
+    const std::uint64_t from = lines_.ReadUpTo(), end = lines_.FileEnd();
+    if (!stream || end == kUnknownSize || end < from || end - from < inPlaceFrom_) return false;
+    const std::string_view held = lines_.Held();
+    std::int64_t n = scan::CountLineEnds(held.data(), held.size());
+    char last = held.empty() ? '\n' : held.back();
+    const bool ok = stream->ScanInPlace(from, end, [&n, &last](const char* p, std::size_t size) {
+        if (size == 0) return;
+        if (last == '\r' && p[0] == '\n') --n;  // a CR LF astride two windows is one line end
+        n += scan::CountLineEnds(p, size);
+        last = p[size - 1];
+    });
+    if (!ok) return false;
+    if (last != '\r' && last != '\n') ++n;  // a last line without its end
+    files = n;
+    return true;
+}
+
+CatalogueCounts CatalogueCounter::Count(const std::string& path) {
+    lines_.Open(path);
+    return CountOpened();
+}
+
+CatalogueCounts CatalogueCounter::Count(ReadFolder& folder, const std::string& name) {
+    lines_.Open(folder, name);
+    return CountOpened();
+}
+
+CatalogueCounts CatalogueCounter::CountOpened() {
     CatalogueCounts counts;
-    LineReader lines(path);
+    LineReader& lines = lines_;
+    struct Closer {
+        LineReader& r;
+        ~Closer() { r.Close(); }
+    } closer{lines};
     counts.opened = lines.IsOpen();
     counts.failure = lines.OpenFailure();
-    std::string_view raw;
-    if (!lines.NextRaw(raw)) return counts;
-    counts.headerLine = DecodeLine(raw);
-    if (!lines.NextRaw(raw)) return counts;
-    bool inFiles = false;
-    while (lines.NextRaw(raw)) {
-        if (raw.empty()) {
-            inFiles = true;
-            break;
-        }
-        ++counts.folders;
+    if (!counts.opened) return counts;
+    // The reader hands out blocks of whole lines, so no line end is split:
+    // the folder section to its empty line and the file section to the end
+    // are counted a block at a time, by one vector pass each.
+    std::string_view line;
+    if (!lines.NextRaw(line)) return counts;
+    counts.headerLine = DecodeLine(line);
+    if (!lines.NextRaw(line)) return counts;  // line 2, whatever it holds
+    const scan::Needle none;
+    auto isEnd = [](char c) { return c == '\r' || c == '\n'; };
+    for (;;) {
+        const std::string_view block = lines.Buffered();
+        if (block.empty()) return counts;  // the file ended among the folders
+        if (isEnd(block[0])) break;        // the empty line behind the folders
+        bool empty = false;
+        const std::size_t at = scan::NextEvent(block.data(), block.size(), none, empty);
+        counts.folders += scan::CountLineEnds(block.data(), at);
+        if (at == block.size() && !isEnd(block.back())) ++counts.folders;  // a last line without its end
+        lines.Skip(at);
+        if (empty) break;
     }
-    if (inFiles)
-        while (lines.NextRaw(raw)) ++counts.files;
+    lines.NextRaw(line);  // the empty line
+    if (CountRestInPlace(counts.files)) return counts;
+    for (std::string_view block; !(block = lines.Buffered()).empty(); lines.Skip(block.size())) {
+        counts.files += scan::CountLineEnds(block.data(), block.size());
+        if (!isEnd(block.back())) ++counts.files;
+    }
     return counts;
 }
+
+CatalogueCounts CountCatalogue(const std::string& path) { return CatalogueCounter().Count(path); }
 
 bool FindRecordLine(const std::string& cataloguePath, std::string_view path, std::string& line) {
     LineReader lines(cataloguePath);

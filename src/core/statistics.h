@@ -26,27 +26,6 @@ struct StatisticsTotals {
 // false stops the run there (the window was closed).
 using StatisticsProgress = std::function<bool(std::size_t disc, std::size_t discs)>;
 
-// The counting way (CountCatalogue) for a run over many catalogues: the
-// sections counted a block of whole lines at a time, by vector passes,
-// without handing out lines. Gives exactly what CountCatalogue gives, for
-// damaged files too.
-class CatalogueCounter {
-public:
-    // A file section of at least `inPlaceFrom` bytes behind the first block
-    // is counted where it stands in the system's cache (ReadStream::ScanInPlace).
-    explicit CatalogueCounter(std::size_t blockSize = std::size_t{64} << 10,
-                              std::uint64_t inPlaceFrom = std::uint64_t{1} << 20);
-    CatalogueCounts Count(const std::string& path);
-    // The catalogue `name` of `folder`.
-    CatalogueCounts Count(ReadFolder& folder, const std::string& name);
-
-private:
-    CatalogueCounts CountOpened();
-    bool CountRestInPlace(std::int64_t& files);
-    LineReader lines_;
-    std::uint64_t inPlaceFrom_;  // one buffer for the whole run
-};
-
 // Reads every catalogue of `labels` in `dataFolder` by the counting way. Every
 // label counts as a disc; a catalogue that can't be opened adds nothing else,
 // and one that is cut short adds what could be read.
