@@ -214,15 +214,20 @@ bool LineReader::Next(std::string& line) {
     return true;
 }
 
-bool LineReader::SkipSection() {
+bool LineReader::SkipSection(std::int64_t* lines) {
     static const scan::Needle nothing;  // no line holds it: only the empty line is found
+    const auto isEnd = [](char c) { return c == '\r' || c == '\n'; };
     for (;;) {
         const std::string_view block = Buffered();
         if (block.empty()) return false;
         bool empty = true;
         std::size_t at = 0;
-        if (block[0] != '\r' && block[0] != '\n') {
+        if (!isEnd(block[0])) {
             at = scan::NextEvent(block.data(), block.size(), nothing, empty);
+            if (lines) {
+                *lines += scan::CountLineEnds(block.data(), at);
+                if (at == block.size() && !isEnd(block.back())) ++*lines;  // a last line without its end
+            }
             if (at == block.size()) {
                 Skip(at);
                 continue;
@@ -349,20 +354,8 @@ CatalogueCounts CatalogueCounter::CountOpened() {
     if (!lines.NextRaw(line)) return counts;
     counts.headerLine = DecodeLine(line);
     if (!lines.NextRaw(line)) return counts;  // line 2, whatever it holds
-    const scan::Needle none;
-    auto isEnd = [](char c) { return c == '\r' || c == '\n'; };
-    for (;;) {
-        const std::string_view block = lines.Buffered();
-        if (block.empty()) return counts;  // the file ended among the folders
-        if (isEnd(block[0])) break;        // the empty line behind the folders
-        bool empty = false;
-        const std::size_t at = scan::NextEvent(block.data(), block.size(), none, empty);
-        counts.folders += scan::CountLineEnds(block.data(), at);
-        if (at == block.size() && !isEnd(block.back())) ++counts.folders;  // a last line without its end
-        lines.Skip(at);
-        if (empty) break;
-    }
-    lines.NextRaw(line);  // the empty line
+    if (!lines.SkipSection(&counts.folders)) return counts;
+    const auto isEnd = [](char c) { return c == '\r' || c == '\n'; };
     if (CountRestInPlace(counts.files)) return counts;
     for (std::string_view block; !(block = lines.Buffered()).empty(); lines.Skip(block.size())) {
         counts.files += scan::CountLineEnds(block.data(), block.size());

@@ -112,9 +112,10 @@ public:
     // start or at the end of Buffered()).
     void Skip(std::size_t n) { pos_ += n; }
     // Passes over the lines up to the next empty line and that line too, a
-    // block at a time (one vector pass finds the empty line); false when the
-    // file ends first.
-    bool SkipSection();
+    // block at a time (one vector pass finds the empty line), adding to
+    // `lines` how many it passed before the empty one; false when the file
+    // ends first.
+    bool SkipSection(std::int64_t* lines = nullptr);
 
     // For a caller that takes the rest of the file another way: the bytes
     // read and not yet handed out (whole lines, then maybe part of one),
