@@ -183,14 +183,9 @@ bool IsScratchName(std::string_view name) {
 
 int CleanScratchFiles(FileOps& ops, const std::vector<std::string>& folders) {
     int removed = 0;
-    for (const std::string& folder : folders) {
-        std::error_code ec;
-        std::vector<std::string> found;
-        for (const std::string& name : ops.Names(folder, ".part"))
-            if (IsScratchName(name)) found.push_back(Join(folder, name));
-        for (const std::string& path : found)
-            if (ops.RemoveUnheld(path)) ++removed;
-    }
+    for (const std::string& folder : folders)
+        for (const std::string& name : ops.Names(folder, ".part"))  // a list made before any removal
+            if (IsScratchName(name) && ops.RemoveUnheld(Join(folder, name))) ++removed;
     return removed;
 }
 

@@ -63,9 +63,12 @@ bool SetAside(FileOps& ops, const std::string& dataFolder, const std::string& la
     // Not in the middle of another program's edit of it.
     Failure why;
     const std::unique_ptr<WriteLock> lock = ops.Lock(home, &why);
-    if (lock && (why = ops.RenameNew(home, path))) why = Fail(FailCode::SetAside, home, why.sysError);
-    if (why || !lock) {
+    if (!lock) {
         if (failure) *failure = why ? why : Fail(FailCode::SetAside, home);
+        return false;
+    }
+    if (const Failure renamed = ops.RenameNew(home, path)) {
+        if (failure) *failure = Fail(FailCode::SetAside, home, renamed.sysError);
         return false;
     }
     out = SetAsideFile{path, home, label};
@@ -80,7 +83,7 @@ RestoreResult Restore(DiscSource& source, FileOps& ops, const std::string& dataF
     const Failure why = ops.RenameNew(file.path, file.home);
     if (why.sysError == EEXIST) return RestoreResult::LabelTaken;
     if (why) {
-        if (failure) *failure = Fail(FailCode::Rename, file.path, why.sysError, file.home);
+        if (failure) *failure = why;  // a Rename failure from the set-aside file to its home
         return RestoreResult::Failed;
     }
     return RestoreResult::Restored;
