@@ -405,7 +405,10 @@ Matcher::Matcher(const SearchCriteria& c)
     if (c.attributes != kNoAttributesLiteral && c.attributes != c.noAttributesText)
         wantedAttributes_ = c.attributes;
     if (checkDate_ && !ReadDate(c.dateText, dateLimit_)) dateOp_ = SearchOp::None;
-    if (dateOp_ != SearchOp::None && FixedDateKey(DateText(dateLimit_), dateKey_)) dateForm_ = DateText(dateLimit_);
+    if (dateOp_ != SearchOp::None) {
+        std::string form = DateText(dateLimit_);
+        if (FixedDateKey(form, dateKey_)) dateForm_ = std::move(form);
+    }
     quickSize_ = checkSize_ && sizeOp_ != SearchOp::None;
     if (quickSize_ && sizeLimit_.raw >= 0 && sizeLimit_.raw % Fixed::kScale == 0)
         sizeDigits_ = std::to_string(sizeLimit_.raw / Fixed::kScale);
@@ -794,7 +797,6 @@ SearchEnd RunSearch(const std::string& dataFolder, const SearchCriteria& c, HitS
     const bool fast = hooks.prefilter;
     std::string catalogue, path, hit;
     int counter = 1;
-    auto add = [&](const std::string& text) { return sink.Add(text); };
     std::vector<std::uint64_t> masks;  // a block's bars and line ends, for ScanFields
     scan::Needle needle;  // asked for anew in each section: an "ends with" term changes as it goes
     // One reader for the whole run: its buffer (64 KiB by default) serves
@@ -804,44 +806,42 @@ SearchEnd RunSearch(const std::string& dataFolder, const SearchCriteria& c, HitS
     const std::unique_ptr<ReadFolder> folder = OpenFolderForReading(dataFolder);
     for (const SearchDisc& disc : c.discs) {
         if (!disc.marked) continue;
-        {
-            catalogue.assign(disc.label).append(kCatalogueEnding);  // CatalogueName, in one buffer for the run
-            reader.Open(*folder, catalogue);
-            std::string_view line;
-            if (reader.IsOpen() && reader.NextRaw(line)) {
-                if (matcher.TestDisc(disc.label, line) && !add(disc.label)) return SearchEnd::HitLimit;
-                if (reader.NextRaw(line)) {  // line 2, empty
-                    auto onFolder = [&](std::string_view l) {
-                        if (!matcher.TestFolderLine(l, path)) return true;
-                        hit.assign(disc.label).append(1, '\\').append(path).append(1, '\\');
-                        return add(hit);
-                    };
-                    auto onFile = [&](std::string_view l) {
-                        if (!matcher.TestFileLine(l, path)) return true;
-                        hit.assign(disc.label).append(1, '\\').append(path);
-                        return add(hit);
-                    };
-                    const scan::Needle* n = nullptr;
-                    Step step;
-                    if (folders) {
-                        if (fast && matcher.SectionNeedle(true, needle)) n = &needle;
-                        step = ScanSection(reader, n, onFolder);
-                    } else {
-                        step = !fast ? ScanSection(reader, nullptr, [](std::string_view) { return true; })
-                               : reader.SkipSection() ? Step::Next
-                                                      : Step::FileEnded;
-                    }
-                    if (step == Step::Stop) return SearchEnd::HitLimit;
-                    if (files && step == Step::Next) {
-                        n = fast && matcher.SectionNeedle(false, needle) ? &needle : nullptr;
-                        const Step s = !n && fast && matcher.QuickFields() ? ScanFields(reader, matcher, masks, onFile)
-                                                                           : ScanSection(reader, n, onFile);
-                        if (s == Step::Stop) return SearchEnd::HitLimit;
-                    }
+        catalogue.assign(disc.label).append(kCatalogueEnding);  // CatalogueName, in one buffer for the run
+        reader.Open(*folder, catalogue);
+        std::string_view line;
+        if (reader.IsOpen() && reader.NextRaw(line)) {
+            if (matcher.TestDisc(disc.label, line) && !sink.Add(disc.label)) return SearchEnd::HitLimit;
+            if (reader.NextRaw(line)) {  // line 2, empty
+                auto onFolder = [&](std::string_view l) {
+                    if (!matcher.TestFolderLine(l, path)) return true;
+                    hit.assign(disc.label).append(1, '\\').append(path).append(1, '\\');
+                    return sink.Add(hit);
+                };
+                auto onFile = [&](std::string_view l) {
+                    if (!matcher.TestFileLine(l, path)) return true;
+                    hit.assign(disc.label).append(1, '\\').append(path);
+                    return sink.Add(hit);
+                };
+                const scan::Needle* n = nullptr;
+                Step step;
+                if (folders) {
+                    if (fast && matcher.SectionNeedle(true, needle)) n = &needle;
+                    step = ScanSection(reader, n, onFolder);
+                } else {
+                    step = !fast ? ScanSection(reader, nullptr, [](std::string_view) { return true; })
+                           : reader.SkipSection() ? Step::Next
+                                                  : Step::FileEnded;
+                }
+                if (step == Step::Stop) return SearchEnd::HitLimit;
+                if (files && step == Step::Next) {
+                    n = fast && matcher.SectionNeedle(false, needle) ? &needle : nullptr;
+                    const Step s = !n && fast && matcher.QuickFields() ? ScanFields(reader, matcher, masks, onFile)
+                                                                       : ScanSection(reader, n, onFile);
+                    if (s == Step::Stop) return SearchEnd::HitLimit;
                 }
             }
-            reader.Close();  // before anything else may run
         }
+        reader.Close();  // before anything else may run
         if (hooks.afterDisc) hooks.afterDisc(counter, sink.Count());
         if (hooks.stopRequested && *hooks.stopRequested) return SearchEnd::Stopped;
         ++counter;

@@ -17,18 +17,7 @@ namespace {
 
 using ct::test::HitList;
 
-// Operator texts as a language would give them; the engine knows no others.
-const std::array<std::string, 10> kOps = {"gleich",      "ungleich",         "enthält",
-                                          "enthält nicht", "beginnt mit",    "beginnt nicht mit",
-                                          "endet mit",   "endet nicht mit",  "größer",
-                                          "kleiner"};
-enum { EQ, NE, CONT, NCONT, BEG, NBEG, ENDS, NENDS, GT, LT };
-ct::SearchOp Op(int i) {
-    using enum ct::SearchOp;
-    constexpr ct::SearchOp kOp[] = {Equal,      NotEqual,      Contains, NotContains, BeginsWith,
-                                    NotBeginsWith, EndsWith,   NotEndsWith, Greater,  Less};
-    return kOp[i];
-}
+using enum ct::SearchOp;
 
 // The data folder: a scratch folder that takes catalogues by label.
 struct TempDir : ct::test::Scratch {
@@ -69,11 +58,11 @@ void WriteCollection(TempDir& dir) {
     });
 }
 
-ct::SearchCriteria Criteria(int kind, int op, const std::string& term) {
+ct::SearchCriteria Criteria(int kind, ct::SearchOp op, const std::string& term) {
     ct::SearchCriteria c;
     c.kind = kind;
     c.checkName = true;
-    c.nameOperator = Op(op);
+    c.nameOperator = op;
     c.nameTerm = term;
     c.noAttributesText = "(ohne Attribute)";
     c.discs = {{"Urlaub", true}, {"Archiv", true}};
@@ -84,7 +73,7 @@ ct::SearchCriteria Criteria(int kind, int op, const std::string& term) {
 // that each disc is a hit in its own right (an empty term is contained in
 // every label).
 ct::SearchCriteria FieldsOnly() {
-    auto c = Criteria(2, CONT, "");
+    auto c = Criteria(2, Contains, "");
     c.checkName = false;
     return c;
 }
@@ -112,11 +101,11 @@ TEST_P(SearchTable, HitsInWalkOrder) {
     EXPECT_EQ(Hits(dir, row.criteria()), row.hits);
 }
 
-ct::SearchCriteria WithSize(int op, const std::string& value) {
-    auto c = Criteria(0, CONT, ".");  // every file name has a dot, no label or description
+ct::SearchCriteria WithSize(ct::SearchOp op, const std::string& value) {
+    auto c = Criteria(0, Contains, ".");  // every file name has a dot, no label or description
     c.checkSize = true;
     c.sizeOperatorChosen = true;
-    c.sizeOperator = Op(op);
+    c.sizeOperator = op;
     c.sizeText = value;
     return c;
 }
@@ -128,43 +117,43 @@ ct::SearchCriteria WithAttributes(const std::string& text, const std::string& no
     c.noAttributesText = noAttributes;
     return c;
 }
-ct::SearchCriteria WithDate(int op, const std::string& value) {
+ct::SearchCriteria WithDate(ct::SearchOp op, const std::string& value) {
     auto c = FieldsOnly();
     c.checkDate = true;
     c.dateOperatorChosen = true;
-    c.dateOperator = Op(op);
+    c.dateOperator = op;
     c.dateText = value;
     return c;
 }
-ct::SearchCriteria WithDescription(int op, const std::string& value) {
+ct::SearchCriteria WithDescription(ct::SearchOp op, const std::string& value) {
     auto c = FieldsOnly();
     c.checkDescription = true;
     c.descriptionOperatorChosen = true;
-    c.descriptionOperator = Op(op);
+    c.descriptionOperator = op;
     c.descriptionText = value;
     return c;
 }
 
 const Row kRows[] = {
     // Names: discs by label or description, folders by whole path, files by own name.
-    {"ContainsFindsDiscFolderButNoFileOfThatFolder", [] { return Criteria(2, CONT, "URLAUB"); },
+    {"ContainsFindsDiscFolderButNoFileOfThatFolder", [] { return Criteria(2, Contains, "URLAUB"); },
      {"Urlaub", "Urlaub\\\\Bilder\\Urlaub\\", "Archiv", "Archiv\\\\Urlaub2004\\"}},
-    {"FilesOnlyByExtension", [] { return Criteria(0, CONT, "jpg"); },
+    {"FilesOnlyByExtension", [] { return Criteria(0, Contains, "jpg"); },
      {"Urlaub\\\\Bilder\\Urlaub\\p1.jpg", "Urlaub\\\\FOTOS\\2001\\bild.jpg", "Archiv\\\\Urlaub2004\\strand.JPG"}},
-    {"EqualFolderNeedsWholePath", [] { return Criteria(1, EQ, "\\fotos\\2001"); },
+    {"EqualFolderNeedsWholePath", [] { return Criteria(1, Equal, "\\fotos\\2001"); },
      {"Urlaub\\\\FOTOS\\2001\\"}},
-    {"EqualIsNoPrefix", [] { return Criteria(0, EQ, "P1"); }, {}},
-    {"EqualFileByOwnName", [] { return Criteria(0, EQ, "BILD.JPG"); }, {"Urlaub\\\\FOTOS\\2001\\bild.jpg"}},
-    {"DiscByDescriptionBehindLastBar", [] { return Criteria(0, BEG, "b urlaubs"); }, {"Archiv"}},
-    {"DiscDescriptionInWindows1252", [] { return Criteria(0, CONT, "bilder für"); }, {"Archiv"}},
-    {"Windows1252LineDecoded", [] { return Criteria(0, BEG, "straße"); },
+    {"EqualIsNoPrefix", [] { return Criteria(0, Equal, "P1"); }, {}},
+    {"EqualFileByOwnName", [] { return Criteria(0, Equal, "BILD.JPG"); }, {"Urlaub\\\\FOTOS\\2001\\bild.jpg"}},
+    {"DiscByDescriptionBehindLastBar", [] { return Criteria(0, BeginsWith, "b urlaubs"); }, {"Archiv"}},
+    {"DiscDescriptionInWindows1252", [] { return Criteria(0, Contains, "bilder für"); }, {"Archiv"}},
+    {"Windows1252LineDecoded", [] { return Criteria(0, BeginsWith, "straße"); },
      {"Archiv\\\\Urlaub2004\\Straße.txt"}},
     // The closing backslash: folder lines with "ends with" take one off for good.
     // Sizes: files only, folders never size-tested.
-    {"SizeLettersCountAsZero", [] { return WithSize(GT, "abc"); },
+    {"SizeLettersCountAsZero", [] { return WithSize(Greater, "abc"); },
      {"Urlaub\\\\Bilder\\index.htm", "Urlaub\\\\Bilder\\Urlaub\\p1.jpg", "Urlaub\\\\liesmich.txt",
       "Archiv\\\\Urlaub2004\\strand.JPG", "Archiv\\\\Urlaub2004\\Straße.txt", "Archiv\\\\Urlaub2004\\MÄRCHEN.TXT"}},
-    {"NegativeSizeIsLessThanZero", [] { return WithSize(LT, "0"); }, {"Urlaub\\\\FOTOS\\2001\\bild.jpg"}},
+    {"NegativeSizeIsLessThanZero", [] { return WithSize(Less, "0"); }, {"Urlaub\\\\FOTOS\\2001\\bild.jpg"}},
     // Attributes: the whole field.
     {"NoAttributesLiteral", [] { return WithAttributes("(ohne Attribute)"); },
      {"Urlaub", "Urlaub\\\\FOTOS\\2001\\", "Urlaub\\\\a*b.txt", "Archiv"}},
@@ -173,31 +162,31 @@ const Row kRows[] = {
      {"Urlaub", "Urlaub\\\\FOTOS\\", "Archiv", "Archiv\\\\Urlaub2004\\", "Archiv\\\\Urlaub2004\\strand.JPG",
       "Archiv\\\\Urlaub2004\\Straße.txt"}},
     // Dates: to the second; a date without time is midnight.
-    {"DateWithoutTimeIsMidnight", [] { return WithDate(EQ, "14.03.2003"); },
+    {"DateWithoutTimeIsMidnight", [] { return WithDate(Equal, "14.03.2003"); },
      {"Urlaub", "Urlaub\\\\liesmich.txt", "Archiv"}},
-    {"LaterSameDay", [] { return WithDate(GT, "14.03.2003"); },
+    {"LaterSameDay", [] { return WithDate(Greater, "14.03.2003"); },
      {"Urlaub", "Urlaub\\\\Bilder\\", "Urlaub\\\\Bilder\\Urlaub\\", "Urlaub\\\\Bilder\\index.htm",
       "Urlaub\\\\Bilder\\Urlaub\\p1.jpg", "Archiv", "Archiv\\\\Urlaub2004\\", "Archiv\\\\Urlaub2004\\strand.JPG",
       "Archiv\\\\Urlaub2004\\Straße.txt", "Archiv\\\\Urlaub2004\\MÄRCHEN.TXT"}},
-    {"UnreadableTimeFailsOnlyItsLine", [] { return WithDate(LT, "01.01.2002"); },
+    {"UnreadableTimeFailsOnlyItsLine", [] { return WithDate(Less, "01.01.2002"); },
      {"Urlaub", "Urlaub\\\\FOTOS\\", "Urlaub\\\\FOTOS\\2001\\", "Urlaub\\\\FOTOS\\2001\\bild.jpg", "Archiv"}},
     // Descriptions: case counts, the whole rest of the line.
-    {"DescriptionRespectsCase", [] { return WithDescription(CONT, "Urlaub"); },
+    {"DescriptionRespectsCase", [] { return WithDescription(Contains, "Urlaub"); },
      {"Urlaub", "Urlaub\\\\FOTOS\\2001\\", "Archiv"}},
     // All criteria joined by "and".
     {"AllFiveCriteria",
      [] {
-         auto c = WithSize(GT, "100");
+         auto c = WithSize(Greater, "100");
          c.kind = 2;
-         c.nameOperator = Op(CONT);
+         c.nameOperator = Contains;
          c.nameTerm = "j";
          c.checkAttributes = c.attributesChosen = true;
          c.attributes = "R";
          c.checkDate = c.dateOperatorChosen = true;
-         c.dateOperator = Op(GT);
+         c.dateOperator = Greater;
          c.dateText = "1.1.2003";
          c.checkDescription = c.descriptionOperatorChosen = true;
-         c.descriptionOperator = Op(CONT);
+         c.descriptionOperator = Contains;
          c.descriptionText = "First";
          return c;
      },
@@ -246,7 +235,7 @@ INSTANTIATE_TEST_SUITE_P(Search, Dates, ::testing::ValuesIn(kDateRows),
 TEST(SearchRun, StopEndsAfterTheDiscInHand) {
     TempDir dir;
     WriteCollection(dir);
-    auto c = Criteria(2, CONT, "urlaub");
+    auto c = Criteria(2, Contains, "urlaub");
     c.discs = {{"Urlaub", true}, {"Unmarkiert", false}, {"Archiv", true}};
     bool stop = false;
     std::vector<std::pair<int, std::size_t>> seen;
