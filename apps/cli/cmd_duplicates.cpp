@@ -6,6 +6,7 @@
 
 #include "cli.h"
 #include "core/catalogue.h"
+#include "core/collate.h"
 #include "core/duplicates.h"
 #include "core/search.h"
 #include "output.h"

@@ -15,6 +15,7 @@
 
 #include "cli.h"
 #include "core/catalogue.h"
+#include "core/collate.h"
 #include "core/rddll.h"
 #include "core/search.h"
 #include "output.h"

@@ -18,6 +18,7 @@
 #endif
 
 #include "core/catalogue.h"
+#include "core/collate.h"
 #include "core/fileops.h"
 #include "core/scan.h"
 #include "core/search.h"

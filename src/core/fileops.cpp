@@ -3,6 +3,7 @@
 #include <atomic>
 #include <climits>
 #include <cerrno>
+#include <cstdio>
 #include <filesystem>
 #include <random>
 #include <system_error>

@@ -21,7 +21,7 @@ namespace {
 #ifdef CT_SCAN_SSE2
 bool g_vectors = true;
 #else
-bool g_vectors = false;
+[[maybe_unused]] bool g_vectors = false;
 #endif
 unsigned g_width = 64;  // the widest unit the scans may take, in bytes
 
@@ -229,8 +229,6 @@ __attribute__((target("avx2"))) std::size_t BlockMasksAvx2(const char* p, std::s
 #endif
 
 }  // namespace
-
-bool VectorsOn() { return g_vectors; }
 
 void UseWidth(unsigned bytes) {
 #ifdef CT_SCAN_SSE2

@@ -11,9 +11,8 @@
 
 namespace ct::scan {
 
-// Whether the vector path is in use (false on machines without it, or after
-// UseVectors(false), which the tests call to run the portable path).
-bool VectorsOn();
+// Tests: the vector paths on (the machine's widest) or off (the portable
+// path).
 void UseVectors(bool on);
 // Tests: the widest unit the scans may take, in bytes (64, 32, 16; 0 is
 // the portable path), so that each path the machine has can be run. The

@@ -22,7 +22,6 @@
 #include <string_view>
 #include <vector>
 
-#include "core/collate.h"
 #include "core/fixed.h"
 #include "core/scan.h"
 

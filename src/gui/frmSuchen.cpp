@@ -7,6 +7,7 @@
 #include <QSignalBlocker>
 
 #include "core/catalogue.h"
+#include "core/collate.h"
 #include "gui/layout.h"
 #include "gui/Start.h"
 #include "gui/appicon.h"

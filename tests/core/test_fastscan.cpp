@@ -14,7 +14,6 @@
 #include "core/collate.h"
 #include "core/scan.h"
 #include "core/search.h"
-#include "core/statistics.h"
 #include "support/hitlist.h"
 
 namespace fs = std::filesystem;
