@@ -5,7 +5,6 @@
 
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <memory>
 
 #include "core/catalogue.h"
@@ -22,7 +21,6 @@ using ct::test::FaultyOps;
 
 using ct::test::ReadAll;
 
-void WriteAll(const std::string& path, const std::string& bytes) { std::ofstream(path, std::ios::binary) << bytes; }
 
 // Everything in a folder, by name, so a test sees any file left behind.
 std::vector<std::string> Names(const fs::path& folder) {
@@ -87,7 +85,7 @@ class RewriteTable : public Editing, public ::testing::WithParamInterface<Rewrit
 
 TEST_P(RewriteTable, ChangesOnlyTheOneLine) {
     const RewriteRow& row = GetParam();
-    WriteAll(data + "/CD1.idx", kCatalogue);
+    scratch.Write("prog/Daten/CD1.idx", kCatalogue);
     std::string error;
     ASSERT_FALSE(ct::DescriptionRewrite(ops, data, "CD1", row.isHeader, row.target, row.text))
         << error;
@@ -128,7 +126,7 @@ class FaultTable : public Editing, public ::testing::WithParamInterface<FaultRow
 
 TEST_P(FaultTable, CatalogueStaysWholeAndErrorSaysSo) {
     ops.fault = GetParam().fault;
-    WriteAll(data + "/CD1.idx", kCatalogue);
+    scratch.Write("prog/Daten/CD1.idx", kCatalogue);
     const ct::Failure failure = ct::DescriptionRewrite(ops, data, "CD1", false, "\\a", "new");
     EXPECT_EQ(ReadAll(data + "/CD1.idx"), kCatalogue);
     EXPECT_EQ(Names(data), std::vector<std::string>{"CD1.idx"}) << "scratch file removed";
@@ -144,7 +142,7 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& info) { return std::string(info.param.name); });
 
 TEST_F(Editing, ReadOnlyCatalogueIsRefusedAndKept) {
-    WriteAll(data + "/CD1.idx", kCatalogue);
+    scratch.Write("prog/Daten/CD1.idx", kCatalogue);
     fs::permissions(data + "/CD1.idx", fs::perms::owner_read | fs::perms::group_read);
     EXPECT_EQ(ct::DescriptionRewrite(ops, data, "CD1", true, "", "x").code, ct::FailCode::ReadOnly);
     EXPECT_EQ(ReadAll(data + "/CD1.idx"), kCatalogue);
@@ -164,9 +162,9 @@ class RenameTable : public Editing, public ::testing::WithParamInterface<RenameR
 
 TEST_P(RenameTable, RenamesOrRefusesWithoutLoss) {
     const RenameRow& row = GetParam();
-    WriteAll(data + "/CD1.idx", kCatalogue);
-    WriteAll(data + "/CD2.idx", "other");
-    WriteAll(data + "/Lost.idx", "not in the list");
+    scratch.Write("prog/Daten/CD1.idx", kCatalogue);
+    scratch.Write("prog/Daten/CD2.idx", "other");
+    scratch.Write("prog/Daten/Lost.idx", "not in the list");
     const auto outcome = ct::RenameDisc(ops, data, "CD1", row.typed, {"CD1", "CD2"});
     EXPECT_EQ(outcome.result, row.result);
     EXPECT_EQ(outcome.label, row.label);
@@ -191,7 +189,7 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& info) { return std::string(info.param.name); });
 
 TEST_F(Editing, FailedRenameKeepsTheOldLabel) {
-    WriteAll(data + "/CD1.idx", kCatalogue);
+    scratch.Write("prog/Daten/CD1.idx", kCatalogue);
     ops.fault = Fault::Rename;
     const auto outcome = ct::RenameDisc(ops, data, "CD1", "New", {"CD1"});
     EXPECT_EQ(outcome.result, ct::RenameResult::Failed);
@@ -202,15 +200,15 @@ TEST_F(Editing, FailedRenameKeepsTheOldLabel) {
 // --- Delete ------------------------------------------------------------------------
 
 TEST_F(Editing, DeleteTakesOnlyTheChosenCatalogue) {
-    WriteAll(data + "/CD1.idx", "1");
-    WriteAll(data + "/CD10.idx", "10");
-    WriteAll(data + "/CD1.idx.bak", "keep");
+    scratch.Write("prog/Daten/CD1.idx", "1");
+    scratch.Write("prog/Daten/CD10.idx", "10");
+    scratch.Write("prog/Daten/CD1.idx.bak", "keep");
     EXPECT_FALSE(ct::DeleteDisc(ops, data, "CD1"));
     EXPECT_EQ(Names(data), (std::vector<std::string>{"CD1.idx.bak", "CD10.idx"}));
 }
 
 TEST_F(Editing, DeleteThatFailsKeepsTheFileAndSaysWhy) {
-    WriteAll(data + "/CD1.idx", "1");
+    scratch.Write("prog/Daten/CD1.idx", "1");
     ops.fault = Fault::Remove;
     EXPECT_EQ(ct::DeleteDisc(ops, data, "CD1").code, ct::FailCode::Remove);
     EXPECT_EQ(ReadAll(data + "/CD1.idx"), "1");

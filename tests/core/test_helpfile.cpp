@@ -11,6 +11,7 @@
 #include "core/rdpack.h"
 #include "core/text.h"
 #include "support/scratch.h"
+#include "support/sourcetexts.h"
 
 namespace {
 
@@ -49,15 +50,6 @@ INSTANTIATE_TEST_SUITE_P(
 // ---------------------------------------------------------------- the real files
 
 // The texts the program shows, by id, as the packer reads them.
-std::map<int, std::string> ReadTexts(const std::string& path) {
-    std::vector<ct::RDEntry> entries;
-    std::string error;
-    EXPECT_TRUE(ct::ParseTexts(ct::test::ReadAll(path), path, entries, &error)) << error;
-    std::map<int, std::string> texts;
-    for (const ct::RDEntry& e : entries) texts[e.id] = ct::Cp1252ToUtf8(e.body);
-    return texts;
-}
-
 struct Language {
     const char* name;
     const char* texts;
@@ -72,7 +64,7 @@ protected:
 };
 
 TEST_P(RealHelpFile, HoldsEveryTopicTheProgramOpens) {
-    const auto texts = ReadTexts(Source(GetParam().texts));
+    const auto texts = ct::test::SourceTexts(GetParam().texts);
     ct::HelpFile help;
     ASSERT_TRUE(ct::LoadHelpFile(Source(GetParam().help), help));
 

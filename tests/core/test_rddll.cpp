@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 #include <map>
 #include <set>
 #include <sstream>
@@ -12,6 +11,7 @@
 #include "core/rdpack.h"
 #include "core/text.h"
 #include "support/scratch.h"
+#include "support/sourcetexts.h"
 
 namespace fs = std::filesystem;
 
@@ -27,7 +27,6 @@ const std::string kWorkedExample =
 
 using ct::test::ReadAll;
 
-void WriteBytes(const fs::path& p, const std::string& bytes) { std::ofstream(p, std::ios::binary) << bytes; }
 
 std::string Record(int id, const std::string& start, const std::string& end) {
     std::string idText = std::to_string(id);
@@ -40,8 +39,7 @@ protected:
     fs::path dir_ = scratch_.Path();
 
     std::string Put(const std::string& bytes, const std::string& name = "CT.rd") {
-        WriteBytes(dir_ / name, bytes);
-        return (dir_ / name).string();
+        return scratch_.Write(name, bytes);
     }
     std::string Get(const std::string& bytes, std::int32_t id) {
         ct::RDDLL rd;
@@ -105,16 +103,6 @@ TEST_F(RDFileTest, ResourceTextAddsTheLanguageAndDecodesWindows1252) {
 
 // ---- the texts this program ships ----
 
-std::map<int, std::string> SourceTexts(const char* file) {
-    std::vector<ct::RDEntry> texts;
-    std::string error;
-    const std::string content = ReadAll(fs::path(CARTULON_SOURCE_DIR) / "data" / file);
-    EXPECT_TRUE(ct::ParseTexts(content, file, texts, &error)) << error;
-    std::map<int, std::string> byId;
-    for (const ct::RDEntry& e : texts) byId[e.id] = ct::Cp1252ToUtf8(e.body);
-    return byId;
-}
-
 struct Language {
     const char* file;
     int number;
@@ -127,7 +115,7 @@ TEST(ShippedTexts, BuiltResourceFileHoldsEveryTextOfBothLanguages) {
     ct::RDDLL rd;
     int found = 0;
     for (const Language& lang : kLanguages) {
-        const auto source = SourceTexts(lang.file);
+        const auto source = ct::test::SourceTexts(lang.file);
         for (int base = ct::kFirstBaseId; base <= ct::kLastBaseId; ++base) {
             const std::string body = rd.RDString(path, lang.number + base);
             EXPECT_FALSE(body.empty()) << "id " << lang.number + base;
