@@ -99,7 +99,9 @@ ReadOpener SetReadOpener(ReadOpener opener) {
 
 std::unique_ptr<ReadFolder> OpenFolderForReading(const std::string& folder) { return gFolderOpener.load()(folder); }
 
-void SetFolderOpener(FolderOpener opener) { gFolderOpener = opener ? opener : &StandardFolderOpener; }
+FolderOpener SetFolderOpener(FolderOpener opener) {
+    return gFolderOpener.exchange(opener ? opener : &StandardFolderOpener);
+}
 
 // The plain versions, for file systems in memory: a name that is free now, no
 // lock, and a check before the rename. The platform layer does each in one

@@ -132,7 +132,8 @@ public:
 std::unique_ptr<ReadFolder> OpenFolderForReading(const std::string& folder);
 using FolderOpener = std::unique_ptr<ReadFolder> (*)(const std::string& folder);
 // The platform's folder opener; the standard one joins folder and name.
-void SetFolderOpener(FolderOpener opener);
+// Returns the opener it replaces.
+FolderOpener SetFolderOpener(FolderOpener opener);
 
 // The real file system. Defined in the platform layer.
 FileOps& SystemFileOps();

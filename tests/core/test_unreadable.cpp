@@ -9,6 +9,7 @@
 #include "core/catalogue.h"
 #include "core/editing.h"
 #include "core/fileops.h"
+#include "support/openers.h"
 #include "support/scratch.h"
 
 namespace {
@@ -23,11 +24,14 @@ TEST(Unreadable, SaidSoWithTheReasonInBothLanguages) {
     ct::test::Scratch dir;
     const std::string data = dir.Mkdir("data");
     dir.Write("data/Geheim.idx", "1|2|CDFS|3|1|2048|x\r\n\r\n\\A|R||\r\n\r\n");
-    const ct::ReadOpener real = ct::SetReadOpener(&Deny);
     std::string path;
-    const ct::Failure resolved = ct::ResolveLabel(data, "Geheim", path);
-    const ct::CatalogueCounts counts = ct::CountCatalogue(data + "/Geheim.idx");
-    ct::SetReadOpener(real);
+    ct::Failure resolved;
+    ct::CatalogueCounts counts;
+    {
+        const ct::test::ReadOpenerScope deny(&Deny);
+        resolved = ct::ResolveLabel(data, "Geheim", path);
+        counts = ct::CountCatalogue(data + "/Geheim.idx");
+    }
     for (const ct::Failure& f : {resolved, counts.failure}) {
         EXPECT_EQ(f.code, ct::FailCode::Unreadable);
         EXPECT_EQ(f.sysError, EACCES);
