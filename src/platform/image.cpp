@@ -164,15 +164,7 @@ std::set<std::string> HiddenPaths(int fd, bool joliet) {
                 if (flags & 0x80) continue;                   // not the last part of a file
                 std::string name;
                 if (joliet) {
-                    for (unsigned k = 0; k + 1 < nameLength; k += 2) {
-                        char32_t c = static_cast<char32_t>(r[33 + k] << 8 | r[34 + k]);
-                        if (c >= 0xD800 && c < 0xDC00 && k + 3 < nameLength) {
-                            const char32_t low = static_cast<char32_t>(r[35 + k] << 8 | r[36 + k]);
-                            c = 0x10000 + ((c - 0xD800) << 10) + (low - 0xDC00);
-                            k += 2;
-                        }
-                        AppendUtf8(name, c);
-                    }
+                    name = Utf16BeToUtf8(r + 33, nameLength);
                 } else {
                     name.assign(reinterpret_cast<const char*>(r + 33), nameLength);
                 }

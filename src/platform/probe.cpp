@@ -42,29 +42,6 @@ bool Has(const Bytes& b, std::size_t at, const char* text) {
     return b.size() >= at + n && std::memcmp(b.data() + at, text, n) == 0;
 }
 
-// UTF-16 code units to UTF-8; a lone surrogate becomes U+FFFD.
-std::string Utf16ToUtf8(const std::vector<char16_t>& units) {
-    std::string out;
-    for (std::size_t i = 0; i < units.size(); ++i) {
-        char32_t c = units[i];
-        if (c >= 0xD800 && c < 0xDC00 && i + 1 < units.size() && units[i + 1] >= 0xDC00 &&
-            units[i + 1] < 0xE000) {
-            c = 0x10000 + ((c - 0xD800) << 10) + (units[i + 1] - 0xDC00);
-            ++i;
-        } else if (c >= 0xD800 && c < 0xE000) {
-            c = 0xFFFD;
-        }
-        AppendUtf8(out, c);
-    }
-    return out;
-}
-
-std::string Latin1ToUtf8(const unsigned char* p, std::size_t n) {
-    std::string out;
-    for (std::size_t i = 0; i < n; ++i) AppendUtf8(out, p[i]);
-    return out;
-}
-
 // FAT labels are in the OEM code page; 850 is the one of Western Windows.
 std::string Cp850ToUtf8(const unsigned char* p, std::size_t n) {
     static constexpr char16_t kHigh[128] = {
@@ -119,12 +96,9 @@ bool ProbeIso(int fd, std::uint64_t session, VolumeLabel& out) {
     out.serial = static_cast<std::uint32_t>(s[0]) << 24 | static_cast<std::uint32_t>(s[1]) << 16 |
                  static_cast<std::uint32_t>(s[2]) << 8 | s[3];
     if (!joliet.empty()) {
-        std::vector<char16_t> units;
-        for (std::size_t i = 40; i < 72; i += 2)
-            units.push_back(static_cast<char16_t>(chosen[i] << 8 | chosen[i + 1]));
-        out.name = StripTrailing(Utf16ToUtf8(units));
+        out.name = StripTrailing(Utf16BeToUtf8(chosen.data() + 40, 32));
     } else {
-        out.name = StripTrailing(Latin1ToUtf8(chosen.data() + 40, 32));
+        out.name = StripTrailing(Latin1ToUtf8({reinterpret_cast<const char*>(chosen.data()) + 40, 32}));
     }
     out.fileSystem = "CDFS";
     return true;
@@ -137,13 +111,8 @@ std::string DString(const Bytes& b, std::size_t at, std::size_t fieldSize) {
     const std::size_t used = b[at + fieldSize - 1];
     if (used < 2 || used > fieldSize - 1) return {};
     const unsigned id = b[at];
-    if (id == 8) return StripTrailing(Latin1ToUtf8(b.data() + at + 1, used - 1));
-    if (id == 16) {
-        std::vector<char16_t> units;
-        for (std::size_t i = at + 1; i + 1 < at + used; i += 2)
-            units.push_back(static_cast<char16_t>(b[i] << 8 | b[i + 1]));
-        return StripTrailing(Utf16ToUtf8(units));
-    }
+    if (id == 8) return StripTrailing(Latin1ToUtf8({reinterpret_cast<const char*>(b.data()) + at + 1, used - 1}));
+    if (id == 16) return StripTrailing(Utf16BeToUtf8(b.data() + at + 1, used - 1));
     return {};
 }
 
@@ -284,9 +253,8 @@ bool ProbeExfat(int fd, const Bytes& boot, VolumeLabel& out) {
         if (type == 0) break;
         if (type != 0x83) continue;
         const std::size_t count = dir[at + 1] > 11 ? 11 : dir[at + 1];
-        std::vector<char16_t> units;
-        for (std::size_t i = 0; i < count; ++i)
-            units.push_back(static_cast<char16_t>(Le16(dir, at + 2 + 2 * i)));
+        std::u16string units;
+        for (std::size_t i = 0; i < count; ++i) units += static_cast<char16_t>(Le16(dir, at + 2 + 2 * i));
         out.name = Utf16ToUtf8(units);
         break;
     }
@@ -327,9 +295,9 @@ std::string NtfsVolumeName(int fd, const Bytes& boot) {
         if (type == 0x60 && record[at + 8] == 0) {
             const std::size_t size = Le32(record, at + 0x10), offset = Le16(record, at + 0x14);
             if (offset + size > length) break;
-            std::vector<char16_t> units;
+            std::u16string units;
             for (std::size_t i = 0; i + 1 < size; i += 2)
-                units.push_back(static_cast<char16_t>(Le16(record, at + offset + i)));
+                units += static_cast<char16_t>(Le16(record, at + offset + i));
             return Utf16ToUtf8(units);
         }
         at += length;

@@ -64,21 +64,8 @@ std::string NameOf(const unsigned char* p, std::size_t length) {
     std::string out;
     if (length == 0) return out;
     const unsigned id = p[0];
-    if (id == 8 || id == 254) {
-        for (std::size_t i = 1; i < length; ++i) AppendUtf8(out, p[i]);
-    } else if (id == 16 || id == 255) {
-        for (std::size_t i = 1; i + 1 < length; i += 2) {
-            char32_t c = static_cast<char32_t>(p[i] << 8 | p[i + 1]);
-            if (c >= 0xD800 && c < 0xDC00 && i + 3 < length) {
-                const char32_t low = static_cast<char32_t>(p[i + 2] << 8 | p[i + 3]);
-                if (low >= 0xDC00 && low < 0xE000) {
-                    c = 0x10000 + ((c - 0xD800) << 10) + (low - 0xDC00);
-                    i += 2;
-                }
-            }
-            AppendUtf8(out, c);
-        }
-    }
+    if (id == 8 || id == 254) return Latin1ToUtf8({reinterpret_cast<const char*>(p + 1), length - 1});
+    if (id == 16 || id == 255) return Utf16BeToUtf8(p + 1, length - 1);
     return out;
 }
 
