@@ -11,6 +11,11 @@ namespace ct {
 
 bool IsValidUtf8(std::string_view bytes);
 
+// Decodes one UTF-8 sequence at `i` (i < s.size()). On success `cp` is the
+// code point and `len` its length in bytes. Overlong forms, surrogates and
+// values past U+10FFFF are invalid, as is a sequence cut short.
+bool DecodeAt(std::string_view s, std::size_t i, char32_t& cp, std::size_t& len);
+
 // Appends the UTF-8 form of one code point (the one encoder of the program;
 // callers map what isn't a character, such as a lone surrogate, to U+FFFD first).
 void AppendUtf8(std::string& out, char32_t cp);
