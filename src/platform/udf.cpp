@@ -438,24 +438,23 @@ bool Reader::Data(const Icb& icb, std::uint64_t limit, Bytes& out) const {
         return true;
     }
     Bytes b;
-    const bool ok =
-        Extents(icb, [&](unsigned kind, std::uint64_t bytes, std::uint16_t ref, std::uint32_t lbn) {
-            for (std::uint64_t done = 0; done < bytes && out.size() < icb.length; done += bs_) {
-                const std::size_t take = static_cast<std::size_t>(std::min<std::uint64_t>(bs_, bytes - done));
-                std::uint64_t block = 0;
-                if (kind != 0) {
-                    out.insert(out.end(), take, 0);
-                } else if (Map(ref, lbn + static_cast<std::uint32_t>(done / bs_), block) && Read(block, b)) {
-                    out.insert(out.end(), b.begin(), b.begin() + static_cast<std::ptrdiff_t>(take));
-                } else {
-                    return false;
-                }
+    // The walk over the extents stops early once the data is whole, so its
+    // answer says nothing: the length gathered does.
+    Extents(icb, [&](unsigned kind, std::uint64_t bytes, std::uint16_t ref, std::uint32_t lbn) {
+        for (std::uint64_t done = 0; done < bytes && out.size() < icb.length; done += bs_) {
+            const std::size_t take = static_cast<std::size_t>(std::min<std::uint64_t>(bs_, bytes - done));
+            std::uint64_t block = 0;
+            if (kind != 0) {
+                out.insert(out.end(), take, 0);
+            } else if (Map(ref, lbn + static_cast<std::uint32_t>(done / bs_), block) && Read(block, b)) {
+                out.insert(out.end(), b.begin(), b.begin() + static_cast<std::ptrdiff_t>(take));
+            } else {
+                return false;
             }
-            return out.size() < icb.length;
-        });
-    // The walk over the extents stops early once the data is whole.
+        }
+        return out.size() < icb.length;
+    });
     if (out.size() < icb.length) return false;
-    (void)ok;
     out.resize(static_cast<std::size_t>(icb.length));
     return true;
 }
