@@ -4,7 +4,6 @@
 
 #include <cstdint>
 #include <cstdlib>
-#include <fstream>
 #include <unistd.h>
 #include <string>
 #include <vector>

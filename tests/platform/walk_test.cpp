@@ -4,7 +4,6 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
@@ -14,7 +13,6 @@
 #include <string>
 #include <vector>
 
-#include "core/catalogue.h"
 #include "support/scratch.h"
 
 namespace ct {
