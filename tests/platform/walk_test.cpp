@@ -131,12 +131,6 @@ TEST(WalkFolder, DateIsTheCreationTimeInUtc) {
     EXPECT_EQ(files[0].Date, expected);
 }
 
-}  // namespace
-}  // namespace ct
-
-namespace ct {
-namespace {
-
 // The discs of a data folder, from a tree of everything that may stand in
 // one: no folder, FIFO or link to a FIFO, and a link to nothing counts.
 TEST(CatalogueLabels, OnlyWhatReadsAsACatalogue) {
