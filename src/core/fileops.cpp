@@ -9,8 +9,6 @@
 
 namespace ct {
 
-namespace {
-
 std::string Join(const std::string& folder, std::string_view name) {
     if (folder.empty()) return std::string(name);
     std::string path = folder;
@@ -18,6 +16,8 @@ std::string Join(const std::string& folder, std::string_view name) {
     path += name;
     return path;
 }
+
+namespace {
 
 class StdioStream final : public ReadStream {
 public:
