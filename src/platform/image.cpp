@@ -61,7 +61,7 @@ Descriptors Recognise(int fd) {
             }
             if (b[0] == 2 && b[88] == '%' && b[89] == '/' && (b[90] == '@' || b[90] == 'C' || b[90] == 'E'))
                 d.joliet = true;
-            if (b[0] == 255) continue;  // UDF's sequence may follow the ISO one
+            if (b[0] == 255) continue;  // a terminator ends the ISO set, not this walk
         } else if (id != "BEA01" && id != "NSR02" && id != "NSR03" && id != "BOOT2" && id != "CDW02" &&
                    id != "TEA01") {
             break;
