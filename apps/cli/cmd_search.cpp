@@ -27,8 +27,8 @@ namespace {
 // In the order core's TextOperator and NumberOperator read them; the option
 // parser lets through only the words an option takes.
 const std::array<std::string, 10> kOperatorWords = {
-    "equal", "not-equal", "contains", "not-contains", "begins",
-    "not-begins", "ends", "not-ends", "greater", "less",
+    "equal",      "not-equal", "contains", "not-contains", "begins",
+    "not-begins", "ends",      "not-ends", "greater",      "less",
 };
 
 const Tr kSizeExpected = {
@@ -146,7 +146,8 @@ int RunSearchCommand(Context& ctx) {
     for (const auto& [option, values] : ctx.args.pairs) {
         const auto& [word, value] = values;
         const bool number = option == "--size" || option == "--date";
-        const SearchOp op = number ? NumberOperator(kOperatorWords, word) : TextOperator(kOperatorWords, word);
+        const SearchOp op =
+            number ? NumberOperator(kOperatorWords, word) : TextOperator(kOperatorWords, word);
         if (option == "--name") {
             c.checkName = true;
             c.nameOperator = op;

@@ -111,7 +111,8 @@ std::string DString(const Bytes& b, std::size_t at, std::size_t fieldSize) {
     const std::size_t used = b[at + fieldSize - 1];
     if (used < 2 || used > fieldSize - 1) return {};
     const unsigned id = b[at];
-    if (id == 8) return StripTrailing(Latin1ToUtf8({reinterpret_cast<const char*>(b.data()) + at + 1, used - 1}));
+    if (id == 8)
+        return StripTrailing(Latin1ToUtf8({reinterpret_cast<const char*>(b.data()) + at + 1, used - 1}));
     if (id == 16) return StripTrailing(Utf16BeToUtf8(b.data() + at + 1, used - 1));
     return {};
 }

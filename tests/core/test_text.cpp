@@ -94,8 +94,8 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(Utf16Row{"Ascii", std::string("\0A\0b", 4), "Ab"},
                       Utf16Row{"Pair", std::string("\xD8\x3D\xDE\x00", 4), "\xF0\x9F\x98\x80"},
                       Utf16Row{"LoneHighAtEnd", std::string("\0a\xD8\x3D", 4), "a\xEF\xBF\xBD"},
-                      Utf16Row{"LoneHighBeforeLetter", std::string("\xD8\x3D\0a", 4), "\xEF\xBF\xBD" "a"},
-                      Utf16Row{"LoneLow", std::string("\xDE\x00\0a", 4), "\xEF\xBF\xBD" "a"},
+                      Utf16Row{"LoneHighBeforeLetter", std::string("\xD8\x3D\0a", 4), "\xEF\xBF\xBD\x61"},
+                      Utf16Row{"LoneLow", std::string("\xDE\x00\0a", 4), "\xEF\xBF\xBD\x61"},
                       Utf16Row{"OddByteDropped", std::string("\0\xE4\0", 3), "\xC3\xA4"}),
     [](const auto& info) { return std::string(info.param.name); });
 
