@@ -458,7 +458,7 @@ void ReadImageVolumeInfo(const std::string& image, VolumeInfo& volume) {
     const Descriptors d = regular ? Recognise(fd) : Descriptors{};
     VolumeLabel label;
     const bool probed = (d.iso || d.udf) && ProbeVolume(fd, label, 0, ProbeOrder::UdfFirst);
-    const std::uint32_t udfBlock = probed && d.udf ? UdfBlockSize(fd) : 0;
+    const std::uint32_t udfBlock = probed && d.udf ? label.udfBlockSize : 0;
     close(fd);
     if (!probed) return;
     volume.VolumeName = label.name;

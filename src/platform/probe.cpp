@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstring>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/text.h"
@@ -122,9 +123,10 @@ bool ProbeUdf(int fd, std::uint64_t session, VolumeLabel& out) {
     if (!UdfRecognised(fd, first)) return false;
     // A disc's block is its 2048-byte sector; an image of a hard disk or a
     // stick may have blocks of 512 to 32768 bytes, which its anchor tells.
-    std::uint64_t bs = kOpticalSector;
-    if (session == 0)
-        if (const std::uint32_t found = UdfBlockSize(fd)) bs = found;
+    UdfVolume volume;
+    if (session == 0) volume = ReadUdfVolume(fd);
+    out.udfBlockSize = volume.blockSize;
+    const std::uint64_t bs = volume.blockSize ? volume.blockSize : kOpticalSector;
     const Bytes anchor = ReadAt(fd, first + 256 * bs, bs);
     if (anchor.size() < 24 || Le16(anchor, 0) != 2) return false;
     const std::uint32_t vdsLength = Le32(anchor, 16), vdsStart = Le32(anchor, 20);
@@ -153,9 +155,8 @@ bool ProbeUdf(int fd, std::uint64_t session, VolumeLabel& out) {
         // The file set as the volume maps it: on a disc with a metadata
         // partition (Blu-ray) or a virtual one (DVD-R, BD-R) it isn't at the
         // physical partition's block of its number.
-        Bytes fsd;
-        if (session != 0 || !ReadUdfFileSet(fd, fsd))
-            fsd = ReadAt(fd, (static_cast<std::uint64_t>(partitionStart) + fsdBlock) * bs, bs);
+        Bytes fsd = std::move(volume.fileSet);
+        if (fsd.empty()) fsd = ReadAt(fd, (static_cast<std::uint64_t>(partitionStart) + fsdBlock) * bs, bs);
         if (fsd.size() == bs && Le16(fsd, 0) == 256) {
             const auto s = Sums(fsd);
             out.serial = static_cast<std::uint32_t>(s[3]) << 24 | static_cast<std::uint32_t>(s[2]) << 16 |

@@ -126,13 +126,14 @@ public:
         }
     }
 
-    bool Anchor(Bytes& anchor);
     UdfResult Open();
     UdfResult Walk(const std::function<void(const UdfEntry&)>& visit) { return Folder(root_, "", 0, visit); }
     const Bytes& FileSet() const { return fileSet_; }
-    std::uint32_t BlockSize() const { return bs_; }
+    // 0 until Open has found the anchor.
+    std::uint32_t BlockSize() const { return anchored_ ? bs_ : 0; }
 
 private:
+    bool Anchor(Bytes& anchor);
     bool Read(std::uint64_t block, Bytes& out) const {
         out.assign(bs_, 0);
         if (block >= size_ / bs_) return false;
@@ -155,6 +156,7 @@ private:
     int fd_;
     std::uint64_t size_ = 0;
     std::uint32_t bs_ = 2048;
+    bool anchored_ = false;
     struct Descriptor {
         std::uint32_t sequence = 0;
         Bytes bytes;
@@ -501,7 +503,10 @@ bool Reader::Anchor(Bytes& anchor) {
         bs_ = bs;
         const std::uint64_t n = size_ / bs;
         for (const std::uint64_t at : {std::uint64_t{256}, n - 256, n - 1})
-            if (at < n && Tagged(at, 2, anchor) && Le32(anchor.data() + 12) == at) return true;
+            if (at < n && Tagged(at, 2, anchor) && Le32(anchor.data() + 12) == at) {
+                anchored_ = true;
+                return true;
+            }
     }
     return false;
 }
@@ -545,17 +550,13 @@ bool UdfRecognised(int fd, std::uint64_t start) {
     return false;
 }
 
-std::uint32_t UdfBlockSize(int fd) {
+UdfVolume ReadUdfVolume(int fd) {
     Reader reader(fd);
-    Bytes anchor;
-    return reader.Anchor(anchor) ? reader.BlockSize() : 0;
-}
-
-bool ReadUdfFileSet(int fd, std::vector<unsigned char>& block) {
-    Reader reader(fd);
-    if (reader.Open() != UdfResult::Ok) return false;
-    block = reader.FileSet();
-    return true;
+    UdfVolume volume;
+    const bool opened = reader.Open() == UdfResult::Ok;
+    volume.blockSize = reader.BlockSize();
+    if (opened) volume.fileSet = reader.FileSet();
+    return volume;
 }
 
 UdfResult ReadUdfTree(int fd, const std::function<void(const UdfEntry&)>& visit) {
