@@ -127,7 +127,8 @@ public:
     }
 
     UdfResult Open();
-    UdfResult Walk(const std::function<void(const UdfEntry&)>& visit) { return Folder(root_, "", 0, visit); }
+    // After Open: the root's identifiers Open read are walked, not read again.
+    UdfResult Walk(const std::function<void(const UdfEntry&)>& visit) { return Entries(rootData_, "", 0, visit); }
     const Bytes& FileSet() const { return fileSet_; }
     // 0 until Open has found the anchor.
     std::uint32_t BlockSize() const { return anchored_ ? bs_ : 0; }
@@ -152,6 +153,8 @@ private:
         const std::function<bool(unsigned, std::uint64_t, std::uint16_t, std::uint32_t)>& each) const;
     UdfResult Folder(const Icb& dir, const std::string& prefix, int depth,
                      const std::function<void(const UdfEntry&)>& visit);
+    UdfResult Entries(const Bytes& d, const std::string& prefix, int depth,
+                      const std::function<void(const UdfEntry&)>& visit);
 
     int fd_;
     std::uint64_t size_ = 0;
@@ -165,6 +168,7 @@ private:
     Descriptor volume_;
     std::vector<PartitionMap> maps_;
     Icb root_;
+    Bytes rootData_;  // the root folder's identifiers, read by Open
     std::set<std::uint64_t> folders_;  // the blocks of the folders walked, against loops
     Bytes fileSet_;
 };
@@ -465,6 +469,11 @@ UdfResult Reader::Folder(const Icb& dir, const std::string& prefix, int depth,
                          const std::function<void(const UdfEntry&)>& visit) {
     Bytes d;
     if (depth > kMaxDepth || !Data(dir, kMaxDirectory, d)) return UdfResult::Damaged;
+    return Entries(d, prefix, depth, visit);
+}
+
+UdfResult Reader::Entries(const Bytes& d, const std::string& prefix, int depth,
+                          const std::function<void(const UdfEntry&)>& visit) {
     for (std::size_t at = 0; at < d.size();) {
         const unsigned char* f = d.data() + at;
         if (at + 38 > d.size() || !TagOk(f, d.size() - at, 257)) return UdfResult::Damaged;
@@ -530,8 +539,7 @@ UdfResult Reader::Open() {
     const std::uint32_t rootLbn = Le32(fileSet_.data() + 404);
     if (!ReadIcb(rootRef, rootLbn, root_) || !Map(rootRef, rootLbn, block)) return UdfResult::Damaged;
     folders_.insert(block);
-    Bytes ignored;
-    return Data(root_, kMaxDirectory, ignored) ? UdfResult::Ok : UdfResult::Damaged;
+    return Data(root_, kMaxDirectory, rootData_) ? UdfResult::Ok : UdfResult::Damaged;
 }
 
 }  // namespace
