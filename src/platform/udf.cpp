@@ -128,7 +128,9 @@ public:
 
     UdfResult Open();
     // After Open: the root's identifiers Open read are walked, not read again.
-    UdfResult Walk(const std::function<void(const UdfEntry&)>& visit) { return Entries(rootData_, "", 0, visit); }
+    UdfResult Walk(const std::function<void(const UdfEntry&)>& visit) {
+        return Entries(rootData_, "", 0, visit);
+    }
     const Bytes& FileSet() const { return fileSet_; }
     // 0 until Open has found the anchor.
     std::uint32_t BlockSize() const { return anchored_ ? bs_ : 0; }
@@ -168,7 +170,7 @@ private:
     Descriptor volume_;
     std::vector<PartitionMap> maps_;
     Icb root_;
-    Bytes rootData_;  // the root folder's identifiers, read by Open
+    Bytes rootData_;                   // the root folder's identifiers, read by Open
     std::set<std::uint64_t> folders_;  // the blocks of the folders walked, against loops
     Bytes fileSet_;
 };
