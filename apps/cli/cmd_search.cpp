@@ -25,20 +25,12 @@ namespace ct::cli {
 
 namespace {
 
+// In the order core's TextOperator and NumberOperator read them; the option
+// parser lets through only the words an option takes.
 const std::array<std::string, 10> kOperatorWords = {
-    "equal", "not-equal", "contains", "not-contains", "begins",
-    "not-begins", "ends", "not-ends", "greater", "less",
+    "equal",      "not-equal", "contains", "not-contains", "begins",
+    "not-begins", "ends",      "not-ends", "greater",      "less",
 };
-constexpr SearchOp kOperators[10] = {SearchOp::Equal,      SearchOp::NotEqual,      SearchOp::Contains,
-                                     SearchOp::NotContains, SearchOp::BeginsWith,   SearchOp::NotBeginsWith,
-                                     SearchOp::EndsWith,   SearchOp::NotEndsWith,   SearchOp::Greater,
-                                     SearchOp::Less};
-// The operator a word names (the option parser let only the option's own
-// words through); None for any other.
-SearchOp OperatorOf(const std::string& word) {
-    const auto at = std::find(kOperatorWords.begin(), kOperatorWords.end(), word);
-    return at == kOperatorWords.end() ? SearchOp::None : kOperators[at - kOperatorWords.begin()];
-}
 
 const Tr kSizeExpected = {
     "%1 nimmt eine Zahl von Bytes, auch mit K, M, G oder T für Potenzen von 1024 (100K, 5M, 2G), nicht „%2“",
@@ -154,7 +146,9 @@ int RunSearchCommand(Context& ctx) {
 
     for (const auto& [option, values] : ctx.args.pairs) {
         const auto& [word, value] = values;
-        const SearchOp op = OperatorOf(word);
+        const bool number = option == "--size" || option == "--date";
+        const SearchOp op =
+            number ? NumberOperator(kOperatorWords, word) : TextOperator(kOperatorWords, word);
         if (option == "--name") {
             c.checkName = true;
             c.nameOperator = op;

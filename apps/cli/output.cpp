@@ -32,7 +32,7 @@ void ValueInto(const Context& ctx, std::string_view text, bool isPath, std::stri
     if (IsValidUtf8(text))
         out.assign(text);  // as DecodeLine takes it, into the room `out` has
     else
-        out = DecodeLine(text);
+        out = Cp1252ToUtf8(text);  // what DecodeLine gives, without checking it again
     if (isPath && ctx.args.Has("--slashes"))
         for (char& c : out)
             if (c == '\\') c = '/';

@@ -22,23 +22,6 @@ constexpr std::string_view kLatinA =
     "uuuuuuuuuuuuwwyyyzzzzzzs";
 static_assert(kLatinA.size() == 128);
 
-bool Decode(std::string_view s, std::size_t i, char32_t& cp, std::size_t& len) {
-    const auto b = static_cast<unsigned char>(s[i]);
-    len = b >= 0xF0 ? 4 : b >= 0xE0 ? 3 : b >= 0xC2 ? 2 : 0;
-    if (len == 0 || i + len > s.size() || b > 0xF4) return false;
-    cp = b & (0x7F >> len);
-    for (std::size_t k = 1; k < len; ++k) {
-        const auto c = static_cast<unsigned char>(s[i + k]);
-        if ((c & 0xC0) != 0x80) return false;
-        cp = (cp << 6) | (c & 0x3F);
-    }
-    return true;
-}
-
-}  // namespace
-
-namespace {
-
 void AppendSortKey(std::string& key, std::string_view utf8) {
     for (std::size_t i = 0; i < utf8.size();) {
         const auto b = static_cast<unsigned char>(utf8[i]);
@@ -51,7 +34,7 @@ void AppendSortKey(std::string& key, std::string_view utf8) {
         }
         char32_t cp;
         std::size_t len;
-        if (!Decode(utf8, i, cp, len)) {  // a stray byte stands for itself
+        if (!DecodeAt(utf8, i, cp, len)) {  // a stray byte stands for itself
             key += static_cast<char>(b);
             ++i;
             continue;

@@ -10,8 +10,6 @@
 
 namespace ct {
 
-namespace {
-
 std::string Join(const std::string& folder, std::string_view name) {
     if (folder.empty()) return std::string(name);
     std::string path = folder;
@@ -19,6 +17,8 @@ std::string Join(const std::string& folder, std::string_view name) {
     path += name;
     return path;
 }
+
+namespace {
 
 class StdioStream final : public ReadStream {
 public:

@@ -15,6 +15,10 @@
 
 namespace ct {
 
+// `name` in `folder`: one '/' between them, none added after a folder that
+// ends in one, and `name` alone when the folder is empty.
+std::string Join(const std::string& folder, std::string_view name);
+
 class OutFile {
 public:
     virtual ~OutFile() = default;

@@ -6,45 +6,6 @@ namespace ct {
 
 namespace {
 
-// Decodes one UTF-8 sequence at `i`. On success `cp` is the code point and
-// `len` its length in bytes. Overlong forms, surrogates and values past
-// U+10FFFF are invalid, as is a sequence cut short.
-bool DecodeAt(std::string_view s, std::size_t i, char32_t& cp, std::size_t& len) {
-    const auto b0 = static_cast<unsigned char>(s[i]);
-    if (b0 < 0x80) {
-        cp = b0;
-        len = 1;
-        return true;
-    }
-    std::size_t need;
-    char32_t min;
-    if (b0 >= 0xC2 && b0 <= 0xDF) {
-        need = 1;
-        cp = b0 & 0x1Fu;
-        min = 0x80;
-    } else if (b0 >= 0xE0 && b0 <= 0xEF) {
-        need = 2;
-        cp = b0 & 0x0Fu;
-        min = 0x800;
-    } else if (b0 >= 0xF0 && b0 <= 0xF4) {
-        need = 3;
-        cp = b0 & 0x07u;
-        min = 0x10000;
-    } else {
-        return false;
-    }
-    if (s.size() - i <= need) return false;
-    for (std::size_t k = 1; k <= need; ++k) {
-        const auto b = static_cast<unsigned char>(s[i + k]);
-        if ((b & 0xC0u) != 0x80u) return false;
-        cp = (cp << 6) | (b & 0x3Fu);
-    }
-    if (cp < min || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF)) return false;
-    len = need + 1;
-    return true;
-}
-
-
 // 0x80..0x9F of Windows-1252. The five holes keep their own number, which
 // makes them the C1 control characters, as Windows' own conversion does.
 constexpr char16_t kCp1252High[32] = {
@@ -110,6 +71,41 @@ char32_t UpperOf(char32_t c) {
 
 }  // namespace
 
+bool DecodeAt(std::string_view s, std::size_t i, char32_t& cp, std::size_t& len) {
+    const auto b0 = static_cast<unsigned char>(s[i]);
+    if (b0 < 0x80) {
+        cp = b0;
+        len = 1;
+        return true;
+    }
+    std::size_t need;
+    char32_t min;
+    if (b0 >= 0xC2 && b0 <= 0xDF) {
+        need = 1;
+        cp = b0 & 0x1Fu;
+        min = 0x80;
+    } else if (b0 >= 0xE0 && b0 <= 0xEF) {
+        need = 2;
+        cp = b0 & 0x0Fu;
+        min = 0x800;
+    } else if (b0 >= 0xF0 && b0 <= 0xF4) {
+        need = 3;
+        cp = b0 & 0x07u;
+        min = 0x10000;
+    } else {
+        return false;
+    }
+    if (s.size() - i <= need) return false;
+    for (std::size_t k = 1; k <= need; ++k) {
+        const auto b = static_cast<unsigned char>(s[i + k]);
+        if ((b & 0xC0u) != 0x80u) return false;
+        cp = (cp << 6) | (b & 0x3Fu);
+    }
+    if (cp < min || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF)) return false;
+    len = need + 1;
+    return true;
+}
+
 void AppendUtf8(std::string& out, char32_t cp) {
     if (cp < 0x80) {
         out += static_cast<char>(cp);
@@ -126,6 +122,37 @@ void AppendUtf8(std::string& out, char32_t cp) {
         out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
         out += static_cast<char>(0x80 | (cp & 0x3F));
     }
+}
+
+std::string Utf16ToUtf8(std::u16string_view units) {
+    std::string out;
+    out.reserve(units.size());
+    for (std::size_t i = 0; i < units.size(); ++i) {
+        char32_t c = units[i];
+        if (c >= 0xD800 && c < 0xDC00 && i + 1 < units.size() && units[i + 1] >= 0xDC00 &&
+            units[i + 1] < 0xE000) {
+            c = 0x10000 + ((c - 0xD800) << 10) + (units[i + 1] - 0xDC00);
+            ++i;
+        } else if (c >= 0xD800 && c < 0xE000) {
+            c = 0xFFFD;
+        }
+        AppendUtf8(out, c);
+    }
+    return out;
+}
+
+std::string Utf16BeToUtf8(const unsigned char* p, std::size_t bytes) {
+    std::u16string units(bytes / 2, u'\0');
+    for (std::size_t i = 0; i < units.size(); ++i)
+        units[i] = static_cast<char16_t>(p[2 * i] << 8 | p[2 * i + 1]);
+    return Utf16ToUtf8(units);
+}
+
+std::string Latin1ToUtf8(std::string_view bytes) {
+    std::string out;
+    out.reserve(bytes.size());
+    for (char b : bytes) AppendUtf8(out, static_cast<unsigned char>(b));
+    return out;
 }
 
 bool IsValidUtf8(std::string_view bytes) {

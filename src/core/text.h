@@ -11,9 +11,25 @@ namespace ct {
 
 bool IsValidUtf8(std::string_view bytes);
 
+// Decodes one UTF-8 sequence at `i` (i < s.size()). On success `cp` is the
+// code point and `len` its length in bytes. Overlong forms, surrogates and
+// values past U+10FFFF are invalid, as is a sequence cut short.
+bool DecodeAt(std::string_view s, std::size_t i, char32_t& cp, std::size_t& len);
+
 // Appends the UTF-8 form of one code point (the one encoder of the program;
 // callers map what isn't a character, such as a lone surrogate, to U+FFFD first).
 void AppendUtf8(std::string& out, char32_t cp);
+
+// UTF-16 code units to UTF-8, as file systems store names (Joliet, UDF, exFAT,
+// NTFS). A surrogate pair makes one character; a lone surrogate becomes U+FFFD.
+std::string Utf16ToUtf8(std::u16string_view units);
+
+// The same for `bytes` bytes of big-endian UTF-16 (Joliet, UDF); an odd last
+// byte is left out.
+std::string Utf16BeToUtf8(const unsigned char* p, std::size_t bytes);
+
+// Latin-1 (ISO 8859-1) to UTF-8: every byte is the code point of its number.
+std::string Latin1ToUtf8(std::string_view bytes);
 
 // Windows-1252 bytes to UTF-8. The five undefined bytes (0x81 0x8D 0x8F 0x90
 // 0x9D) map to the C1 control characters of the same number, as Windows does.

@@ -220,10 +220,10 @@ public:
     }
     ReadFile Open(const std::string& name, Failure* failure, std::uint64_t* size) override {
         // The whole path is only made for a failure to name it.
-        auto path = [&] { return folder_.empty() || folder_.back() == '/' ? folder_ + name : folder_ + '/' + name; };
-        const int fd = fd_ >= 0 ? OpenRegular(name, failure, size, fd_) : OpenRegular(path(), failure, size);
+        const int fd = fd_ >= 0 ? OpenRegular(name, failure, size, fd_)
+                                : OpenRegular(Join(folder_, name), failure, size);
         if (fd < 0) {
-            if (failure && fd_ >= 0) failure->path = path();
+            if (failure && fd_ >= 0) failure->path = Join(folder_, name);
             return nullptr;
         }
         return std::make_unique<PosixStream>(fd);

@@ -61,7 +61,7 @@ Descriptors Recognise(int fd) {
             }
             if (b[0] == 2 && b[88] == '%' && b[89] == '/' && (b[90] == '@' || b[90] == 'C' || b[90] == 'E'))
                 d.joliet = true;
-            if (b[0] == 255) continue;  // UDF's sequence may follow the ISO one
+            if (b[0] == 255) continue;  // a terminator ends the ISO set, not this walk
         } else if (id != "BEA01" && id != "NSR02" && id != "NSR03" && id != "BOOT2" && id != "CDW02" &&
                    id != "TEA01") {
             break;
@@ -164,15 +164,7 @@ std::set<std::string> HiddenPaths(int fd, bool joliet) {
                 if (flags & 0x80) continue;                   // not the last part of a file
                 std::string name;
                 if (joliet) {
-                    for (unsigned k = 0; k + 1 < nameLength; k += 2) {
-                        char32_t c = static_cast<char32_t>(r[33 + k] << 8 | r[34 + k]);
-                        if (c >= 0xD800 && c < 0xDC00 && k + 3 < nameLength) {
-                            const char32_t low = static_cast<char32_t>(r[35 + k] << 8 | r[36 + k]);
-                            c = 0x10000 + ((c - 0xD800) << 10) + (low - 0xDC00);
-                            k += 2;
-                        }
-                        AppendUtf8(name, c);
-                    }
+                    name = Utf16BeToUtf8(r + 33, nameLength);
                 } else {
                     name.assign(reinterpret_cast<const char*>(r + 33), nameLength);
                 }
@@ -466,7 +458,7 @@ void ReadImageVolumeInfo(const std::string& image, VolumeInfo& volume) {
     const Descriptors d = regular ? Recognise(fd) : Descriptors{};
     VolumeLabel label;
     const bool probed = (d.iso || d.udf) && ProbeVolume(fd, label, 0, ProbeOrder::UdfFirst);
-    const std::uint32_t udfBlock = probed && d.udf ? UdfBlockSize(fd) : 0;
+    const std::uint32_t udfBlock = probed && d.udf ? label.udfBlockSize : 0;
     close(fd);
     if (!probed) return;
     volume.VolumeName = label.name;

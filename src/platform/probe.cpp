@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstring>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/text.h"
@@ -40,29 +41,6 @@ std::uint32_t Le32(const Bytes& b, std::size_t at) { return Le16(b, at) | Le16(b
 bool Has(const Bytes& b, std::size_t at, const char* text) {
     const std::size_t n = std::strlen(text);
     return b.size() >= at + n && std::memcmp(b.data() + at, text, n) == 0;
-}
-
-// UTF-16 code units to UTF-8; a lone surrogate becomes U+FFFD.
-std::string Utf16ToUtf8(const std::vector<char16_t>& units) {
-    std::string out;
-    for (std::size_t i = 0; i < units.size(); ++i) {
-        char32_t c = units[i];
-        if (c >= 0xD800 && c < 0xDC00 && i + 1 < units.size() && units[i + 1] >= 0xDC00 &&
-            units[i + 1] < 0xE000) {
-            c = 0x10000 + ((c - 0xD800) << 10) + (units[i + 1] - 0xDC00);
-            ++i;
-        } else if (c >= 0xD800 && c < 0xE000) {
-            c = 0xFFFD;
-        }
-        AppendUtf8(out, c);
-    }
-    return out;
-}
-
-std::string Latin1ToUtf8(const unsigned char* p, std::size_t n) {
-    std::string out;
-    for (std::size_t i = 0; i < n; ++i) AppendUtf8(out, p[i]);
-    return out;
 }
 
 // FAT labels are in the OEM code page; 850 is the one of Western Windows.
@@ -119,12 +97,9 @@ bool ProbeIso(int fd, std::uint64_t session, VolumeLabel& out) {
     out.serial = static_cast<std::uint32_t>(s[0]) << 24 | static_cast<std::uint32_t>(s[1]) << 16 |
                  static_cast<std::uint32_t>(s[2]) << 8 | s[3];
     if (!joliet.empty()) {
-        std::vector<char16_t> units;
-        for (std::size_t i = 40; i < 72; i += 2)
-            units.push_back(static_cast<char16_t>(chosen[i] << 8 | chosen[i + 1]));
-        out.name = StripTrailing(Utf16ToUtf8(units));
+        out.name = StripTrailing(Utf16BeToUtf8(chosen.data() + 40, 32));
     } else {
-        out.name = StripTrailing(Latin1ToUtf8(chosen.data() + 40, 32));
+        out.name = StripTrailing(Latin1ToUtf8({reinterpret_cast<const char*>(chosen.data()) + 40, 32}));
     }
     out.fileSystem = "CDFS";
     return true;
@@ -137,13 +112,9 @@ std::string DString(const Bytes& b, std::size_t at, std::size_t fieldSize) {
     const std::size_t used = b[at + fieldSize - 1];
     if (used < 2 || used > fieldSize - 1) return {};
     const unsigned id = b[at];
-    if (id == 8) return StripTrailing(Latin1ToUtf8(b.data() + at + 1, used - 1));
-    if (id == 16) {
-        std::vector<char16_t> units;
-        for (std::size_t i = at + 1; i + 1 < at + used; i += 2)
-            units.push_back(static_cast<char16_t>(b[i] << 8 | b[i + 1]));
-        return StripTrailing(Utf16ToUtf8(units));
-    }
+    if (id == 8)
+        return StripTrailing(Latin1ToUtf8({reinterpret_cast<const char*>(b.data()) + at + 1, used - 1}));
+    if (id == 16) return StripTrailing(Utf16BeToUtf8(b.data() + at + 1, used - 1));
     return {};
 }
 
@@ -152,9 +123,10 @@ bool ProbeUdf(int fd, std::uint64_t session, VolumeLabel& out) {
     if (!UdfRecognised(fd, first)) return false;
     // A disc's block is its 2048-byte sector; an image of a hard disk or a
     // stick may have blocks of 512 to 32768 bytes, which its anchor tells.
-    std::uint64_t bs = kOpticalSector;
-    if (session == 0)
-        if (const std::uint32_t found = UdfBlockSize(fd)) bs = found;
+    UdfVolume volume;
+    if (session == 0) volume = ReadUdfVolume(fd);
+    out.udfBlockSize = volume.blockSize;
+    const std::uint64_t bs = volume.blockSize ? volume.blockSize : kOpticalSector;
     const Bytes anchor = ReadAt(fd, first + 256 * bs, bs);
     if (anchor.size() < 24 || Le16(anchor, 0) != 2) return false;
     const std::uint32_t vdsLength = Le32(anchor, 16), vdsStart = Le32(anchor, 20);
@@ -183,9 +155,8 @@ bool ProbeUdf(int fd, std::uint64_t session, VolumeLabel& out) {
         // The file set as the volume maps it: on a disc with a metadata
         // partition (Blu-ray) or a virtual one (DVD-R, BD-R) it isn't at the
         // physical partition's block of its number.
-        Bytes fsd;
-        if (session != 0 || !ReadUdfFileSet(fd, fsd))
-            fsd = ReadAt(fd, (static_cast<std::uint64_t>(partitionStart) + fsdBlock) * bs, bs);
+        Bytes fsd = std::move(volume.fileSet);
+        if (fsd.empty()) fsd = ReadAt(fd, (static_cast<std::uint64_t>(partitionStart) + fsdBlock) * bs, bs);
         if (fsd.size() == bs && Le16(fsd, 0) == 256) {
             const auto s = Sums(fsd);
             out.serial = static_cast<std::uint32_t>(s[3]) << 24 | static_cast<std::uint32_t>(s[2]) << 16 |
@@ -284,9 +255,8 @@ bool ProbeExfat(int fd, const Bytes& boot, VolumeLabel& out) {
         if (type == 0) break;
         if (type != 0x83) continue;
         const std::size_t count = dir[at + 1] > 11 ? 11 : dir[at + 1];
-        std::vector<char16_t> units;
-        for (std::size_t i = 0; i < count; ++i)
-            units.push_back(static_cast<char16_t>(Le16(dir, at + 2 + 2 * i)));
+        std::u16string units;
+        for (std::size_t i = 0; i < count; ++i) units += static_cast<char16_t>(Le16(dir, at + 2 + 2 * i));
         out.name = Utf16ToUtf8(units);
         break;
     }
@@ -327,9 +297,9 @@ std::string NtfsVolumeName(int fd, const Bytes& boot) {
         if (type == 0x60 && record[at + 8] == 0) {
             const std::size_t size = Le32(record, at + 0x10), offset = Le16(record, at + 0x14);
             if (offset + size > length) break;
-            std::vector<char16_t> units;
+            std::u16string units;
             for (std::size_t i = 0; i + 1 < size; i += 2)
-                units.push_back(static_cast<char16_t>(Le16(record, at + offset + i)));
+                units += static_cast<char16_t>(Le16(record, at + offset + i));
             return Utf16ToUtf8(units);
         }
         at += length;

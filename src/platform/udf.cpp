@@ -64,21 +64,8 @@ std::string NameOf(const unsigned char* p, std::size_t length) {
     std::string out;
     if (length == 0) return out;
     const unsigned id = p[0];
-    if (id == 8 || id == 254) {
-        for (std::size_t i = 1; i < length; ++i) AppendUtf8(out, p[i]);
-    } else if (id == 16 || id == 255) {
-        for (std::size_t i = 1; i + 1 < length; i += 2) {
-            char32_t c = static_cast<char32_t>(p[i] << 8 | p[i + 1]);
-            if (c >= 0xD800 && c < 0xDC00 && i + 3 < length) {
-                const char32_t low = static_cast<char32_t>(p[i + 2] << 8 | p[i + 3]);
-                if (low >= 0xDC00 && low < 0xE000) {
-                    c = 0x10000 + ((c - 0xD800) << 10) + (low - 0xDC00);
-                    i += 2;
-                }
-            }
-            AppendUtf8(out, c);
-        }
-    }
+    if (id == 8 || id == 254) return Latin1ToUtf8({reinterpret_cast<const char*>(p + 1), length - 1});
+    if (id == 16 || id == 255) return Utf16BeToUtf8(p + 1, length - 1);
     return out;
 }
 
@@ -139,13 +126,17 @@ public:
         }
     }
 
-    bool Anchor(Bytes& anchor);
     UdfResult Open();
-    UdfResult Walk(const std::function<void(const UdfEntry&)>& visit) { return Folder(root_, "", 0, visit); }
+    // After Open: the root's identifiers Open read are walked, not read again.
+    UdfResult Walk(const std::function<void(const UdfEntry&)>& visit) {
+        return Entries(rootData_, "", 0, visit);
+    }
     const Bytes& FileSet() const { return fileSet_; }
-    std::uint32_t BlockSize() const { return bs_; }
+    // 0 until Open has found the anchor.
+    std::uint32_t BlockSize() const { return anchored_ ? bs_ : 0; }
 
 private:
+    bool Anchor(Bytes& anchor);
     bool Read(std::uint64_t block, Bytes& out) const {
         out.assign(bs_, 0);
         if (block >= size_ / bs_) return false;
@@ -164,10 +155,13 @@ private:
         const std::function<bool(unsigned, std::uint64_t, std::uint16_t, std::uint32_t)>& each) const;
     UdfResult Folder(const Icb& dir, const std::string& prefix, int depth,
                      const std::function<void(const UdfEntry&)>& visit);
+    UdfResult Entries(const Bytes& d, const std::string& prefix, int depth,
+                      const std::function<void(const UdfEntry&)>& visit);
 
     int fd_;
     std::uint64_t size_ = 0;
     std::uint32_t bs_ = 2048;
+    bool anchored_ = false;
     struct Descriptor {
         std::uint32_t sequence = 0;
         Bytes bytes;
@@ -176,6 +170,7 @@ private:
     Descriptor volume_;
     std::vector<PartitionMap> maps_;
     Icb root_;
+    Bytes rootData_;                   // the root folder's identifiers, read by Open
     std::set<std::uint64_t> folders_;  // the blocks of the folders walked, against loops
     Bytes fileSet_;
 };
@@ -451,24 +446,23 @@ bool Reader::Data(const Icb& icb, std::uint64_t limit, Bytes& out) const {
         return true;
     }
     Bytes b;
-    const bool ok =
-        Extents(icb, [&](unsigned kind, std::uint64_t bytes, std::uint16_t ref, std::uint32_t lbn) {
-            for (std::uint64_t done = 0; done < bytes && out.size() < icb.length; done += bs_) {
-                const std::size_t take = static_cast<std::size_t>(std::min<std::uint64_t>(bs_, bytes - done));
-                std::uint64_t block = 0;
-                if (kind != 0) {
-                    out.insert(out.end(), take, 0);
-                } else if (Map(ref, lbn + static_cast<std::uint32_t>(done / bs_), block) && Read(block, b)) {
-                    out.insert(out.end(), b.begin(), b.begin() + static_cast<std::ptrdiff_t>(take));
-                } else {
-                    return false;
-                }
+    // The walk over the extents stops early once the data is whole, so its
+    // answer says nothing: the length gathered does.
+    Extents(icb, [&](unsigned kind, std::uint64_t bytes, std::uint16_t ref, std::uint32_t lbn) {
+        for (std::uint64_t done = 0; done < bytes && out.size() < icb.length; done += bs_) {
+            const std::size_t take = static_cast<std::size_t>(std::min<std::uint64_t>(bs_, bytes - done));
+            std::uint64_t block = 0;
+            if (kind != 0) {
+                out.insert(out.end(), take, 0);
+            } else if (Map(ref, lbn + static_cast<std::uint32_t>(done / bs_), block) && Read(block, b)) {
+                out.insert(out.end(), b.begin(), b.begin() + static_cast<std::ptrdiff_t>(take));
+            } else {
+                return false;
             }
-            return out.size() < icb.length;
-        });
-    // The walk over the extents stops early once the data is whole.
+        }
+        return out.size() < icb.length;
+    });
     if (out.size() < icb.length) return false;
-    (void)ok;
     out.resize(static_cast<std::size_t>(icb.length));
     return true;
 }
@@ -477,6 +471,11 @@ UdfResult Reader::Folder(const Icb& dir, const std::string& prefix, int depth,
                          const std::function<void(const UdfEntry&)>& visit) {
     Bytes d;
     if (depth > kMaxDepth || !Data(dir, kMaxDirectory, d)) return UdfResult::Damaged;
+    return Entries(d, prefix, depth, visit);
+}
+
+UdfResult Reader::Entries(const Bytes& d, const std::string& prefix, int depth,
+                          const std::function<void(const UdfEntry&)>& visit) {
     for (std::size_t at = 0; at < d.size();) {
         const unsigned char* f = d.data() + at;
         if (at + 38 > d.size() || !TagOk(f, d.size() - at, 257)) return UdfResult::Damaged;
@@ -515,7 +514,10 @@ bool Reader::Anchor(Bytes& anchor) {
         bs_ = bs;
         const std::uint64_t n = size_ / bs;
         for (const std::uint64_t at : {std::uint64_t{256}, n - 256, n - 1})
-            if (at < n && Tagged(at, 2, anchor) && Le32(anchor.data() + 12) == at) return true;
+            if (at < n && Tagged(at, 2, anchor) && Le32(anchor.data() + 12) == at) {
+                anchored_ = true;
+                return true;
+            }
     }
     return false;
 }
@@ -539,8 +541,7 @@ UdfResult Reader::Open() {
     const std::uint32_t rootLbn = Le32(fileSet_.data() + 404);
     if (!ReadIcb(rootRef, rootLbn, root_) || !Map(rootRef, rootLbn, block)) return UdfResult::Damaged;
     folders_.insert(block);
-    Bytes ignored;
-    return Data(root_, kMaxDirectory, ignored) ? UdfResult::Ok : UdfResult::Damaged;
+    return Data(root_, kMaxDirectory, rootData_) ? UdfResult::Ok : UdfResult::Damaged;
 }
 
 }  // namespace
@@ -559,17 +560,13 @@ bool UdfRecognised(int fd, std::uint64_t start) {
     return false;
 }
 
-std::uint32_t UdfBlockSize(int fd) {
+UdfVolume ReadUdfVolume(int fd) {
     Reader reader(fd);
-    Bytes anchor;
-    return reader.Anchor(anchor) ? reader.BlockSize() : 0;
-}
-
-bool ReadUdfFileSet(int fd, std::vector<unsigned char>& block) {
-    Reader reader(fd);
-    if (reader.Open() != UdfResult::Ok) return false;
-    block = reader.FileSet();
-    return true;
+    UdfVolume volume;
+    const bool opened = reader.Open() == UdfResult::Ok;
+    volume.blockSize = reader.BlockSize();
+    if (opened) volume.fileSet = reader.FileSet();
+    return volume;
 }
 
 UdfResult ReadUdfTree(int fd, const std::function<void(const UdfEntry&)>& visit) {

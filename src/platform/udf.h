@@ -50,12 +50,16 @@ UdfResult ReadUdfTree(int fd, const std::function<void(const UdfEntry&)>& visit)
 // disks), so every spacing up to 32 KiB is tried.
 bool UdfRecognised(int fd, std::uint64_t start);
 
-// The volume's logical block size, a power of two from 512 to 32768: that of
-// its anchor, found as the reader finds it; 0 when there is none.
-std::uint32_t UdfBlockSize(int fd);
-
-// The file set descriptor's block as the volume maps it (through a metadata
-// or virtual partition where the volume has one); false when it can't be read.
-bool ReadUdfFileSet(int fd, std::vector<unsigned char>& block);
+// What the label probe needs of a UDF volume, from one opening of it.
+struct UdfVolume {
+    // The logical block size, a power of two from 512 to 32768: that of the
+    // anchor, found as the reader finds it; 0 when there is none.
+    std::uint32_t blockSize = 0;
+    // The file set descriptor's block as the volume maps it (through a
+    // metadata or virtual partition where the volume has one); empty when the
+    // volume can't be opened.
+    std::vector<unsigned char> fileSet;
+};
+UdfVolume ReadUdfVolume(int fd);
 
 }  // namespace ct

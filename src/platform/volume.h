@@ -39,6 +39,9 @@ struct VolumeLabel {
     std::string name;            // UTF-8
     std::uint32_t serial = 0;
     std::string fileSystem;      // "CDFS", "UDF", "FAT", "FAT32", "exFAT", "NTFS"
+    // The UDF volume's logical block size when the bytes of a plain image
+    // (session 0) carry one, whichever file system gave the label; else 0.
+    std::uint32_t udfBlockSize = 0;
 };
 // `sessionStartSector`: first sector of the last session (0 for a plain image).
 bool ProbeVolumeFile(const std::string& deviceOrImage, VolumeLabel& out,

@@ -72,4 +72,31 @@ INSTANTIATE_TEST_SUITE_P(
         UpperRow{"InvalidBytesKept", "a\xFF" "b", "A\xFF" "B"}),
     [](const auto& info) { return std::string(info.param.name); });
 
+// File systems' big-endian UTF-16 names: a pair is one character, a surrogate
+// without its partner is U+FFFD (never invalid UTF-8), an odd last byte is
+// dropped.
+struct Utf16Row {
+    const char* name;
+    std::string bigEndian;
+    const char* utf8;
+};
+
+class Utf16BeTable : public ::testing::TestWithParam<Utf16Row> {};
+
+TEST_P(Utf16BeTable, Decodes) {
+    const std::string& be = GetParam().bigEndian;
+    EXPECT_EQ(ct::Utf16BeToUtf8(reinterpret_cast<const unsigned char*>(be.data()), be.size()),
+              GetParam().utf8);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, Utf16BeTable,
+    ::testing::Values(Utf16Row{"Ascii", std::string("\0A\0b", 4), "Ab"},
+                      Utf16Row{"Pair", std::string("\xD8\x3D\xDE\x00", 4), "\xF0\x9F\x98\x80"},
+                      Utf16Row{"LoneHighAtEnd", std::string("\0a\xD8\x3D", 4), "a\xEF\xBF\xBD"},
+                      Utf16Row{"LoneHighBeforeLetter", std::string("\xD8\x3D\0a", 4), "\xEF\xBF\xBD\x61"},
+                      Utf16Row{"LoneLow", std::string("\xDE\x00\0a", 4), "\xEF\xBF\xBD\x61"},
+                      Utf16Row{"OddByteDropped", std::string("\0\xE4\0", 3), "\xC3\xA4"}),
+    [](const auto& info) { return std::string(info.param.name); });
+
 }  // namespace

@@ -74,11 +74,6 @@ TEST(SystemFileOps, FailuresSayWhatAndWhy) {
     EXPECT_FALSE(ops.Remove(s / "nope", nullptr));
 }
 
-}  // namespace
-}  // namespace ct
-
-namespace {
-
 struct InPlaceRow {
     const char* name;
     std::string bytes;  // from the first block's end on (the header block is added)
@@ -94,33 +89,31 @@ std::vector<InPlaceRow> InPlaceRows() {
             {"NoFinalLineEnd", std::string(4095, 'a') + "\r\n" + std::string(9000, 'b')}};
 }
 
-}  // namespace
-
 // A large file section is counted where it stands, window by window, and
 // gives what reading it gives.
 TEST(ScanInPlace, CountsAsReadingDoes) {
-    ct::test::Scratch dir;
-    ct::SetMapWindowForTesting(4096);
+    Scratch dir;
+    SetMapWindowForTesting(4096);
     for (const InPlaceRow& row : InPlaceRows()) {
         // The header and an empty folder section fill the first block exactly.
         std::string head = "1|2|UDF|3|1|2048|";
         head += std::string(4096 - head.size() - 6, 'd') + "\r\n\r\n\r\n";
         const std::string path = dir.Write("c.idx", head + row.bytes);
-        ct::CatalogueCounter inPlace(8192, 1), reading(8192, UINT64_MAX);
-        const ct::CatalogueCounts a = inPlace.Count(path), b = reading.Count(path);
+        CatalogueCounter inPlace(8192, 1), reading(8192, UINT64_MAX);
+        const CatalogueCounts a = inPlace.Count(path), b = reading.Count(path);
         EXPECT_EQ(a.files, b.files) << row.name;
         EXPECT_GT(a.files, 0) << row.name;
     }
-    ct::SetMapWindowForTesting(std::size_t{4} << 20);
+    SetMapWindowForTesting(std::size_t{4} << 20);
 }
 
 // A file another program cuts short under the scan costs the scan, not the
 // program: the guard leaves it and the caller reads again.
 TEST(ScanInPlace, FileCutShortUnderTheScanIsSurvived) {
-    ct::test::Scratch dir;
+    Scratch dir;
     const std::string path = dir.Write("c.idx", std::string(3 * 4096, 'x'));
     std::uint64_t size = 0;
-    const ct::ReadFile file = ct::OpenForReading(path, nullptr, &size);
+    const ReadFile file = OpenForReading(path, nullptr, &size);
     ASSERT_TRUE(file);
     std::size_t seen = 0;
     EXPECT_TRUE(file->ScanInPlace(0, size, [&](const char* p, std::size_t n) {
@@ -136,3 +129,6 @@ TEST(ScanInPlace, FileCutShortUnderTheScanIsSurvived) {
     }));
     EXPECT_TRUE(cut);
 }
+
+}  // namespace
+}  // namespace ct

@@ -4,17 +4,18 @@
 
 #include <cstdint>
 #include <cstdlib>
-#include <fstream>
 #include <unistd.h>
 #include <string>
 #include <vector>
 
 #include "platform/volume.h"
+#include "support/discsums.h"
 #include "support/scratch.h"
 
 namespace ct {
 namespace {
 
+using test::DescriptorSums;
 using test::ReadAll;
 using test::Scratch;
 
@@ -29,15 +30,6 @@ std::string Quote(const std::string& text) {
 }
 
 bool RunQuiet(const std::string& command) { return std::system((command + " >/dev/null 2>&1").c_str()) == 0; }
-
-// The serial Windows gives a CD: four byte-wise sums over one descriptor,
-// the sum of the bytes at offsets 0, 4, 8 ... in the top byte.
-std::uint32_t DescriptorSums(const std::string& image, std::size_t sector) {
-    std::uint8_t s[4] = {};
-    for (std::size_t i = 0; i < 2048; ++i)
-        s[i % 4] = static_cast<std::uint8_t>(s[i % 4] + static_cast<unsigned char>(image[sector * 2048 + i]));
-    return static_cast<std::uint32_t>(s[0]) << 24 | s[1] << 16 | s[2] << 8 | s[3];
-}
 
 std::string MakeIso(const Scratch& s, const std::string& name, const std::string& label, bool joliet) {
     const std::string tree = s.Folder("tree");

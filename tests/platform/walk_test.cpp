@@ -4,7 +4,6 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
@@ -14,7 +13,6 @@
 #include <string>
 #include <vector>
 
-#include "core/catalogue.h"
 #include "support/scratch.h"
 
 namespace ct {
@@ -132,12 +130,6 @@ TEST(WalkFolder, DateIsTheCreationTimeInUtc) {
     ASSERT_EQ(files.size(), 1u);
     EXPECT_EQ(files[0].Date, expected);
 }
-
-}  // namespace
-}  // namespace ct
-
-namespace ct {
-namespace {
 
 // The discs of a data folder, from a tree of everything that may stand in
 // one: no folder, FIFO or link to a FIFO, and a link to nothing counts.
