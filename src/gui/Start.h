@@ -95,7 +95,7 @@ void Caption(QLabel* caption, QWidget* control);
 // message box's title taken from a menu entry.
 QString TitleText(int baseId);
 // `text` without its access-key marks ("&&" stays a literal ampersand).
-QString WithoutAccessKeys(QString text);
+QString WithoutAccessKeys(const QString& text);
 
 // twips -> pixels (96 DPI: 15 twips a pixel).
 constexpr int Tw(int twips) { return (twips + 7) / 15; }
