@@ -199,6 +199,7 @@ QString Say(const char* german, const char* english) {
 }
 
 void ReportFailure(QWidget* parent, const QString& title, const QString& head, const QString& reason) {
+    Normal();  // the message box sees the normal pointer
     seams::MessageBox(parent, title, reason.isEmpty() ? head : head + QStringLiteral("\n\n") + reason,
                       QMessageBox::Ok, QMessageBox::Ok, QMessageBox::Warning);
 }

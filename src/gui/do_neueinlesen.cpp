@@ -73,7 +73,6 @@ void DoNeuEinlesen() {
     SetAsideFile aside;
     Failure failure;
     if (!SetAside(seams::Files(), Start::DataFolder, label.toStdString(), aside, &failure)) {
-        Normal();
         Warn(haupt, Say("Die CD / DVD wird nicht neu eingelesen.", "The disc is not read anew."), failure);
         return;
     }

@@ -457,7 +457,6 @@ void frmHaupt::lstDaten_Click() {
         txtBeschreibungC->clear();
         OrdnerInfoLöschen();
         DateiInfoLöschen();
-        Normal();  // the message box sees the normal pointer
         ReportFailure(this, windowTitle(),
                       Say("Der Datenträger „%1“ kann nicht angezeigt werden.",
                           "The disc \"%1\" cannot be shown.")
