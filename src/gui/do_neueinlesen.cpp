@@ -39,7 +39,7 @@ void ReportKept(QWidget* parent, const SetAsideFile& file, RestoreResult result,
              Say("Der alte Katalog konnte nicht zurückgelegt werden. Er bleibt erhalten als „%1“.",
                  "The old catalogue could not be put back. It is kept as \"%1\".")
                  .arg(Q(file.path)),
-             why ? why : Fail(FailCode::Rename, file.path, 0, file.home));
+             why);
 }
 
 }  // namespace

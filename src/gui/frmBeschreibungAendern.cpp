@@ -151,21 +151,19 @@ void frmBeschreibungÄndern::cmdÄndern_Click() {
     txtNeueBeschreibung->setPlainText(text);
 
     const DescriptionTarget target = CurrentDescriptionTarget();
-    std::string error = target.ok ? std::string()
-                                  : Say("Es ist nichts gewählt, dessen Beschreibung sich ändern ließe.",
-                                        "Nothing is chosen whose description could change.")
-                                        .toStdString();
+    QString error = target.ok ? QString()
+                              : Say("Es ist nichts gewählt, dessen Beschreibung sich ändern ließe.",
+                                    "Nothing is chosen whose description could change.");
     if (target.ok) {
         const Failure failure = DescriptionRewrite(seams::Files(), Start::DataFolder, target.label,
                                                    target.isHeader, target.path, S(text));
-        error = FailureText(failure, Start::Language);
+        error = QString::fromStdString(FailureText(failure, Start::Language));
     }
-    if (!error.empty()) {
+    if (!error.isEmpty()) {
         // The caller's box keeps the text the catalogue holds, and the dialog
         // stays open with the new one, so nothing typed is lost.
         ReportFailure(this, windowTitle(),
-                      Say("Die Beschreibung wurde nicht gespeichert.", "The description was not stored."),
-                      QString::fromStdString(error));
+                      Say("Die Beschreibung wurde nicht gespeichert.", "The description was not stored."), error);
         return;
     }
     SetCallerDescription(text);
