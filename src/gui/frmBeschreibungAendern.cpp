@@ -116,15 +116,11 @@ frmBeschreibungÄndern::frmBeschreibungÄndern(QWidget* owner) : QDialog(owner) 
     txtNeueBeschreibung->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     txtNeueBeschreibung->setTabChangesFocus(true);
 
-    cmdÄndern = new QPushButton(this);
-    Place(cmdÄndern, 240, 1320, 1095, 375);
+    cmdÄndern = Button(this, 240, 1320, 1095, 375);
     cmdÄndern->setDefault(true);
-    QFont bold = cmdÄndern->font();
-    bold.setBold(true);
-    cmdÄndern->setFont(bold);
+    Bold(cmdÄndern);
 
-    cmdAbbrechen = new QPushButton(this);
-    Place(cmdAbbrechen, 2160, 1320, 1095, 375);
+    cmdAbbrechen = Button(this, 2160, 1320, 1095, 375);
 
     setTabOrder(txtNeueBeschreibung, cmdÄndern);
     setTabOrder(cmdÄndern, cmdAbbrechen);

@@ -120,9 +120,7 @@ frmSuchen::frmSuchen(QWidget* parent)
     txtBeschreibungText->setTabChangesFocus(true);
 
     cmdSuchen = Button(this, 5040, 240, 1695, 375);
-    QFont bold = cmdSuchen->font();
-    bold.setBold(true);
-    cmdSuchen->setFont(bold);
+    Bold(cmdSuchen);
     cmdSuchen->setDefault(true);
     cmdAbbrechen = Button(this, 5040, 720, 1695, 375);
 
