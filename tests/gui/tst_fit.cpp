@@ -2,13 +2,11 @@
 // both layouts, both languages, with the program's font and after a desktop
 // theme has set a larger one (as qt6ct does once the event loop runs). Values
 // are the longest a catalogue gives: a 12-digit size, a 19-character date.
-// With CARTULON_SHOTS=<folder> each window is also saved as a PNG to look at.
 #include <QAbstractButton>
 #include <QAccessible>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialog>
-#include <QDir>
 #include <QScreen>
 #include <QLabel>
 #include <QLineEdit>
@@ -74,13 +72,6 @@ QStringList Cut(QWidget* window, bool combos) {
     return cut;
 }
 
-void Shot(QWidget* window, const QString& name) {
-    const QString folder = qEnvironmentVariable("CARTULON_SHOTS");
-    if (folder.isEmpty()) return;
-    QDir().mkpath(folder);
-    window->grab().save(folder + QLatin1Char('/') + name + QStringLiteral(".png"));
-}
-
 }  // namespace
 
 class TstFit : public QObject {
@@ -121,11 +112,9 @@ private slots:
         QVERIFY(Select(haupt->lstDaten, QStringLiteral("Längste Werte")) >= 0);
         QVERIFY(Select(haupt->lstOrdner, QStringLiteral("\\Ordner")) >= 0);
         QCOMPARE(haupt->lblDD->text(), QStringLiteral("28.08.2028 08:08:08"));
-        const QString tag = QString::fromLatin1(QTest::currentDataTag());
 
         haupt->show();
         QStringList cut = Cut(haupt.get(), false);
-        Shot(haupt.get(), tag + QStringLiteral("-haupt"));
         Start::EditTarget = "CD";
         std::vector<std::pair<QString, std::unique_ptr<QWidget>>> dialogs;
         dialogs.emplace_back("frmSuchen", new frmSuchen(haupt.get()));
@@ -142,7 +131,6 @@ private slots:
             // The add dialog's drive list shows paths of this machine.
             for (const QString& line : Cut(d.get(), name != QLatin1String("frmHinzufuegen")))
                 cut << name + QStringLiteral(": ") + line;
-            Shot(d.get(), tag + QLatin1Char('-') + name);
             d->close();
         }
         QVERIFY2(cut.isEmpty(), qPrintable(cut.join(QLatin1Char('\n'))));
