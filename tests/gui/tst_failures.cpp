@@ -62,7 +62,7 @@ private slots:
         QFETCH(QString, head);
         QFETCH(QString, reason);
         GuiFixture fx(CARTULON_STAGE_DIR);
-        fx.WriteIni(language.toStdString(), "/media/cdrom", fx.DataFolder());
+        fx.WriteIni(language.toStdString(), "/media/cdrom");
         fx.WriteCatalogue("Fotos", ExampleCatalogue());
         fx.WriteCatalogue("Geheim", ExampleCatalogue());
         if (step == "start") fx.WriteFileRaw(fx.DataFolder() + "/.Alt.idx.reread", "x|0|||0|0|0|\r\n\r\n\r\n");
@@ -88,7 +88,6 @@ private slots:
             o.txtDatenpfad->setText(QString::fromStdString(fx.Folder()));
             o.cmdSpeichern->click();
         }
-        seams::SetFiles(nullptr);
         QVERIFY(!fx.messages.empty());
         const QString text = fx.messages.back().text;
         QVERIFY2(text.startsWith(head), qPrintable(text));

@@ -97,7 +97,7 @@ private slots:
         QVERIFY(fx.IsValid());
         UseProgramFont();
         fx.desktop = wide ? QSize(1280, 1024) : QSize(1000, 740);
-        fx.WriteIni(language.toStdString(), "/media/cdrom", fx.DataFolder());
+        fx.WriteIni(language.toStdString(), "/media/cdrom");
         fx.WriteCatalogue("Längste Werte", {"999999999999|-1029197328|UDF|999999999999|64|2048|Urlaub",
                                             "", "\\Ordner|RHSAD|28.08.2028 08:08:08|", "",
                                             "\\Ordner\\Datei.bin|999999999999|RHSAC|28.08.2028 08:08:08|"});
@@ -139,7 +139,7 @@ private slots:
     // A screen reader names each list and box after the caption above it.
     void controlsCarryTheirCaption() {
         GuiFixture fx(CARTULON_STAGE_DIR);
-        fx.WriteIni("10000", "/media/cdrom", fx.DataFolder());
+        fx.WriteIni("10000", "/media/cdrom");
         auto haupt = fx.StartMain();
         for (QWidget* w : std::initializer_list<QWidget*>{haupt->lstDaten, haupt->lstOrdner, haupt->lstDateien,
                                                            haupt->txtBeschreibungC, haupt->txtBeschreibungO,
@@ -193,7 +193,7 @@ private slots:
         QFETCH(QString, help);
         QFETCH(QString, topic);
         GuiFixture fx(CARTULON_STAGE_DIR);
-        fx.WriteIni(language.toStdString(), "/media/cdrom", fx.DataFolder());
+        fx.WriteIni(language.toStdString(), "/media/cdrom");
         auto haupt = fx.StartMain();
         Start::EditTarget = "Suchen";
         ShowBeschreibungAendern();
@@ -207,7 +207,6 @@ private slots:
     // Qt's own buttons follow the language, also after a change in the options.
     void qtDialogsSpeakTheLanguage() {
         GuiFixture fx(CARTULON_STAGE_DIR);
-        fx.WriteIni("0", "/media/cdrom", fx.DataFolder());
         auto haupt = fx.StartMain();
         auto yes = [] {
             QMessageBox box(QMessageBox::NoIcon, QString(), QString(), QMessageBox::Yes | QMessageBox::No);
@@ -233,7 +232,6 @@ private slots:
     // Enter in the language box saves, as everywhere in the window.
     void enterInTheLanguageBoxSaves() {
         GuiFixture fx(CARTULON_STAGE_DIR);
-        fx.WriteIni("0", "/media/cdrom", fx.DataFolder());
         auto haupt = fx.StartMain();
         frmOptionen o(haupt.get());
         o.show();
