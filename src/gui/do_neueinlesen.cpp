@@ -3,7 +3,6 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 
-#include "core/catalogue.h"
 #include "core/failure.h"
 #include "core/reread.h"
 #include "gui/Start.h"

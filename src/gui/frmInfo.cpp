@@ -13,7 +13,6 @@
 #include "gui/appicon.h"
 #include "gui/seams.h"
 #include "platform/system.h"
-#include "gui/frmHaupt.h"
 #include "gui/windows.h"
 
 namespace ct {

@@ -5,7 +5,6 @@
 #include <QLineEdit>
 #include <QPushButton>
 
-#include "core/catalogue.h"
 #include "core/failure.h"
 #include "core/options.h"
 #include "gui/Start.h"

@@ -4,11 +4,9 @@
 // can't go back at start, a move of the catalogues whose copy fails.
 #include <QLabel>
 #include <QLineEdit>
-#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QtTest>
 #include <cerrno>
-#include <filesystem>
 
 #include "core/fileops.h"
 #include "gui/Start.h"

@@ -3,8 +3,6 @@
 // theme has set a larger one (as qt6ct does once the event loop runs). Values
 // are the longest a catalogue gives: a 12-digit size, a 19-character date.
 #include <QAbstractButton>
-#include <QAccessible>
-#include <QCheckBox>
 #include <QComboBox>
 #include <QDialog>
 #include <QScreen>
