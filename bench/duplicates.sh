@@ -49,18 +49,16 @@ echo "collection: $discs catalogues, $((bytes / 1000000)) MB, $((files * discs))
 cat "$dir/Daten/"*.idx > /dev/null
 
 # Both sides interleaved (A B B A ...) by bench/cputime: CPU time from wait4
-# and wall time to the microsecond, median and best of RUNS each.
+# and wall time to the microsecond, median and best of RUNS each, and the
+# peak resident set (KiB) of each side's runs.
 timer=$build/bench/cputime
 [[ -x $timer ]] || { echo "no $timer: build the target cputime first" >&2; exit 2; }
-read -r dcm dc dwm dw scm sc swm sw < <("$timer" "$runs" "$dir/out" \
+read -r dcm dc dwm dw scm sc swm sw rss _ < <("$timer" "$runs" "$dir/out" \
     -- env LC_ALL=C "$cli" duplicates --format tsv --data-folder "$dir/Daten" \
     -- env LC_ALL=C "$cli" stats --data-folder "$dir/Daten")
-cp "$dir/out.a" "$dir/dups.out"
-rss=$( { /usr/bin/time -f "%M" env LC_ALL=C "$cli" duplicates --format tsv --data-folder "$dir/Daten" \
-    > /dev/null; } 2>&1 | tail -1)
 
 # The run must have found what was generated, or its time means nothing.
-groups=$(cut -f1 "$dir/dups.out" | sort -u | wc -l)
+groups=$(cut -f1 "$dir/out.a" | sort -u | wc -l)
 want=$(( (files / 100) * shared + (files % 100 < shared ? files % 100 : shared) ))
 (( groups == want )) || { echo "duplicates found $groups groups, want $want" >&2; exit 1; }
 

@@ -59,7 +59,7 @@ peak_kib() {
 }
 
 warm
-read -r C_OURS C_OURS_MIN T_OURS T_OURS_MIN C_REF C_REF_MIN T_REF T_REF_MIN <<< "$("$TIMER" "$RUNS" "$WORK/out" \
+read -r C_OURS C_OURS_MIN T_OURS T_OURS_MIN C_REF C_REF_MIN T_REF T_REF_MIN _ <<< "$("$TIMER" "$RUNS" "$WORK/out" \
     -- bash -c 'exec "$0" add "$1" --label "Lauf $$" --data-folder "$2"' "$CLI" "$ROOT" "$DATA" \
     -- bash -c 'exec find "$0" -printf "%B@ %s %m %p\n"' "$ROOT")"
 M_OURS=$(peak_kib "$CLI" add "$ROOT" --label "Speicher" --data-folder "$DATA")

@@ -52,6 +52,8 @@ std::vector<std::string_view> SplitLines(std::string_view text) {
     return lines;
 }
 
+}  // namespace
+
 std::string DropAccessKeys(std::string_view s) {
     std::string out;
     for (std::size_t i = 0; i < s.size(); ++i) {
@@ -66,8 +68,6 @@ std::string DropAccessKeys(std::string_view s) {
     }
     return out;
 }
-
-}  // namespace
 
 const HelpTopic* HelpFile::Find(std::string_view name) const {
     for (const auto& t : topics)

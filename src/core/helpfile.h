@@ -51,6 +51,10 @@ struct HelpFile {
     std::string HeaderValue(std::string_view key) const;
 };
 
+// A caption without its access-key marks: "&&" is a literal ampersand, any
+// other '&' marks the key that follows and is dropped.
+std::string DropAccessKeys(std::string_view s);
+
 HelpFile ParseHelpFile(std::string_view text);
 // False when the file can't be read; `out` is then empty.
 bool LoadHelpFile(const std::string& path, HelpFile& out);

@@ -16,6 +16,7 @@
 #include <unistd.h>
 #include <QWidget>
 
+#include "core/helpfile.h"
 #include "core/rddll.h"
 #include "core/settings.h"
 #include "gui/frmHaupt.h"
@@ -182,12 +183,8 @@ void UseQtLanguage() {
     }
 }
 
-QString WithoutAccessKeys(QString text) {
-    // "&&" is a literal ampersand, any other '&' marks the key that follows.
-    text.replace(QStringLiteral("&&"), QStringLiteral("\x01"));
-    text.remove(QLatin1Char('&'));
-    text.replace(QLatin1Char('\x01'), QLatin1Char('&'));
-    return text;
+QString WithoutAccessKeys(const QString& text) {
+    return QString::fromStdString(ct::DropAccessKeys(text.toStdString()));
 }
 
 void Caption(QLabel* caption, QWidget* control) {
@@ -202,6 +199,7 @@ QString Say(const char* german, const char* english) {
 }
 
 void ReportFailure(QWidget* parent, const QString& title, const QString& head, const QString& reason) {
+    Normal();  // the message box sees the normal pointer
     seams::MessageBox(parent, title, reason.isEmpty() ? head : head + QStringLiteral("\n\n") + reason,
                       QMessageBox::Ok, QMessageBox::Ok, QMessageBox::Warning);
 }

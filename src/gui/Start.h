@@ -83,7 +83,7 @@ QString Say(const char* german, const char* english);
 
 // The one way a window reports a failure: a warning titled `title`, with what
 // didn't happen (`head`) above why (`reason`, a FailureText in the language in
-// force), each said once.
+// force), each said once. The pointer is the arrow again first.
 void ReportFailure(QWidget* parent, const QString& title, const QString& head, const QString& reason);
 
 // A caption and the control it heads: the caption becomes the control's
@@ -95,7 +95,7 @@ void Caption(QLabel* caption, QWidget* control);
 // message box's title taken from a menu entry.
 QString TitleText(int baseId);
 // `text` without its access-key marks ("&&" stays a literal ampersand).
-QString WithoutAccessKeys(QString text);
+QString WithoutAccessKeys(const QString& text);
 
 // twips -> pixels (96 DPI: 15 twips a pixel).
 constexpr int Tw(int twips) { return (twips + 7) / 15; }

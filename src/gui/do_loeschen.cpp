@@ -28,7 +28,6 @@ void DoLoeschen() {
                                           Start::Language);
     if (!error.empty()) {
         // The entry stays while its catalogue does, chosen as before.
-        Normal();
         ReportFailure(main, ResourceText(10091), Say("Die CD / DVD wurde nicht gelöscht.", "The disc was not deleted."),
                       QString::fromStdString(error));
         return;

@@ -3,7 +3,6 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 
-#include "core/catalogue.h"
 #include "core/failure.h"
 #include "core/reread.h"
 #include "gui/Start.h"
@@ -39,7 +38,7 @@ void ReportKept(QWidget* parent, const SetAsideFile& file, RestoreResult result,
              Say("Der alte Katalog konnte nicht zurückgelegt werden. Er bleibt erhalten als „%1“.",
                  "The old catalogue could not be put back. It is kept as \"%1\".")
                  .arg(Q(file.path)),
-             why ? why : Fail(FailCode::Rename, file.path, 0, file.home));
+             why);
 }
 
 }  // namespace
@@ -73,7 +72,6 @@ void DoNeuEinlesen() {
     SetAsideFile aside;
     Failure failure;
     if (!SetAside(seams::Files(), Start::DataFolder, label.toStdString(), aside, &failure)) {
-        Normal();
         Warn(haupt, Say("Die CD / DVD wird nicht neu eingelesen.", "The disc is not read anew."), failure);
         return;
     }

@@ -116,15 +116,11 @@ frmBeschreibungÄndern::frmBeschreibungÄndern(QWidget* owner) : QDialog(owner) 
     txtNeueBeschreibung->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     txtNeueBeschreibung->setTabChangesFocus(true);
 
-    cmdÄndern = new QPushButton(this);
-    Place(cmdÄndern, 240, 1320, 1095, 375);
+    cmdÄndern = Button(this, 240, 1320, 1095, 375);
     cmdÄndern->setDefault(true);
-    QFont bold = cmdÄndern->font();
-    bold.setBold(true);
-    cmdÄndern->setFont(bold);
+    Bold(cmdÄndern);
 
-    cmdAbbrechen = new QPushButton(this);
-    Place(cmdAbbrechen, 2160, 1320, 1095, 375);
+    cmdAbbrechen = Button(this, 2160, 1320, 1095, 375);
 
     setTabOrder(txtNeueBeschreibung, cmdÄndern);
     setTabOrder(cmdÄndern, cmdAbbrechen);
@@ -151,21 +147,19 @@ void frmBeschreibungÄndern::cmdÄndern_Click() {
     txtNeueBeschreibung->setPlainText(text);
 
     const DescriptionTarget target = CurrentDescriptionTarget();
-    std::string error = target.ok ? std::string()
-                                  : Say("Es ist nichts gewählt, dessen Beschreibung sich ändern ließe.",
-                                        "Nothing is chosen whose description could change.")
-                                        .toStdString();
+    QString error = target.ok ? QString()
+                              : Say("Es ist nichts gewählt, dessen Beschreibung sich ändern ließe.",
+                                    "Nothing is chosen whose description could change.");
     if (target.ok) {
         const Failure failure = DescriptionRewrite(seams::Files(), Start::DataFolder, target.label,
                                                    target.isHeader, target.path, S(text));
-        error = FailureText(failure, Start::Language);
+        error = QString::fromStdString(FailureText(failure, Start::Language));
     }
-    if (!error.empty()) {
+    if (!error.isEmpty()) {
         // The caller's box keeps the text the catalogue holds, and the dialog
         // stays open with the new one, so nothing typed is lost.
         ReportFailure(this, windowTitle(),
-                      Say("Die Beschreibung wurde nicht gespeichert.", "The description was not stored."),
-                      QString::fromStdString(error));
+                      Say("Die Beschreibung wurde nicht gespeichert.", "The description was not stored."), error);
         return;
     }
     SetCallerDescription(text);

@@ -27,14 +27,10 @@ frmBezeichnungÄndern::frmBezeichnungÄndern(QWidget* owner) : QDialog(owner) {
     txtBezeichnung = new QLineEdit(this);
     Place(txtBezeichnung, 240, 480, 3015, 285);
 
-    cmdÄndern = new QPushButton(this);
-    Place(cmdÄndern, 240, 960, 1095, 375);
+    cmdÄndern = Button(this, 240, 960, 1095, 375);
     cmdÄndern->setDefault(true);
-    QFont bold = cmdÄndern->font();
-    bold.setBold(true);
-    cmdÄndern->setFont(bold);
-    cmdAbbrechen = new QPushButton(this);
-    Place(cmdAbbrechen, 2160, 960, 1095, 375);
+    Bold(cmdÄndern);
+    cmdAbbrechen = Button(this, 2160, 960, 1095, 375);
 
     setTabOrder(txtBezeichnung, cmdÄndern);
     setTabOrder(cmdÄndern, cmdAbbrechen);

@@ -73,14 +73,10 @@ void frmHaupt::buildControls() {
     central = new QWidget(this);
     setCentralWidget(central);
 
-    cmdSuchen = new QPushButton(central);
-    Place(cmdSuchen, 360, 240, 2895, 735);
-    QFont bold = cmdSuchen->font();
-    bold.setBold(true);
-    cmdSuchen->setFont(bold);
+    cmdSuchen = Button(central, 360, 240, 2895, 735);
+    Bold(cmdSuchen);
     cmdSuchen->setDefault(true);
-    cmdHinzufügen = new QPushButton(central);
-    Place(cmdHinzufügen, 9840, 240, 1695, 735);
+    cmdHinzufügen = Button(central, 9840, 240, 1695, 735);
 
     auto frame = [this](int left, int top, int width, int height) {
         auto* f = new QFrame(central);
@@ -106,8 +102,7 @@ void frmHaupt::buildControls() {
         *values[i] = Label(fraCD, 1560, rows[i], 1575);
     }
     lblBeschreibungC = Label(fraCD, 120, 4920, 2175);
-    cmdÄndernC = new QPushButton(fraCD);
-    Place(cmdÄndernC, 2280, 4860, 855, 315);
+    cmdÄndernC = Button(fraCD, 2280, 4860, 855, 315);
     txtBeschreibungC = DescriptionBox(fraCD, 120, 5160, 3015, 600);
 
     // Folder and file panes share one plan.
@@ -126,8 +121,7 @@ void frmHaupt::buildControls() {
     lblDatumO = Label(fraOrdner, 5280, 1200, 1335);
     lblDO = Label(fraOrdner, 6720, 1200, 1575);
     lblBeschreibungO = Label(fraOrdner, 5280, 2040, 2055);
-    cmdÄndernO = new QPushButton(fraOrdner);
-    Place(cmdÄndernO, 7320, 1980, 975, 315);
+    cmdÄndernO = Button(fraOrdner, 7320, 1980, 975, 315);
     txtBeschreibungO = DescriptionBox(fraOrdner, 5280, 2280, 3015, 600);
 
     fraDateien = frame(3350, 4080, 8415, 3015);
@@ -142,8 +136,7 @@ void frmHaupt::buildControls() {
     lblDatumD = Label(fraDateien, 5280, 960, 1335);
     lblDD = Label(fraDateien, 6720, 960, 1575);
     lblBeschreibungD = Label(fraDateien, 5280, 2040, 2055);
-    cmdÄndernD = new QPushButton(fraDateien);
-    Place(cmdÄndernD, 7320, 1980, 975, 315);
+    cmdÄndernD = Button(fraDateien, 7320, 1980, 975, 315);
     txtBeschreibungD = DescriptionBox(fraDateien, 5280, 2280, 3015, 600);
 
     // A value column is 105 px wide and its longest value, a date with the
@@ -457,7 +450,6 @@ void frmHaupt::lstDaten_Click() {
         txtBeschreibungC->clear();
         OrdnerInfoLöschen();
         DateiInfoLöschen();
-        Normal();  // the message box sees the normal pointer
         ReportFailure(this, windowTitle(),
                       Say("Der Datenträger „%1“ kann nicht angezeigt werden.",
                           "The disc \"%1\" cannot be shown.")

@@ -33,12 +33,9 @@ frmHistorie::frmHistorie(QWidget* parent) : QDialog(parent) {
     pal.setColor(QPalette::Base, pal.color(QPalette::Button));
     txtHistorie->setPalette(pal);
 
-    cmdOK = new QPushButton(this);
-    Place(cmdOK, 2880, 6720, 1635, 495);
+    cmdOK = Button(this, 2880, 6720, 1635, 495);
     cmdOK->setDefault(true);
-    QFont bold = cmdOK->font();
-    bold.setBold(true);
-    cmdOK->setFont(bold);
+    Bold(cmdOK);
     // Default and cancel button at once: Enter and Esc both close.
     connect(cmdOK, &QPushButton::clicked, this, &QDialog::accept);
 

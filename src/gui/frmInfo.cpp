@@ -13,7 +13,6 @@
 #include "gui/appicon.h"
 #include "gui/seams.h"
 #include "platform/system.h"
-#include "gui/frmHaupt.h"
 #include "gui/windows.h"
 
 namespace ct {
@@ -107,12 +106,9 @@ frmInfo::frmInfo(QWidget* parent) : QDialog(parent) {
     // lbl(2) takes its pointer from lbl(1), as it was designed.
     lbl[2]->setCursor(lbl[1]->cursor());
 
-    cmdOK = new QPushButton(this);
-    Place(cmdOK, 1800, 6720, 1755, 495);
+    cmdOK = Button(this, 1800, 6720, 1755, 495);
     cmdOK->setDefault(true);
-    QFont bold = cmdOK->font();
-    bold.setBold(true);
-    cmdOK->setFont(bold);
+    Bold(cmdOK);
     connect(cmdOK, &QPushButton::clicked, this, &QDialog::close);
 
     InstallHelpKey(this, 10023);

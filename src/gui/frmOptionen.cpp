@@ -5,7 +5,6 @@
 #include <QLineEdit>
 #include <QPushButton>
 
-#include "core/catalogue.h"
 #include "core/failure.h"
 #include "core/options.h"
 #include "gui/Start.h"
@@ -50,14 +49,10 @@ frmOptionen::frmOptionen(QWidget* parent) : QDialog(parent) {
     txtDatenpfad = new QLineEdit(this);
     Place(txtDatenpfad, 2400, 1440, 3840, 285);
 
-    cmdSpeichern = new QPushButton(this);
-    Place(cmdSpeichern, 240, 1920, 1575, 375);
+    cmdSpeichern = Button(this, 240, 1920, 1575, 375);
     cmdSpeichern->setDefault(true);
-    QFont bold = cmdSpeichern->font();
-    bold.setBold(true);
-    cmdSpeichern->setFont(bold);
-    cmdAbbrechen = new QPushButton(this);
-    Place(cmdAbbrechen, 4680, 1920, 1575, 375);
+    Bold(cmdSpeichern);
+    cmdAbbrechen = Button(this, 4680, 1920, 1575, 375);
 
     connect(cmdSpeichern, &QPushButton::clicked, this, [this] { cmdSpeichern_Click(); });
     connect(cmdAbbrechen, &QPushButton::clicked, this, &QDialog::reject);

@@ -30,11 +30,9 @@ frmSprache::frmSprache(QWidget* parent)
     cboSprache->addItems({QStringLiteral("Deutsch"), QStringLiteral("English")});
     cboSprache->setCurrentIndex(-1);
 
-    cmdOK = new QPushButton(QStringLiteral("OK"), this);
-    Place(cmdOK, 1560, 1560, 1515, 375);
-    QFont bold = cmdOK->font();
-    bold.setBold(true);
-    cmdOK->setFont(bold);
+    cmdOK = Button(this, 1560, 1560, 1515, 375);
+    cmdOK->setText(QStringLiteral("OK"));
+    Bold(cmdOK);
     cmdOK->setDefault(true);
     connect(cmdOK, &QPushButton::clicked, this, [this] { cmdOK_Click(); });
 }

@@ -34,14 +34,10 @@ frmStatistik::frmStatistik(QWidget* owner) : QDialog(owner) {
     setModal(true);
     setFixedSize(Tw(8295), Tw(3705));
 
-    cmdStatistikErstellen = new QPushButton(this);
-    Place(cmdStatistikErstellen, 240, 240, 2295, 615);
+    cmdStatistikErstellen = Button(this, 240, 240, 2295, 615);
     cmdStatistikErstellen->setDefault(true);
-    QFont bold = cmdStatistikErstellen->font();
-    bold.setBold(true);
-    cmdStatistikErstellen->setFont(bold);
-    cmdAbbrechen = new QPushButton(this);
-    Place(cmdAbbrechen, 5760, 240, 2295, 615);
+    Bold(cmdStatistikErstellen);
+    cmdAbbrechen = Button(this, 5760, 240, 2295, 615);
 
     const int tops[] = {1200, 1560, 1800, 2040, 2400, 2640, 2880};
     QLabel** captions[] = {&lblAnzahl, &lblGesamtgröße, &lblGesamtanzahlO, &lblGesamtanzahlD,

@@ -2,13 +2,9 @@
 // both layouts, both languages, with the program's font and after a desktop
 // theme has set a larger one (as qt6ct does once the event loop runs). Values
 // are the longest a catalogue gives: a 12-digit size, a 19-character date.
-// With CARTULON_SHOTS=<folder> each window is also saved as a PNG to look at.
 #include <QAbstractButton>
-#include <QAccessible>
-#include <QCheckBox>
 #include <QComboBox>
 #include <QDialog>
-#include <QDir>
 #include <QScreen>
 #include <QLabel>
 #include <QLineEdit>
@@ -74,13 +70,6 @@ QStringList Cut(QWidget* window, bool combos) {
     return cut;
 }
 
-void Shot(QWidget* window, const QString& name) {
-    const QString folder = qEnvironmentVariable("CARTULON_SHOTS");
-    if (folder.isEmpty()) return;
-    QDir().mkpath(folder);
-    window->grab().save(folder + QLatin1Char('/') + name + QStringLiteral(".png"));
-}
-
 }  // namespace
 
 class TstFit : public QObject {
@@ -106,7 +95,7 @@ private slots:
         QVERIFY(fx.IsValid());
         UseProgramFont();
         fx.desktop = wide ? QSize(1280, 1024) : QSize(1000, 740);
-        fx.WriteIni(language.toStdString(), "/media/cdrom", fx.DataFolder());
+        fx.WriteIni(language.toStdString(), "/media/cdrom");
         fx.WriteCatalogue("Längste Werte", {"999999999999|-1029197328|UDF|999999999999|64|2048|Urlaub",
                                             "", "\\Ordner|RHSAD|28.08.2028 08:08:08|", "",
                                             "\\Ordner\\Datei.bin|999999999999|RHSAC|28.08.2028 08:08:08|"});
@@ -121,11 +110,9 @@ private slots:
         QVERIFY(Select(haupt->lstDaten, QStringLiteral("Längste Werte")) >= 0);
         QVERIFY(Select(haupt->lstOrdner, QStringLiteral("\\Ordner")) >= 0);
         QCOMPARE(haupt->lblDD->text(), QStringLiteral("28.08.2028 08:08:08"));
-        const QString tag = QString::fromLatin1(QTest::currentDataTag());
 
         haupt->show();
         QStringList cut = Cut(haupt.get(), false);
-        Shot(haupt.get(), tag + QStringLiteral("-haupt"));
         Start::EditTarget = "CD";
         std::vector<std::pair<QString, std::unique_ptr<QWidget>>> dialogs;
         dialogs.emplace_back("frmSuchen", new frmSuchen(haupt.get()));
@@ -142,7 +129,6 @@ private slots:
             // The add dialog's drive list shows paths of this machine.
             for (const QString& line : Cut(d.get(), name != QLatin1String("frmHinzufuegen")))
                 cut << name + QStringLiteral(": ") + line;
-            Shot(d.get(), tag + QLatin1Char('-') + name);
             d->close();
         }
         QVERIFY2(cut.isEmpty(), qPrintable(cut.join(QLatin1Char('\n'))));
@@ -151,7 +137,7 @@ private slots:
     // A screen reader names each list and box after the caption above it.
     void controlsCarryTheirCaption() {
         GuiFixture fx(CARTULON_STAGE_DIR);
-        fx.WriteIni("10000", "/media/cdrom", fx.DataFolder());
+        fx.WriteIni("10000", "/media/cdrom");
         auto haupt = fx.StartMain();
         for (QWidget* w : std::initializer_list<QWidget*>{haupt->lstDaten, haupt->lstOrdner, haupt->lstDateien,
                                                            haupt->txtBeschreibungC, haupt->txtBeschreibungO,
@@ -205,7 +191,7 @@ private slots:
         QFETCH(QString, help);
         QFETCH(QString, topic);
         GuiFixture fx(CARTULON_STAGE_DIR);
-        fx.WriteIni(language.toStdString(), "/media/cdrom", fx.DataFolder());
+        fx.WriteIni(language.toStdString(), "/media/cdrom");
         auto haupt = fx.StartMain();
         Start::EditTarget = "Suchen";
         ShowBeschreibungAendern();
@@ -219,7 +205,6 @@ private slots:
     // Qt's own buttons follow the language, also after a change in the options.
     void qtDialogsSpeakTheLanguage() {
         GuiFixture fx(CARTULON_STAGE_DIR);
-        fx.WriteIni("0", "/media/cdrom", fx.DataFolder());
         auto haupt = fx.StartMain();
         auto yes = [] {
             QMessageBox box(QMessageBox::NoIcon, QString(), QString(), QMessageBox::Yes | QMessageBox::No);
@@ -245,7 +230,6 @@ private slots:
     // Enter in the language box saves, as everywhere in the window.
     void enterInTheLanguageBoxSaves() {
         GuiFixture fx(CARTULON_STAGE_DIR);
-        fx.WriteIni("0", "/media/cdrom", fx.DataFolder());
         auto haupt = fx.StartMain();
         frmOptionen o(haupt.get());
         o.show();

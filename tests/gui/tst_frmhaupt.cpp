@@ -39,7 +39,7 @@ private slots:
     void normalStart() {
         GuiFixture fx(CARTULON_STAGE_DIR);
         QVERIFY(fx.IsValid());
-        fx.WriteIni("10000", "/media/cd", fx.DataFolder());
+        fx.WriteIni("10000", "/media/cd");
         fx.WriteCatalogue("Fotos", ExampleCatalogue());
         fx.WriteCatalogue("alt", ExampleCatalogue(), "sub");
         auto h = fx.StartMain();

@@ -22,7 +22,7 @@ class TstFrmOptionen : public QObject {
 private slots:
     void languageReachesTheMainWindow() {
         GuiFixture fx(CARTULON_STAGE_DIR);
-        fx.WriteIni("0", "/media/cd", fx.DataFolder());
+        fx.WriteIni("0", "/media/cd");
         auto haupt = fx.StartMain();
         {
             frmOptionen o(haupt.get());
