@@ -95,11 +95,9 @@ void SortForList(std::vector<std::string>& texts) {
         if (x.head != y.head) return x.head < y.head;
         return key(x.index) < key(y.index);
     });
-    std::vector<std::size_t> order(texts.size());
-    for (std::size_t i = 0; i < items.size(); ++i) order[i] = items[i].index;
     std::vector<std::string> sorted;
     sorted.reserve(texts.size());
-    for (std::size_t i : order) sorted.push_back(std::move(texts[i]));
+    for (const Item& it : items) sorted.push_back(std::move(texts[it.index]));
     texts = std::move(sorted);
 }
 

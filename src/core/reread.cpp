@@ -15,11 +15,6 @@ constexpr std::string_view kSuffix = ".idx.reread";
 constexpr std::string_view kShortSuffix = ".rr";
 constexpr std::size_t kNameMax = 255;
 
-std::string Join(const std::string& folder, const std::string& name) {
-    if (folder.empty()) return name;
-    if (folder.back() == '/') return folder + name;
-    return folder + "/" + name;
-}
 
 }  // namespace
 

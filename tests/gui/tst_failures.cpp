@@ -17,6 +17,7 @@
 #include "gui/windows.h"
 #include "support/GuiFixture.h"
 #include "support/faultyops.h"
+#include "support/openers.h"
 #include "support/scratch.h"
 
 using namespace ct;
@@ -69,9 +70,11 @@ private slots:
         auto haupt = fx.StartMain();
         if (step != "start") fx.messages.clear();
         if (step == "click") {
-            gReal = SetReadOpener(&DenyGeheim);
-            Select(haupt->lstDaten, QStringLiteral("Geheim"));
-            SetReadOpener(gReal);
+            {
+                const test::ReadOpenerScope deny(&DenyGeheim);
+                gReal = deny.Previous();
+                Select(haupt->lstDaten, QStringLiteral("Geheim"));
+            }
             QCOMPARE(haupt->lstOrdner->ListCount(), 0);  // no disc without folders
             QVERIFY(haupt->lblGC->text().isEmpty());
         } else if (step == "reread") {

@@ -15,6 +15,9 @@ public:
         SetReadOpener(read_);
         SetFolderOpener(folder_);
     }
+    // The read opener this one stands in for, for a test opener that hands
+    // on what it doesn't refuse.
+    ReadOpener Previous() const { return read_; }
     ReadOpenerScope(const ReadOpenerScope&) = delete;
     ReadOpenerScope& operator=(const ReadOpenerScope&) = delete;
 
