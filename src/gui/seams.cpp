@@ -24,6 +24,12 @@ QMessageBox::StandardButton MessageBox(QWidget* parent, const QString& title, co
                                        QMessageBox::StandardButtons buttons,
                                        QMessageBox::StandardButton defaultButton,
                                        QMessageBox::Icon icon) {
+    // A box always shows the arrow, over a wait pointer its caller may still
+    // have up (a question asked, or a failure told, in the middle of work).
+    QGuiApplication::setOverrideCursor(Qt::ArrowCursor);
+    const struct Restore {
+        ~Restore() { QGuiApplication::restoreOverrideCursor(); }
+    } restore;
     if (messageBoxFn()) return messageBoxFn()(parent, title, text, buttons, defaultButton, icon);
     QMessageBox box(icon, title, text, buttons, parent);
     if (defaultButton != QMessageBox::NoButton) box.setDefaultButton(defaultButton);

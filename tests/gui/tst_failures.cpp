@@ -96,6 +96,7 @@ private slots:
         QVERIFY2(text.endsWith(QStringLiteral(" (%1).").arg(reason)),  // the reason in the chosen language
                  qPrintable(text));
         QVERIFY(QGuiApplication::overrideCursor() == nullptr);  // a message box sees the normal pointer
+        for (const MessageCall& m : fx.messages) QVERIFY2(!m.waitPointer, qPrintable(m.text));
     }
 
     // The add window's boxes come after the read: the wait pointer has gone.
@@ -113,13 +114,6 @@ private slots:
         disc.Write("liesmich.txt", "Hallo");
         frmHinzufügen::DriveList = [&disc] { return std::vector<Drive>{{disc.Path(), "EINS", disc.Path(), false}}; };
         auto haupt = fx.StartMain();
-        std::vector<bool> busy;
-        seams::SetMessageBox([&](QWidget*, const QString& t, const QString&, QMessageBox::StandardButtons,
-                                 QMessageBox::StandardButton, QMessageBox::Icon) {
-            busy.push_back(QGuiApplication::overrideCursor() != nullptr);
-            fx.messages.push_back({t, {}, {}, {}, {}});
-            return QMessageBox::Ok;
-        });
         FaultyOps ops{static_cast<Fault>(fault)};
         seams::SetFiles(&ops);
         {
@@ -129,7 +123,8 @@ private slots:
         }
         seams::SetFiles(nullptr);
         frmHinzufügen::DriveList = {};
-        QCOMPARE(busy, std::vector<bool>{false});
+        QCOMPARE(fx.messages.size(), std::size_t{1});
+        QVERIFY(!fx.messages.back().waitPointer);
         QCOMPARE(fx.messages.back().title, title);
     }
 };

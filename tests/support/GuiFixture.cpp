@@ -1,6 +1,8 @@
 #include "GuiFixture.h"
 
+#include <QCursor>
 #include <QDir>
+#include <QGuiApplication>
 #include <QFile>
 #include <fstream>
 
@@ -27,7 +29,8 @@ GuiFixture::GuiFixture(const std::string& stageDir) {
     seams::SetMessageBox([this](QWidget*, const QString& title, const QString& text,
                                 QMessageBox::StandardButtons buttons, QMessageBox::StandardButton defaultButton,
                                 QMessageBox::Icon icon) {
-        messages.push_back({title, text, buttons, defaultButton, icon});
+        const QCursor* pointer = QGuiApplication::overrideCursor();
+        messages.push_back({title, text, buttons, defaultButton, icon, pointer && pointer->shape() == Qt::WaitCursor});
         if (answers.empty()) return defaultButton;
         const QMessageBox::StandardButton answer = answers.front();
         answers.pop_front();

@@ -28,6 +28,7 @@ struct MessageCall {
     QMessageBox::StandardButtons buttons;
     QMessageBox::StandardButton defaultButton;
     QMessageBox::Icon icon;
+    bool waitPointer = false;  // the wait pointer showed while the box was up
 };
 
 class GuiFixture {
