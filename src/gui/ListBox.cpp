@@ -27,19 +27,21 @@ namespace {
 constexpr int kKeyRole = Qt::UserRole + 7;
 }
 
-QByteArray ListBox::keyFor(const QString& text) const {
+QByteArray ListBox::keyFor(const QString& text, const std::string& sortKey) const {
     // '\0' sorts before every key's first byte but another '\0'; a pinned
     // item gets "\0\0", every other key begins with "\1".
     if (!pinned_.isEmpty() && text == pinned_) return QByteArray(2, '\0');
-    const std::string sortKey = SortKey(text.toStdString());
-    QByteArray key;
-    key.reserve(static_cast<qsizetype>(sortKey.size() + 1));
-    key.append('\1');
+    QByteArray key(1, '\1');
     key.append(sortKey.data(), static_cast<qsizetype>(sortKey.size()));
     return key;
 }
 
-QByteArray ListBox::keyOf(int row) const { return item(row)->data(kKeyRole).toByteArray(); }
+QByteArray ListBox::keyOf(int row) const {
+    const QListWidgetItem* it = item(row);
+    const QVariant stored = it->data(kKeyRole);
+    if (stored.isValid()) return stored.toByteArray();
+    return keyFor(it->text(), SortKey(it->text().toStdString()));
+}
 
 int ListBox::sortedPlace(const QByteArray& key) const {
     // Behind any equal item: a name added twice keeps the order it came in.
@@ -54,65 +56,60 @@ int ListBox::sortedPlace(const QByteArray& key) const {
     return lo;
 }
 
-void ListBox::insertKeyed(const QString& text, const QByteArray& key) {
+void ListBox::AddItem(const QString& text) { AddItem(text, SortKey(text.toStdString())); }
+
+void ListBox::AddItem(const QString& text, const std::string& sortKey) {
+    Quiet q(quiet_);
+    const QByteArray key = keyFor(text, sortKey);
     auto* it = new QListWidgetItem(text);
     it->setData(kKeyRole, key);
     insertItem(sortedPlace(key), it);
 }
 
-void ListBox::AddItem(const QString& text) {
-    Quiet q(quiet_);
-    insertKeyed(text, keyFor(text));
-}
-
 void ListBox::AddItems(QStringList texts) {
     if (texts.isEmpty()) return;
     Quiet q(quiet_);
-    // A few items against a long list: each at its sorted place costs less
-    // than rebuilding every row.
-    if (static_cast<std::size_t>(texts.size()) * 8 < static_cast<std::size_t>(count())) {
-        for (const QString& t : texts) insertKeyed(t, keyFor(t));
-        return;
-    }
     // Each text's key once: a large disc's root lists tens of thousands of names.
     struct Keyed {
-        QByteArray key;
+        std::string key;
         QString text;
     };
     std::vector<Keyed> keyed;
     keyed.reserve(static_cast<std::size_t>(texts.size()));
     for (QString& t : texts) {
-        QByteArray k = keyFor(t);
-        keyed.push_back({std::move(k), std::move(t)});
+        const QByteArray k = keyFor(t, SortKey(t.toStdString()));
+        keyed.push_back({k.toStdString(), std::move(t)});
     }
-    // Stable, so equal keys keep the order they came in, as one by one.
-    std::stable_sort(keyed.begin(), keyed.end(), [](const Keyed& a, const Keyed& b) { return a.key < b.key; });
-    // Merge with what stands in the list (the keys kept on its items),
-    // keeping the choice on its item.
+    std::sort(keyed.begin(), keyed.end(), [](const Keyed& a, const Keyed& b) { return a.key < b.key; });
+    texts.clear();
+    if (count() == 0) {
+        for (Keyed& k : keyed) texts.append(std::move(k.text));
+        addItems(texts);
+        return;
+    }
+    // Merge with what stands in the list, keeping the choice on its item.
     const int chosen = ListIndex();
-    std::vector<Keyed> merged;
-    merged.reserve(static_cast<std::size_t>(count()) + keyed.size());
+    std::vector<Keyed> old;
+    old.reserve(static_cast<std::size_t>(count()));
+    for (int i = 0; i < count(); ++i) old.push_back({keyOf(i).toStdString(), item(i)->text()});
+    texts.reserve(static_cast<qsizetype>(old.size() + keyed.size()));
     int newChosen = -1;
-    int a = 0;
+    auto a = old.begin();
     auto b = keyed.begin();
-    while (a < count() || b != keyed.end()) {
-        const bool takeOld = b == keyed.end() || (a < count() && !(b->key < keyOf(a)));
+    while (a != old.end() || b != keyed.end()) {
+        const bool takeOld = b == keyed.end() || (a != old.end() && !(b->key < a->key));
         if (takeOld) {
-            if (a == chosen) newChosen = static_cast<int>(merged.size());
-            merged.push_back({keyOf(a), item(a)->text()});
-            ++a;
+            if (a - old.begin() == chosen) newChosen = static_cast<int>(texts.size());
+            texts.append(std::move((a++)->text));
         } else {
-            merged.push_back(std::move(*b++));
+            texts.append(std::move((b++)->text));
         }
     }
-    // One insertion of all rows, then each row's key back on its item, so
-    // later single additions find them.
-    texts.clear();
-    texts.reserve(static_cast<qsizetype>(merged.size()));
-    for (const Keyed& k : merged) texts.append(k.text);
+    // One insertion of all rows, without their keys: setting a key on each
+    // row cost more than making the keys again where they are needed (a few
+    // per binary search of a single item, each row's at the next merge).
     QListWidget::clear();
     addItems(texts);
-    for (int i = 0; i < count(); ++i) item(i)->setData(kKeyRole, merged[static_cast<std::size_t>(i)].key);
     if (newChosen >= 0) setCurrentRow(newChosen, QItemSelectionModel::ClearAndSelect);
 }
 

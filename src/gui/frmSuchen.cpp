@@ -52,7 +52,8 @@ const char* const kAttributeRows[] = {"R H",   "R H S",   "R H S A", "R H S A T"
 
 // The hit list as the engine's receiver; the list takes kHitLimit hits. The
 // hits of one disc wait until the disc is done (the window shows nothing in
-// between anyway) and then go in at once.
+// between anyway) and then go in at once: a large batch sorted on keys made
+// once and merged, a small one each at its sorted place.
 class ListSink : public HitSink {
 public:
     explicit ListSink(ListBox* list) : list_(list) {}
@@ -63,10 +64,14 @@ public:
     }
     std::size_t Count() const override { return static_cast<std::size_t>(list_->count()) + pending_.size(); }
     void Flush() {
-        QStringList texts;
-        texts.reserve(static_cast<qsizetype>(pending_.size()));
-        for (const std::string& h : pending_) texts.append(Q(h));
-        list_->AddItems(std::move(texts));
+        if (pending_.size() * 8 >= static_cast<std::size_t>(list_->count())) {
+            QStringList texts;
+            texts.reserve(static_cast<qsizetype>(pending_.size()));
+            for (const std::string& h : pending_) texts.append(Q(h));
+            list_->AddItems(std::move(texts));
+        } else {
+            for (const std::string& h : pending_) list_->AddItem(Q(h), SortKey(h));
+        }
         pending_.clear();
     }
 
