@@ -66,9 +66,10 @@ int RunDuplicates(Context& ctx) {
             number = std::to_string(++listed);
             ValueInto(ctx, g.name, false, name);
             size = std::to_string(g.size);
+            records.Lead({number, name, size});
             for (const std::string_view h : g.hits) {
                 if (slashes) ValueInto(ctx, h, true, value);
-                records.Add({number, name, size, slashes ? std::string_view(value) : h});
+                records.AddLed(slashes ? std::string_view(value) : h);
             }
             return !ctx.OutputGone();
         });

@@ -111,26 +111,57 @@ void Records::Add(const std::vector<std::string>& values) {
     Add(v, values.size());
 }
 
+namespace {
+
+// A tab or a line break inside a value would split the record: they become
+// blanks.
+void AppendTsvField(std::string& line, std::string_view v) {
+    const bool split = HasControl(v);
+    const std::size_t at = line.size();
+    line += v;
+    if (split)
+        for (auto c = line.begin() + static_cast<std::ptrdiff_t>(at); c != line.end(); ++c)
+            if (*c == '\t' || *c == '\n' || *c == '\r') *c = ' ';
+}
+
+}  // namespace
+
+void Records::Lead(std::initializer_list<std::string_view> values) {
+    lead_.clear();
+    leadValues_.assign(values.begin(), values.end());
+    if (format_ != Format::Tsv) return;
+    for (const std::string_view v : values) {
+        AppendTsvField(lead_, v);
+        lead_ += '\t';
+    }
+}
+
+void Records::AddLed(std::string_view last) {
+    if (format_ != Format::Tsv) {
+        std::vector<std::string_view> values(leadValues_.begin(), leadValues_.end());
+        values.push_back(last);
+        Add(values.data(), values.size());
+        return;
+    }
+    line_ += lead_;
+    AppendTsvField(line_, last);
+    line_ += '\n';
+    if (line_.size() >= kFlushAt) Flush();
+    ++count_;
+}
+
 void Records::Add(const std::string_view* values, std::size_t count) {
     std::ostream& out = *ctx_.out;
     if (format_ == Format::Tsv) {
-        // A tab or a line break inside a value would split the record: they
-        // become blanks. Records are made whole in one buffer and written
-        // some tens of kilobytes at a time: a stream call per byte, and then
-        // one per record, cost more than all the rest of a long listing.
-        std::string& line = line_;
+        // Records are made whole in one buffer and written some tens of
+        // kilobytes at a time: a stream call per byte, and then one per
+        // record, cost more than all the rest of a long listing.
         for (std::size_t i = 0; i < count; ++i) {
-            if (i) line += '\t';
-            const std::string_view v = values[i];
-            const bool split = HasControl(v);
-            const std::size_t at = line.size();
-            line += v;
-            if (split)
-                for (auto c = line.begin() + static_cast<std::ptrdiff_t>(at); c != line.end(); ++c)
-                    if (*c == '\t' || *c == '\n' || *c == '\r') *c = ' ';
+            if (i) line_ += '\t';
+            AppendTsvField(line_, values[i]);
         }
-        line += '\n';
-        if (line.size() >= kFlushAt) Flush();
+        line_ += '\n';
+        if (line_.size() >= kFlushAt) Flush();
     } else {
         out << (single_ ? "" : count_ ? ",\n  " : "[\n  ") << '{';
         for (std::size_t i = 0; i < count && i < fields_.size(); ++i) {

@@ -41,6 +41,11 @@ public:
     // The values in the order of the fields, already passed through Value().
     void Add(const std::vector<std::string>& values);
     void Add(std::initializer_list<std::string_view> values) { Add(values.begin(), values.size()); }
+    // For many records that share all fields but the last: Lead() takes the
+    // shared ones, then AddLed() each last field. tsv writes the shared
+    // fields as it made them once.
+    void Lead(std::initializer_list<std::string_view> values);
+    void AddLed(std::string_view last);
 
 private:
     static constexpr std::size_t kFlushAt = std::size_t{1} << 15;
@@ -52,6 +57,8 @@ private:
     Format format_;
     std::size_t count_ = 0;
     std::string line_;  // tsv records not yet written
+    std::string lead_;  // tsv: the shared fields, each with its tab
+    std::vector<std::string> leadValues_;  // json: the same as they came
 };
 
 }  // namespace ct::cli

@@ -418,13 +418,21 @@ bool HashName(const char* p, std::size_t n, std::int64_t size, std::uint64_t& ou
 // The name as the name search compares it: plain ASCII upper-cased in
 // place, anything else the search's way.
 void UpperName(std::string& out, std::string_view raw) {
-    out.clear();
-    for (const char c : raw) {
+    out.resize(raw.size());
+    std::size_t i = 0;
+    for (std::uint64_t w; i + 8 <= raw.size(); i += 8) {  // eight at a time while they are ASCII
+        std::memcpy(&w, raw.data() + i, 8);
+        if (w & kHigh) break;
+        w = FoldWord(w);
+        std::memcpy(out.data() + i, &w, 8);
+    }
+    for (; i < raw.size(); ++i) {
+        const char c = raw[i];
         if (static_cast<unsigned char>(c) >= 0x80) {
             out = UpperCase(DecodeLine(raw));
             return;
         }
-        out += (c >= 'a' && c <= 'z') ? static_cast<char>(c - 32) : c;
+        out[i] = (c >= 'a' && c <= 'z') ? static_cast<char>(c - 32) : c;
     }
 }
 
@@ -862,6 +870,7 @@ std::size_t FindDuplicates(const std::string& dataFolder, const std::vector<std:
     // then line order), each hash's copies then told apart by name and size,
     // for a hash may stand for more than one pair where hashes meet.
     struct Pair {
+        std::uint64_t hash;
         std::uint32_t first, last, count;  // copies, chained through `next`
         std::uint32_t otherPair;           // the next pair of the same hash, or kNone
         bool manyDiscs;
@@ -869,20 +878,19 @@ std::size_t FindDuplicates(const std::string& dataFolder, const std::vector<std:
     constexpr std::uint32_t kNone = UINT32_MAX;
     // Copy k is the k-th of all the threads' in turn; they stay where they
     // were read into, not copied together.
-    std::vector<std::size_t> base(n + 1, 0);
-    for (unsigned t = 0; t < n; ++t) base[t + 1] = base[t] + got[t].size();
-    const std::size_t copies = base[n];
-    const auto reader = [&](std::uint32_t k) {
-        unsigned t = 0;
-        while (k >= base[t + 1]) ++t;
-        return t;
+    struct Copy {
+        const Fetched* f;
+        const char* texts;  // its reader's arena
     };
-    const auto copy = [&](std::uint32_t k) -> const Fetched& {
-        const unsigned t = reader(k);
-        return got[t][k - base[t]];
-    };
+    std::size_t copies = 0;
+    for (const std::vector<Fetched>& g : got) copies += g.size();
+    std::vector<Copy> all;
+    all.reserve(copies);
+    for (unsigned t = 0; t < n; ++t)
+        for (const Fetched& f : got[t]) all.push_back({&f, arena[t]->data()});
+    const auto copy = [&](std::uint32_t k) -> const Fetched& { return *all[k].f; };
     const auto text = [&](std::uint32_t k, std::uint32_t at, std::uint32_t len) {
-        return std::string_view(*arena[reader(k)]).substr(at, len);
+        return std::string_view(all[k].texts + at, len);
     };
     std::vector<Pair> pairs;
     std::vector<std::uint32_t> next(copies, kNone);
@@ -891,7 +899,7 @@ std::size_t FindDuplicates(const std::string& dataFolder, const std::vector<std:
     for (std::uint32_t k = 0; k < copies; ++k) {
         const Fetched& f = copy(k);
         std::size_t i = static_cast<std::size_t>(f.hash) & mask;
-        while (table[i] != kNone && copy(pairs[table[i]].first).hash != f.hash) i = (i + 1) & mask;
+        while (table[i] != kNone && pairs[table[i]].hash != f.hash) i = (i + 1) & mask;
         std::uint32_t* link = &table[i];
         while (*link != kNone) {
             Pair& p = pairs[*link];
@@ -907,7 +915,7 @@ std::size_t FindDuplicates(const std::string& dataFolder, const std::vector<std:
         }
         if (*link == kNone) {
             *link = static_cast<std::uint32_t>(pairs.size());
-            pairs.push_back({k, k, 1, kNone, false});
+            pairs.push_back({f.hash, k, k, 1, kNone, false});
         }
     }
     std::vector<std::uint32_t> chosen;  // the pairs met on two discs or more
@@ -930,6 +938,7 @@ std::size_t FindDuplicates(const std::string& dataFolder, const std::vector<std:
 
     // The groups point into the readers' texts now; what led to them goes
     // before the texts are laid out anew.
+    std::vector<Copy>().swap(all);
     std::vector<std::vector<Fetched>>().swap(got);
     std::vector<Pair>().swap(pairs);
     std::vector<std::uint32_t>().swap(next);

@@ -118,6 +118,20 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"DuplicatesSizeRefused", "duplicates --min-size 5X", 2, "~--min-size nimmt eine Zahl von Bytes", "", ""},
         Row{"HelpShowsVerify", "help", 0, "~verify", "", ""},
         Row{"HelpShowsDuplicates", "help", 0, "~duplicates", "", ""},
+        // Each copy a record; the group's fields, made once, blank out a tab as every field does.
+        Row{"DuplicatesAsTsv",
+            "add {S}/disc --label K1 >/dev/null && {S}/cartulon-cli --data-folder {D} add {S}/disc --label K2 >/dev/null && "
+            "{S}/cartulon-cli --data-folder {D} duplicates --format tsv",
+            0, "1\ta.txt\t6\tK2\\\\Bilder\\a.txt", "", ""},
+        Row{"DuplicatesAsJson",
+            "add {S}/disc --label K1 >/dev/null && {S}/cartulon-cli --data-folder {D} add {S}/disc --label K2 >/dev/null && "
+            "{S}/cartulon-cli --data-folder {D} duplicates --format json",
+            0, R"(  {"group": 1, "name": "a.txt", "size": 6, "hit": "K2\\\\Bilder\\a.txt"})", "", ""},
+        // (A catalogue another program wrote: our walk never stores a tab in a name.)
+        Row{"DuplicatesTsvBlanksATabInAName",
+            "list >/dev/null && printf '0|0||0|0|0|\\r\\n\\r\\n\\r\\n\\\\a\\tb|1|R||\\r\\n' > {D}/T1.idx && "
+            "cp {D}/T1.idx {D}/T2.idx && {S}/cartulon-cli --data-folder {D} duplicates --format tsv",
+            0, "1\ta b\t1\tT2\\\\a b", "", ""},
         // Conventions: help everywhere, the version, refused command lines with the usage.
         Row{"Version", "--version", 0, "~cartulon-cli 1.", "", ""},
         Row{"VersionShort", "-V", 0, "~cartulon-cli 1.", "", ""},

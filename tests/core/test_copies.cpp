@@ -109,6 +109,10 @@ TEST(FindDuplicates, SameNameAndSizeOnTwoDiscsLargestFirst) {
                               "\\neun.txt|123456789|R||\r\n";
     s.Write("Acht.idx", head + "\\lang\\Ordner\\Bild.jpg|0500|R||\r\n\\null.txt|-0|R||\r\n" + sizes);
     s.Write("Neun.idx", head + sizes + "\\Bild.jpg|500|R||\r\n\\x\\null.txt|0|R||\r\n");
+    // Names of more than eight bytes, folded eight at a time while they are
+    // ASCII: an umlaut behind the first eight, a case apart on each side.
+    s.Write("Zw\xC3\xB6lf.idx", head + "\\Urlaub am Meer 2003.JPG|42|R||\r\n\\Sommerfest K\xC3\xB6ln.jpg|43|R||\r\n");
+    s.Write("Dreizehn.idx", head + "\\URLAUB AM MEER 2003.jpg|42|R||\r\n\\SOMMERFEST K\xC3\x96LN.JPG|43|R||\r\n");
     // Many lines, every hundredth on both discs: the chains of the parts then
     // run to many chunks, with copies all along them.
     std::string many[2] = {head, head};
@@ -160,6 +164,9 @@ TEST(FindDuplicates, SameNameAndSizeOnTwoDiscsLargestFirst) {
           "Birne.txt 7: Sechs\\\\Birne.txt Sieben\\\\Birne.txt",
           "\xC3\xA4rger.txt 4: Eins\\\\\xC3\xA4rger.txt Zwei\\\\\xC3\x84RGER.TXT",
           "klein.txt 3: Eins\\\\klein.txt Zwei\\\\klein.txt"}},
+        {"LongNames", {"Zw\xC3\xB6lf", "Dreizehn"}, 0,
+         {"Sommerfest K\xC3\xB6ln.jpg 43: Zw\xC3\xB6lf\\\\Sommerfest K\xC3\xB6ln.jpg Dreizehn\\\\SOMMERFEST K\xC3\x96LN.JPG",
+          "Urlaub am Meer 2003.JPG 42: Zw\xC3\xB6lf\\\\Urlaub am Meer 2003.JPG Dreizehn\\\\URLAUB AM MEER 2003.jpg"}},
         {"LineEnds", {"Vier", "F\xC3\xBCnf"}, 0,
          {"KLEIN.TXT 3: Vier\\\\KLEIN.TXT F\xC3\xBCnf\\\\x\\Klein.txt F\xC3\xBCnf\\\\y\\klein.txt"}},
     };
