@@ -731,9 +731,11 @@ void FetchDisc(ReadFolder& folder, const std::string& label, std::uint32_t disc,
         }
         FileLine f;
         if (!ParseFileLine(line, static_cast<std::size_t>(eol - line), f)) continue;
-        const std::uint64_t hash = HashOf(f, upper);
-        if (ShortHash(hash) != c->hash) continue;
+        // The name upper-cased once, for the hash and for the texts.
         UpperName(upper, f.name);
+        std::uint64_t hash;
+        HashName<false>(upper.data(), upper.size(), f.size, hash);
+        if (ShortHash(hash) != c->hash) continue;
         const auto at = static_cast<std::uint32_t>(arena.size());
         arena += upper;
         arena += label;
