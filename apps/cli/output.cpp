@@ -127,9 +127,13 @@ void AppendTsvField(std::string& line, std::string_view v) {
 }  // namespace
 
 void Records::Lead(std::initializer_list<std::string_view> values) {
+    if (format_ != Format::Tsv) {
+        leadValues_.assign(values.begin(), values.end());
+        led_.assign(leadValues_.begin(), leadValues_.end());
+        led_.emplace_back();
+        return;
+    }
     lead_.clear();
-    leadValues_.assign(values.begin(), values.end());
-    if (format_ != Format::Tsv) return;
     for (const std::string_view v : values) {
         AppendTsvField(lead_, v);
         lead_ += '\t';
@@ -138,9 +142,8 @@ void Records::Lead(std::initializer_list<std::string_view> values) {
 
 void Records::AddLed(std::string_view last) {
     if (format_ != Format::Tsv) {
-        std::vector<std::string_view> values(leadValues_.begin(), leadValues_.end());
-        values.push_back(last);
-        Add(values.data(), values.size());
+        led_.back() = last;
+        Add(led_.data(), led_.size());
         return;
     }
     line_ += lead_;

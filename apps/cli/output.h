@@ -58,7 +58,8 @@ private:
     std::size_t count_ = 0;
     std::string line_;  // tsv records not yet written
     std::string lead_;  // tsv: the shared fields, each with its tab
-    std::vector<std::string> leadValues_;  // json: the same as they came
+    std::vector<std::string> leadValues_;  // json: the same as they came,
+    std::vector<std::string_view> led_;    // and a record's fields over them
 };
 
 }  // namespace ct::cli
