@@ -137,20 +137,33 @@ public:
         explicit Placer(const Records& records) : r_(records) { Move(0); }
         std::uint64_t Where(Record record) {
             const std::uint64_t place = record & kPlaceMask;
-            if (place >= next_)
-                Move(static_cast<std::size_t>(std::upper_bound(r_.starts_.begin(), r_.starts_.end(), place) -
-                                              r_.starts_.begin() - 1));
+            if (place >= next_) {
+                // Places rise, mostly by a disc or a few: the disc is sought
+                // forward from the last one, in steps that double.
+                const std::vector<std::uint64_t>& s = r_.starts_;
+                std::size_t i = at_ + 1, step = 1;
+                while (i + step < s.size() && s[i + step] <= place) {
+                    i += step;
+                    step *= 2;
+                }
+                Move(static_cast<std::size_t>(
+                    std::upper_bound(s.begin() + static_cast<std::ptrdiff_t>(i),
+                                     s.begin() + static_cast<std::ptrdiff_t>(std::min(i + step, s.size())), place) -
+                    s.begin() - 1));
+            }
             return disc_ | (place - start_);
         }
 
     private:
         void Move(std::size_t i) {
             if (i >= r_.starts_.size()) return;  // no disc yet: no record either
+            at_ = i;
             start_ = r_.starts_[i];
             next_ = i + 1 < r_.starts_.size() ? r_.starts_[i + 1] : UINT64_MAX;
             disc_ = static_cast<std::uint64_t>(r_.discs_[i]) << kOffsetBits;
         }
         const Records& r_;
+        std::size_t at_ = 0;
         std::uint64_t start_ = 0, next_ = UINT64_MAX, disc_ = 0;  // the disc the last place stood on
     };
     // Where the index-th record of a part (in the order ForEach gives them)
@@ -623,14 +636,34 @@ std::vector<Candidate> CandidatesOf(std::vector<Records>& records) {
     constexpr std::uint32_t kIndexMask = (1u << (32 - kPassBits)) - 1;
     const auto look = [&](unsigned t) {
         std::vector<Seen> table;
+        std::vector<std::uint64_t> once, twice;
         std::vector<Candidate> waiting;
         std::vector<Candidate>& candidates = found[t];
         for (std::size_t b = First(kParts, t, n); b < First(kParts, t + 1, n); ++b) {
             std::size_t count = 0;
             for (const Records& r : records) count += r.Count(b);
             if (count < 2) continue;
+            // First a bit per key (at most one in 32 of them set) marks the
+            // keys met twice, in a pass without a branch; the table then takes
+            // only their records and those of the few keys that share a bit
+            // with one: few where copies are few, and it fits the nearest
+            // cache.
+            const std::size_t bits = std::max<std::size_t>(64, std::bit_ceil(32 * count));
+            once.assign(bits / 64, 0);
+            twice.assign(bits / 64, 0);
+            std::size_t again = 0;
+            for (const Records& r : records)
+                r.ForEach(b, [&](Record rec) {
+                    const auto bit = static_cast<std::size_t>(rec >> kPlaceBits) & (bits - 1);
+                    const std::uint64_t m = std::uint64_t{1} << (bit % 64);
+                    std::uint64_t& o = once[bit / 64];
+                    again += (o & m) != 0;
+                    twice[bit / 64] |= o & m;
+                    o |= m;
+                });
+            if (again == 0) continue;
             std::size_t size = 16;
-            while (size < 2 * count) size *= 2;
+            while (size < 4 * again) size *= 2;
             table.assign(size, Seen{0, 0});
             const auto slot = [&](std::uint32_t key) -> Seen& {
                 std::size_t i = key & (size - 1);
@@ -644,6 +677,10 @@ std::vector<Candidate> CandidatesOf(std::vector<Records>& records) {
                 std::uint32_t index = pass << (32 - kPassBits);
                 records[pass].ForEach(b, [&](Record r) {
                     const auto key = static_cast<std::uint32_t>(r >> kPlaceBits);
+                    if (!(twice[(key & (bits - 1)) / 64] >> (key % 64) & 1)) {
+                        ++index;
+                        return;
+                    }
                     Seen& s = slot(key);
                     if (!s.first) {
                         s = {key, index + 1};
