@@ -58,6 +58,45 @@ struct Candidate {
 // how many a chunk of a part's chain holds (a multiple of a cache line's).
 std::size_t gFoldAt = std::size_t{1} << 20;
 std::size_t gChunk = 1024;
+// How many records a pass keeps before it first looks which pairs its discs
+// share (and again at four times as many, up to kLearnMost).
+std::size_t gLearnAt = std::size_t{1} << 11;
+constexpr std::size_t kLearnMost = std::size_t{1} << 15;
+
+// The pairs a pass has met on two of its discs (at most kMost of them, by
+// ShortHash). A file kept on many discs is met again and again: once a pass
+// knows its pair, every later line of it is taken from the block being read,
+// not read again. One bit for each value of a hash's low sixteen bits, in
+// the nearest cache, tells nearly every other line at once that it isn't
+// one of them.
+class Known {
+public:
+    static constexpr std::size_t kMost = 4096;
+    bool Has(std::uint32_t hash) const {
+        if (!(bits_[(hash & 0xffff) / 64] >> (hash % 64) & 1)) return false;
+        for (std::size_t i = hash & (kSlots - 1);; i = (i + 1) & (kSlots - 1)) {
+            if (slots_[i] == Stored(hash)) return true;
+            if (!slots_[i]) return false;
+        }
+    }
+    bool Full() const { return count_ == kMost; }
+    void Add(std::uint32_t hash) {
+        if (Full()) return;
+        std::size_t i = hash & (kSlots - 1);
+        while (slots_[i] && slots_[i] != Stored(hash)) i = (i + 1) & (kSlots - 1);
+        if (slots_[i]) return;
+        slots_[i] = Stored(hash);
+        bits_[(hash & 0xffff) / 64] |= std::uint64_t{1} << (hash % 64);
+        ++count_;
+    }
+
+private:
+    static constexpr std::size_t kSlots = 2 * kMost;
+    static std::uint64_t Stored(std::uint32_t hash) { return std::uint64_t{1} << 32 | hash; }  // 0: a free slot
+    std::vector<std::uint64_t> bits_ = std::vector<std::uint64_t>(65536 / 64, 0);
+    std::vector<std::uint64_t> slots_ = std::vector<std::uint64_t>(kSlots, 0);
+    std::size_t count_ = 0;
+};
 
 // The records of a pass, parted on the way by the top bits of their hash:
 // each part a chain of small chunks cut from large blocks that are never
@@ -86,8 +125,16 @@ public:
         discs_.push_back(disc);
         return true;
     }
-    // The last disc's catalogue was read up to `bytes`.
-    void EndDisc(std::uint64_t bytes) { next_ = starts_.back() + bytes + 1; }
+    // The last disc's catalogue was read up to `bytes`; where its records
+    // have grown enough since the last look, the pairs met on two discs go
+    // into `known` (whose later lines then never become records: their
+    // pairs stay many by the records these hold).
+    void EndDisc(std::uint64_t bytes, Known& known) {
+        next_ = starts_.back() + bytes + 1;
+        if (folded_ || kept_ < learnAt_ || learnAt_ > kLearnMost || known.Full()) return;
+        learnAt_ *= 4;
+        Learn(known);
+    }
     bool Fits(std::uint64_t offset) const { return starts_.back() + offset <= kPlaceMask; }
 
     void Add(std::uint64_t hash, std::uint64_t offset) {
@@ -329,8 +376,39 @@ private:
         else
             checkAt_ *= 2;
     }
-    std::size_t kept_ = 0, checkAt_ = gFoldAt;
+    std::size_t kept_ = 0, checkAt_ = gFoldAt, learnAt_ = gLearnAt;
     bool folded_ = false;
+    // The pairs that the records so far show on two discs, into `known`.
+    // (The records still waiting in their lines are looked at there: written
+    // out now, a part's later lines would stand astride the cache's lines
+    // until its chunk is full, and every one of them would be read from
+    // memory before being written.)
+    void Learn(Known& known) {
+        std::vector<std::uint64_t> table;  // a key above, 1 + the disc of its first record below (kTwo: on two)
+        constexpr std::uint64_t kTwo = UINT32_MAX;
+        for (std::size_t part = 0; part < kParts && !known.Full(); ++part) {
+            const std::size_t n = Count(part) + fill_[part];
+            if (n < 2) continue;
+            table.assign(std::bit_ceil(2 * n), 0);
+            const std::size_t mask = table.size() - 1;
+            const auto high = static_cast<std::uint32_t>(part) << (32 - kPartBits);
+            Placer placer(*this);
+            const auto look = [&](Record r) {
+                const auto key = static_cast<std::uint32_t>(r >> kPlaceBits);
+                const std::uint64_t disc = 1 + (placer.Where(r) >> kOffsetBits);
+                std::size_t i = key & mask;
+                while (table[i] && table[i] >> 32 != key) i = (i + 1) & mask;
+                if (!table[i]) {
+                    table[i] = std::uint64_t{key} << 32 | disc;
+                } else if ((table[i] & kTwo) != kTwo && (table[i] & kTwo) != disc) {
+                    table[i] |= kTwo;
+                    known.Add(high | key);
+                }
+            };
+            ForEach(part, look);
+            std::for_each(waiting_[part], waiting_[part] + fill_[part], look);
+        }
+    }
 };
 
 std::uint64_t gHashMask = ~std::uint64_t{0};
@@ -533,14 +611,76 @@ std::uint64_t HashOf(const FileLine& f, std::string& upper) {
     return hash;
 }
 
-// One catalogue's file lines into `records`: header, the line behind it, the
+// A copy's line as the listing needs it: its hash, where it stands (disc and
+// offset as a Candidate's), its size, and in the texts of whoever read it its
+// name as compared and its hit text (label, '\\', path as UTF-8), whose last
+// `nameLen` bytes are the name as the lists show it.
+struct Fetched {
+    std::uint64_t hash, where;
+    std::int64_t size;
+    std::uint32_t upperAt, upperLen, hitAt, hitLen, nameLen;
+};
+
+// Line `f` (on the disc of `label`, at `where`) with its texts added to
+// `texts`; `upper` is its name as compared.
+Fetched Take(const FileLine& f, const std::string& upper, std::uint64_t hash, std::uint64_t where,
+             const std::string& label, std::string& texts) {
+    const auto at = static_cast<std::uint32_t>(texts.size());
+    texts += upper;
+    texts += label;
+    texts += '\\';
+    const std::size_t pathAt = texts.size();
+    if (IsValidUtf8(f.path))
+        texts += f.path;  // as DecodeLine takes it, without a copy between
+    else
+        texts += DecodeLine(f.path);
+    const std::size_t slash = std::string_view(texts).substr(pathAt).rfind('\\');
+    const std::size_t nameAt = slash == std::string_view::npos ? pathAt : pathAt + slash + 1;
+    const auto hitAt = static_cast<std::uint32_t>(at + upper.size());
+    return {hash,
+            where,
+            f.size,
+            at,
+            static_cast<std::uint32_t>(upper.size()),
+            hitAt,
+            static_cast<std::uint32_t>(texts.size() - hitAt),
+            static_cast<std::uint32_t>(texts.size() - nameAt)};
+}
+
+// What a pass takes from the blocks it reads: the lines of the pairs it
+// knows to be many, in disc and line order, with their texts, in pieces of a
+// fixed room (grown, neither would stop copying itself and asking for fresh
+// pages again).
+struct Keep {
+    struct Piece {
+        std::vector<Fetched> lines;
+        std::string texts;
+    };
+    Known known;
+    std::vector<Piece> pieces;
+    // Where the next line goes (one longer than the room left makes its piece grow).
+    Piece& Room() {
+        constexpr std::size_t kLines = 8192, kTexts = std::size_t{1} << 20;
+        if (pieces.empty() || pieces.back().lines.size() == kLines ||
+            pieces.back().texts.size() + 1024 > kTexts) {
+            pieces.emplace_back();
+            pieces.back().lines.reserve(kLines);
+            pieces.back().texts.reserve(kTexts);
+        }
+        return pieces.back();
+    }
+};
+
+// One catalogue's file lines into `records`, or into `keep` where their
+// pair is known to be many: header, the line behind it, the
 // folder lines up to the first empty line (passed over by the block scan),
 // then the file lines up to the next empty line or the end. Each block of
 // file lines is marked in one vector pass (its line ends, bars and
 // backslashes as bit masks), and every line takes its end, its first bar and
 // the last backslash before that from the masks: a line costs a few bit
 // steps, not a search per character sought.
-void ScanDisc(LineReader& reader, std::int64_t minSize, std::vector<std::uint64_t>& masks, Records& records) {
+void ScanDisc(LineReader& reader, std::int64_t minSize, std::vector<std::uint64_t>& masks, Records& records,
+              Keep& keep, std::uint64_t disc, const std::string& label) {
     std::string_view line;
     if (!reader.NextRaw(line) || !reader.NextRaw(line) || !reader.SkipSection()) return;
     std::string upper;
@@ -559,12 +699,12 @@ void ScanDisc(LineReader& reader, std::int64_t minSize, std::vector<std::uint64_
             if (b[i] == '\r' || b[i] == '\n') return;  // the empty line behind the files
             std::size_t eol = n, bar = n, bar2 = n, slash = n;
             for (std::size_t w = i / 64; w < words; ++w) {
-                const std::uint64_t keep = ~std::uint64_t{0} << (w == i / 64 ? i % 64 : 0);
-                const std::uint64_t e = ends[w] & keep;
+                const std::uint64_t onward = ~std::uint64_t{0} << (w == i / 64 ? i % 64 : 0);
+                const std::uint64_t e = ends[w] & onward;
                 const std::uint64_t before = e ? (e & (0 - e)) - 1 : ~std::uint64_t{0};
-                std::uint64_t bb = bars[w] & keep & before;
+                std::uint64_t bb = bars[w] & onward & before;
                 if (bar == n) {
-                    std::uint64_t sl = slashes[w] & keep & before;
+                    std::uint64_t sl = slashes[w] & onward & before;
                     if (bb) {
                         bar = 64 * w + static_cast<std::size_t>(__builtin_ctzll(bb));
                         sl &= (bb & (0 - bb)) - 1;
@@ -585,7 +725,14 @@ void ScanDisc(LineReader& reader, std::int64_t minSize, std::vector<std::uint64_
                 if (offset > kOffsetMask || !records.Fits(offset)) return;
                 const std::size_t name = slash == n ? i : slash + 1;
                 const FileLine f{{b + i, bar - i}, {b + name, bar - name}, size};
-                records.Add(HashOf(f, upper), offset);
+                const std::uint64_t hash = HashOf(f, upper);
+                if (!keep.known.Has(ShortHash(hash))) {
+                    records.Add(hash, offset);
+                } else {
+                    UpperName(upper, f.name);
+                    Keep::Piece& piece = keep.Room();
+                    piece.lines.push_back(Take(f, upper, hash, disc << kOffsetBits | offset, label, piece.texts));
+                }
             }
             i = eol + 1;
             if (eol < n && b[eol] == '\r' && i < n && b[i] == '\n') ++i;
@@ -710,21 +857,12 @@ std::vector<Candidate> CandidatesOf(std::vector<Records>& records) {
     return all();
 }
 
-// A candidate read again: its hash and size, and in the arena of its reader
-// its name as compared and its hit text (label, '\\', path as UTF-8), whose
-// last `nameLen` bytes are the name as the lists show it.
-struct Fetched {
-    std::uint64_t hash;
-    std::int64_t size;
-    std::uint32_t disc, upperAt, upperLen, hitAt, hitLen, nameLen;
-};
-
 // Reads the lines of one disc's candidates (in offset order) from its
 // catalogue: one read covers a candidate and those close behind it, so lines
 // far apart cost a small read each and a dense run a few large ones. A
 // catalogue rewritten since the pass may hold another line there now: a line
 // that no longer gives its hash is left out, never taken for a copy.
-void FetchDisc(ReadFolder& folder, const std::string& label, std::uint32_t disc, const Candidate* first,
+void FetchDisc(ReadFolder& folder, const std::string& label, const Candidate* first,
                const Candidate* last, std::vector<char>& buf, std::string& arena, std::vector<Fetched>& out) {
     const ReadFile file = folder.Open(CatalogueName(label), nullptr, nullptr);
     if (!file) return;
@@ -773,21 +911,7 @@ void FetchDisc(ReadFolder& folder, const std::string& label, std::uint32_t disc,
         std::uint64_t hash;
         HashName<false>(upper.data(), upper.size(), f.size, hash);
         if (ShortHash(hash) != c->hash) continue;
-        const auto at = static_cast<std::uint32_t>(arena.size());
-        arena += upper;
-        arena += label;
-        arena += '\\';
-        const std::size_t pathAt = arena.size();
-        if (IsValidUtf8(f.path))
-            arena += f.path;  // as DecodeLine takes it, without a copy between
-        else
-            arena += DecodeLine(f.path);
-        const std::size_t slash = std::string_view(arena).substr(pathAt).rfind('\\');
-        const std::size_t nameAt = slash == std::string_view::npos ? pathAt : pathAt + slash + 1;
-        const auto hitAt = static_cast<std::uint32_t>(at + upper.size());
-        out.push_back({hash, f.size, disc, at, static_cast<std::uint32_t>(upper.size()), hitAt,
-                       static_cast<std::uint32_t>(arena.size() - hitAt),
-                       static_cast<std::uint32_t>(arena.size() - nameAt)});
+        out.push_back(Take(f, upper, hash, c->where, label, arena));
     }
 }
 
@@ -796,7 +920,8 @@ void FetchDisc(ReadFolder& folder, const std::string& label, std::uint32_t disc,
 void LimitThreadsForTesting(unsigned granted) { gGranted = granted; }
 
 void SetDuplicateSeamsForTesting(int hashBits, std::size_t block, unsigned threads, std::size_t foldAt,
-                                 std::size_t chunk) {
+                                 std::size_t chunk, std::size_t learnAt) {
+    gLearnAt = std::max<std::size_t>(1, learnAt);
     gChunk = std::max<std::size_t>(8, chunk / 8 * 8);
     gHashMask = hashBits >= 64 ? ~std::uint64_t{0} : ~(~std::uint64_t{0} >> hashBits);
     gBlock = std::clamp<std::size_t>(block, 1, LineReader::kDefaultBlock);
@@ -819,6 +944,7 @@ std::size_t FindDuplicates(const std::string& dataFolder, const std::vector<std:
     unsigned n = gThreads ? gThreads : std::clamp(std::thread::hardware_concurrency(), 1u, kMaxThreads);
     n = static_cast<unsigned>(std::clamp<std::size_t>(discs, 1, n));
     std::vector<Records> records(n);
+    std::vector<Keep> keeps(n);
     // Without a listener nothing is told, and the passes never wait for each other.
     std::atomic<std::size_t> heard{progress ? 0 : SIZE_MAX};
     std::atomic<bool> stop{false};
@@ -855,8 +981,8 @@ std::size_t FindDuplicates(const std::string& dataFolder, const std::vector<std:
                 return;
             }
             if (reader.Open(*folder, CatalogueName(labels[disc])) && records[t].BeginDisc(disc)) {
-                ScanDisc(reader, minSize, masks, records[t]);
-                records[t].EndDisc(reader.ReadUpTo());
+                ScanDisc(reader, minSize, masks, records[t], keeps[t], disc, labels[disc]);
+                records[t].EndDisc(reader.ReadUpTo(), keeps[t].known);
             }
         }
     };
@@ -899,7 +1025,7 @@ std::size_t FindDuplicates(const std::string& dataFolder, const std::vector<std:
             Candidate* const b = candidates.data() + from[d];
             Candidate* const e = candidates.data() + from[d + 1];
             std::sort(b, e, [](const Candidate& x, const Candidate& y) { return x.where < y.where; });
-            FetchDisc(*folder, labels[d], static_cast<std::uint32_t>(d), b, e, buf, *arena[t], got[t]);
+            FetchDisc(*folder, labels[d], b, e, buf, *arena[t], got[t]);
         }
     };
     InThreads(n, fetch);
@@ -915,18 +1041,47 @@ std::size_t FindDuplicates(const std::string& dataFolder, const std::vector<std:
         bool manyDiscs;
     };
     constexpr std::uint32_t kNone = UINT32_MAX;
-    // Copy k is the k-th of all the threads' in turn; they stay where they
-    // were read into, not copied together.
+    // Copy k is the k-th in disc and line order of the lines the passes
+    // kept and those read again; they stay where they were read into, not
+    // copied together. Each thread's either are in that order already, and a
+    // disc's lines come from one pass and one reader, so the merge takes
+    // runs of them at a time.
     struct Copy {
         const Fetched* f;
-        const char* texts;  // its reader's arena
+        const char* texts;  // its reader's
     };
+    struct Source {
+        const Fetched *at, *end;
+        const char* texts;
+    };
+    std::vector<Source> sources;
     std::size_t copies = 0;
-    for (const std::vector<Fetched>& g : got) copies += g.size();
+    for (unsigned t = 0; t < n; ++t) {
+        for (const Keep::Piece& p : keeps[t].pieces) {
+            sources.push_back({p.lines.data(), p.lines.data() + p.lines.size(), p.texts.data()});
+            copies += p.lines.size();
+        }
+        sources.push_back({got[t].data(), got[t].data() + got[t].size(), arena[t]->data()});
+        copies += got[t].size();
+    }
     std::vector<Copy> all;
     all.reserve(copies);
-    for (unsigned t = 0; t < n; ++t)
-        for (const Fetched& f : got[t]) all.push_back({&f, arena[t]->data()});
+    for (;;) {
+        Source* first = nullptr;
+        std::uint64_t second = UINT64_MAX;  // where the next source's next line stands
+        for (Source& s : sources) {
+            if (s.at == s.end) continue;
+            if (!first || s.at->where < first->at->where) {
+                if (first) second = first->at->where;
+                first = &s;
+            } else {
+                second = std::min(second, s.at->where);
+            }
+        }
+        if (!first) break;
+        do all.push_back({first->at++, first->texts});
+        while (first->at != first->end && first->at->where < second);
+    }
     const auto copy = [&](std::uint32_t k) -> const Fetched& { return *all[k].f; };
     const auto text = [&](std::uint32_t k, std::uint32_t at, std::uint32_t len) {
         return std::string_view(all[k].texts + at, len);
@@ -947,7 +1102,7 @@ std::size_t FindDuplicates(const std::string& dataFolder, const std::vector<std:
                 next[p.last] = k;
                 p.last = k;
                 ++p.count;
-                p.manyDiscs = p.manyDiscs || head.disc != f.disc;
+                p.manyDiscs = p.manyDiscs || head.where >> kOffsetBits != f.where >> kOffsetBits;
                 break;
             }
             link = &p.otherPair;
@@ -979,6 +1134,8 @@ std::size_t FindDuplicates(const std::string& dataFolder, const std::vector<std:
     // before the texts are laid out anew.
     std::vector<Copy>().swap(all);
     std::vector<std::vector<Fetched>>().swap(got);
+    for (Keep& k : keeps)
+        for (Keep::Piece& p : k.pieces) std::vector<Fetched>().swap(p.lines);
     std::vector<Pair>().swap(pairs);
     std::vector<std::uint32_t>().swap(next);
     std::vector<std::uint32_t>().swap(table);

@@ -5,9 +5,11 @@
 // (part of a hash of the name and size, and where the line stands), parted
 // by the hash as the lines come; where the lines run to two or more per
 // pair, they are folded into a table of the pairs, so that memory stays
-// proportional to the distinct (name, size) pairs. Only the lines whose pair
-// turns up on two discs are read again, for their names and paths: no string
-// is kept for a file without a copy.
+// proportional to the distinct (name, size) pairs. Once a pass has read its
+// first discs, the lines of the pairs it met on two of them are taken as they
+// come, with their names and paths; of the rest, only the lines whose pair
+// turns up on two discs are read again: no string is kept for a file without
+// a copy.
 #pragma once
 
 #include <cstdint>
@@ -51,10 +53,13 @@ std::size_t FindDuplicates(const std::string& dataFolder, const std::vector<std:
 // time, so that lines and line ends straddle reads; take `threads` threads
 // (up to 8; 0 as many as the machine has, up to 8); look whether to fold the
 // lines into pairs after `foldAt` lines (and at every doubling); and keep
-// `chunk` lines (a multiple of 8) to a chunk of a part's chain.
-// (64, 1 << 16, 0, 1 << 20, 1024) is the program's own setting.
+// `chunk` lines (a multiple of 8) to a chunk of a part's chain; and look
+// which pairs a pass has met on two of its discs after `learnAt` lines (and
+// at every fourfold of that up to 32768), taking their later lines as they
+// come. (64, 1 << 16, 0, 1 << 20, 1024, 2048) is the program's own setting.
 void SetDuplicateSeamsForTesting(int hashBits, std::size_t block, unsigned threads = 0,
-                                 std::size_t foldAt = std::size_t{1} << 20, std::size_t chunk = 1024);
+                                 std::size_t foldAt = std::size_t{1} << 20, std::size_t chunk = 1024,
+                                 std::size_t learnAt = std::size_t{1} << 11);
 
 // Tests only: the system gives `granted` threads beyond the calling one and
 // then refuses (UINT_MAX: as many as asked for).

@@ -126,6 +126,21 @@ TEST(FindDuplicates, SameNameAndSizeOnTwoDiscsLargestFirst) {
     }
     s.Write("Zehn.idx", many[0]);
     s.Write("Elf.idx", many[1]);
+    // Seven discs, each with the same two files, then one on discs 4 to 7
+    // only, in the same folder on every disc: a pass that has learnt the
+    // first two takes their lines as it reads them, while the third's are
+    // read again, and the copies of both are listed in disc order. Disc 7
+    // spells the shared names in other cases.
+    std::vector<std::string> seven;
+    for (int d = 1; d <= 7; ++d) {
+        const std::string label = "S" + std::to_string(d);
+        seven.push_back(label);
+        std::string lines = head + "\\A\\eigen-" + label + ".txt|5|R||\r\n\\A\\" + (d == 7 ? "ALT.TXT" : "alt.txt") +
+                            "|11|R||\r\n";
+        if (d >= 4) lines += "\\A\\neu.txt|22|R||\r\n";
+        lines += "\\A\\" + std::string(d == 7 ? "Bild.JPG" : "bild.jpg") + "|33|R||\r\n";
+        s.Write(label + ".idx", lines);
+    }
     const struct {
         const char* name;
         std::vector<std::string> labels;
@@ -169,22 +184,32 @@ TEST(FindDuplicates, SameNameAndSizeOnTwoDiscsLargestFirst) {
           "Urlaub am Meer 2003.JPG 42: Zw\xC3\xB6lf\\\\Urlaub am Meer 2003.JPG Dreizehn\\\\URLAUB AM MEER 2003.jpg"}},
         {"LineEnds", {"Vier", "F\xC3\xBCnf"}, 0,
          {"KLEIN.TXT 3: Vier\\\\KLEIN.TXT F\xC3\xBCnf\\\\x\\Klein.txt F\xC3\xBCnf\\\\y\\klein.txt"}},
+        {"LearntOnTheWay", seven, 0,
+         {"bild.jpg 33: S1\\\\A\\bild.jpg S2\\\\A\\bild.jpg S3\\\\A\\bild.jpg S4\\\\A\\bild.jpg S5\\\\A\\bild.jpg "
+          "S6\\\\A\\bild.jpg S7\\\\A\\Bild.JPG",
+          "neu.txt 22: S4\\\\A\\neu.txt S5\\\\A\\neu.txt S6\\\\A\\neu.txt S7\\\\A\\neu.txt",
+          "alt.txt 11: S1\\\\A\\alt.txt S2\\\\A\\alt.txt S3\\\\A\\alt.txt S4\\\\A\\alt.txt S5\\\\A\\alt.txt "
+          "S6\\\\A\\alt.txt S7\\\\A\\ALT.TXT"}},
     };
     // Hashes that all meet, and reads of a few bytes, must change nothing.
     // So must the portable path of the line cutting, one to four threads,
-    // records folded into pairs from the first line on, and chunks of one
-    // line each, which lines that waited only in part (looked at before they
-    // were full, and then not folded) leave astride two chunks.
-    for (const auto& [bits, block, vectors, threads, foldAt, chunk] :
-         {std::tuple{64, 1 << 16, true, 2u, 1 << 20, 1024}, {0, 1, true, 3u, 1, 1024}, {1, 5, false, 1u, 2, 1024},
-          {3, 64, true, 4u, 1 << 20, 1024}, {64, 64, true, 1u, 1, 1024}, {64, 64, true, 2u, 3, 1024},
-          {64, 64, true, 1u, 3, 8}, {64, 1 << 16, true, 3u, 5, 8}, {64, 1 << 16, true, 4u, 1, 8}})
+    // records folded into pairs from the first line on, chunks of one line
+    // each, which lines that waited only in part (looked at before they were
+    // full, and then not folded) leave astride two chunks, and passes that
+    // learn which pairs are many after every disc and take their later lines
+    // as they read them (with hashes that all meet: every line once learnt).
+    for (const auto& [bits, block, vectors, threads, foldAt, chunk, learnAt] :
+         {std::tuple{64, 1 << 16, true, 2u, 1 << 20, 1024, 2048}, {0, 1, true, 3u, 1, 1024, 2048},
+          {1, 5, false, 1u, 2, 1024, 2048}, {3, 64, true, 4u, 1 << 20, 1024, 2048}, {64, 64, true, 1u, 1, 1024, 2048},
+          {64, 64, true, 2u, 3, 1024, 2048}, {64, 64, true, 1u, 3, 8, 2048}, {64, 1 << 16, true, 3u, 5, 8, 2048},
+          {64, 1 << 16, true, 4u, 1, 8, 2048}, {64, 1 << 16, true, 1u, 1 << 20, 1024, 1},
+          {64, 7, true, 2u, 1 << 20, 8, 1}, {0, 1 << 16, true, 1u, 1 << 20, 1024, 1}, {64, 64, true, 1u, 40, 1024, 1}})
     for (const auto& row : rows) {
         SCOPED_TRACE(std::string(row.name) + " bits " + std::to_string(bits) + " block " + std::to_string(block) +
                      " threads " + std::to_string(threads) + " fold " + std::to_string(foldAt) + " chunk " +
-                     std::to_string(chunk));
+                     std::to_string(chunk) + " learn " + std::to_string(learnAt));
         SetDuplicateSeamsForTesting(bits, static_cast<std::size_t>(block), threads, static_cast<std::size_t>(foldAt),
-                                    static_cast<std::size_t>(chunk));
+                                    static_cast<std::size_t>(chunk), static_cast<std::size_t>(learnAt));
         scan::UseVectors(vectors);
         std::vector<std::size_t> heard;
         const auto progress = [&](std::size_t disc, std::size_t discs) {
