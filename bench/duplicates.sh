@@ -3,8 +3,9 @@
 # from the same (warm) page cache. Both read every catalogue once; duplicates
 # also takes each file line apart and hashes its name and size, keeps eight
 # bytes per line (or, where lines run to several per pair, sixteen per pair),
-# reads the lines of the copies again for their hit texts and prints one
-# record a copy, so the statistics run is the measure it is held to (target:
+# takes the texts of the copies it already knows to be copies as it reads
+# them, reads the lines of the others again and prints one record a copy, so
+# the statistics run is the measure it is held to (target:
 # at most twice its time). Duplicates takes a thread per core (up to eight),
 # each every n-th disc; statistics reads on one: duplicates' wall time gains
 # from more cores, its CPU time does not. Run it on an otherwise idle
