@@ -73,17 +73,12 @@ class Known {
 public:
     static constexpr std::size_t kMost = 4096;
     bool Has(std::uint32_t hash) const {
-        if (!(bits_[(hash & 0xffff) / 64] >> (hash % 64) & 1)) return false;
-        for (std::size_t i = hash & (kSlots - 1);; i = (i + 1) & (kSlots - 1)) {
-            if (slots_[i] == Stored(hash)) return true;
-            if (!slots_[i]) return false;
-        }
+        return (bits_[(hash & 0xffff) / 64] >> (hash % 64) & 1) && slots_[SlotOf(hash)];
     }
     bool Full() const { return count_ == kMost; }
     void Add(std::uint32_t hash) {
         if (Full()) return;
-        std::size_t i = hash & (kSlots - 1);
-        while (slots_[i] && slots_[i] != Stored(hash)) i = (i + 1) & (kSlots - 1);
+        const std::size_t i = SlotOf(hash);
         if (slots_[i]) return;
         slots_[i] = Stored(hash);
         bits_[(hash & 0xffff) / 64] |= std::uint64_t{1} << (hash % 64);
@@ -93,6 +88,12 @@ public:
 private:
     static constexpr std::size_t kSlots = 2 * kMost;
     static std::uint64_t Stored(std::uint32_t hash) { return std::uint64_t{1} << 32 | hash; }  // 0: a free slot
+    // The slot that holds `hash`, else the free one where it would go.
+    std::size_t SlotOf(std::uint32_t hash) const {
+        std::size_t i = hash & (kSlots - 1);
+        while (slots_[i] && slots_[i] != Stored(hash)) i = (i + 1) & (kSlots - 1);
+        return i;
+    }
     std::vector<std::uint64_t> bits_ = std::vector<std::uint64_t>(65536 / 64, 0);
     std::vector<std::uint64_t> slots_ = std::vector<std::uint64_t>(kSlots, 0);
     std::size_t count_ = 0;
