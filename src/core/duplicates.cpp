@@ -17,6 +17,7 @@
 #include <emmintrin.h>
 #endif
 
+#include "core/bigblock.h"
 #include "core/catalogue.h"
 #include "core/collate.h"
 #include "core/fileops.h"
@@ -253,7 +254,7 @@ private:
         std::uint64_t first;  // where the pair's first line stands
         std::uint32_t hash;   // ShortHash
     };
-    static constexpr std::size_t kBlock = std::size_t{1} << 17;  // records
+    static constexpr std::size_t kBlock = kBigBlock / sizeof(Record);
     std::size_t chunk_ = gChunk;
     static constexpr unsigned kLine = 8;  // records to a cache line
     struct Part {
@@ -308,10 +309,10 @@ private:
     void NewChunk(std::size_t part) {
         if (free_.empty()) {
             if (blocks_.empty() || left_ == 0) {
-                // Chunks on whole cache lines, for the lines written past the cache.
-                blocks_.emplace_back(new Record[kBlock + kLine]);
-                const auto at = reinterpret_cast<std::uintptr_t>(blocks_.back().get());
-                block_ = blocks_.back().get() + (64 - at % 64) % 64 / sizeof(Record);
+                // (Chunks start on whole cache lines, for the lines written
+                // past the cache: a block's start is one.)
+                blocks_.push_back(NewBigBlock());
+                block_ = reinterpret_cast<Record*>(blocks_.back().get());
                 left_ = kBlock / chunk_;
             }
             free_.push_back(block_ + (kBlock / chunk_ - left_--) * chunk_);
@@ -348,7 +349,7 @@ private:
         at_[part] = end_[part] = nullptr;
     }
     std::vector<Part> parts_ = std::vector<Part>(kParts);
-    std::vector<std::unique_ptr<Record[]>> blocks_;
+    std::vector<BigBlock> blocks_;
     std::vector<Record*> free_;  // chunks folded, to be written again
     Record* block_ = nullptr;    // the last block's first whole line
     std::size_t left_ = 0;       // chunks not yet cut from it
@@ -621,11 +622,15 @@ struct Fetched {
     std::int64_t size;
     std::uint32_t upperAt, upperLen, hitAt, hitLen, nameLen;
 };
+// Where copies' lines and texts are kept: a listing of many copies fills
+// megabytes of them at once.
+using FetchedLines = std::vector<Fetched, BigAllocator<Fetched>>;
+using Texts = std::basic_string<char, std::char_traits<char>, BigAllocator<char>>;
 
 // Line `f` (on the disc of `label`, at `where`) with its texts added to
 // `texts`; `upper` is its name as compared.
 Fetched Take(const FileLine& f, const std::string& upper, std::uint64_t hash, std::uint64_t where,
-             const std::string& label, std::string& texts) {
+             const std::string& label, Texts& texts) {
     const auto at = static_cast<std::uint32_t>(texts.size());
     texts += upper;
     texts += label;
@@ -634,7 +639,7 @@ Fetched Take(const FileLine& f, const std::string& upper, std::uint64_t hash, st
     if (IsValidUtf8(f.path))
         texts += f.path;  // as DecodeLine takes it, without a copy between
     else
-        texts += DecodeLine(f.path);
+        texts += std::string_view(DecodeLine(f.path));
     const std::size_t slash = std::string_view(texts).substr(pathAt).rfind('\\');
     const std::size_t nameAt = slash == std::string_view::npos ? pathAt : pathAt + slash + 1;
     const auto hitAt = static_cast<std::uint32_t>(at + upper.size());
@@ -654,14 +659,15 @@ Fetched Take(const FileLine& f, const std::string& upper, std::uint64_t hash, st
 // pages again).
 struct Keep {
     struct Piece {
-        std::vector<Fetched> lines;
-        std::string texts;
+        FetchedLines lines;
+        Texts texts;
     };
     Known known;
     std::vector<Piece> pieces;
     // Where the next line goes (one longer than the room left makes its piece grow).
     Piece& Room() {
-        constexpr std::size_t kLines = 8192, kTexts = std::size_t{1} << 20;
+        // A big block each (a string's room leaves a byte for its end).
+        constexpr std::size_t kLines = kBigBlock / sizeof(Fetched), kTexts = kBigBlock - 1;
         if (pieces.empty() || pieces.back().lines.size() == kLines ||
             pieces.back().texts.size() + 1024 > kTexts) {
             pieces.emplace_back();
@@ -864,7 +870,7 @@ std::vector<Candidate> CandidatesOf(std::vector<Records>& records) {
 // catalogue rewritten since the pass may hold another line there now: a line
 // that no longer gives its hash is left out, never taken for a copy.
 void FetchDisc(ReadFolder& folder, const std::string& label, const Candidate* first,
-               const Candidate* last, std::vector<char>& buf, std::string& arena, std::vector<Fetched>& out) {
+               const Candidate* last, std::vector<char>& buf, Texts& arena, FetchedLines& out) {
     const ReadFile file = folder.Open(CatalogueName(label), nullptr, nullptr);
     if (!file) return;
     // A read costs about as much as copying a few kilobytes: lines closer
@@ -1008,8 +1014,8 @@ std::size_t FindDuplicates(const std::string& dataFolder, const std::vector<std:
         while (d < discs && from[d] < First(candidates.size(), t, n)) ++d;
         runs[t] = d;
     }
-    std::vector<std::vector<Fetched>> got(n);
-    std::vector<std::unique_ptr<std::string>> arena(n);
+    std::vector<FetchedLines> got(n);
+    std::vector<std::unique_ptr<Texts>> arena(n);
     const auto fetch = [&](unsigned t) {
         std::vector<char> buf;
         const std::unique_ptr<ReadFolder> folder = OpenFolderForReading(dataFolder);
@@ -1019,7 +1025,7 @@ std::size_t FindDuplicates(const std::string& dataFolder, const std::vector<std:
         // (Pages that stay unwritten cost nothing.)
         const std::size_t lines = from[last] - from[first];
         got[t].reserve(lines);
-        arena[t] = std::make_unique<std::string>();
+        arena[t] = std::make_unique<Texts>();
         arena[t]->reserve(lines * 256);
         for (std::size_t d = first; d < last; ++d) {
             if (from[d] == from[d + 1]) continue;
@@ -1134,9 +1140,9 @@ std::size_t FindDuplicates(const std::string& dataFolder, const std::vector<std:
     // The groups point into the readers' texts now; what led to them goes
     // before the texts are laid out anew.
     std::vector<Copy>().swap(all);
-    std::vector<std::vector<Fetched>>().swap(got);
+    std::vector<FetchedLines>().swap(got);
     for (Keep& k : keeps)
-        for (Keep::Piece& p : k.pieces) std::vector<Fetched>().swap(p.lines);
+        for (Keep::Piece& p : k.pieces) FetchedLines().swap(p.lines);
     std::vector<Pair>().swap(pairs);
     std::vector<std::uint32_t>().swap(next);
     std::vector<std::uint32_t>().swap(table);

@@ -2,9 +2,12 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <string>
+#include <vector>
 
+#include "core/bigblock.h"
 #include "core/fileops.h"
 #include "core/statistics.h"
 #include "support/scratch.h"
@@ -128,6 +131,52 @@ TEST(ScanInPlace, FileCutShortUnderTheScanIsSurvived) {
         seen = static_cast<unsigned char>(p[n - 1]);  // beyond the new end: SIGBUS
     }));
     EXPECT_TRUE(cut);
+}
+
+// The system is asked for large pages for a megabyte or more, on the 2 MiB
+// they come in; a vector that grows across that line moves between the two
+// kinds of memory and keeps what it held.
+struct Advised {
+    void* at;
+    std::size_t bytes;
+};
+std::vector<Advised> gAdvised;
+
+TEST(BigBlocks, FromAMegabyteAlignedAndAdvised) {
+    SystemFileOps();
+    const BigBlockAdvice system = SetBigBlockAdvice([](void* at, std::size_t bytes) { gAdvised.push_back({at, bytes}); });
+    EXPECT_NE(system, nullptr) << "the platform gives no advice";
+    const struct {
+        const char* name;
+        std::size_t bytes, advised;
+    } rows[] = {
+        {"a page", 4096, 0},
+        {"a byte short of a megabyte", (1u << 20) - 1, 0},
+        {"a megabyte", 1u << 20, 2u << 20},
+        {"a block", 2u << 20, 2u << 20},
+        {"a block and a byte", (2u << 20) + 1, 4u << 20},
+    };
+    for (const auto& row : rows) {
+        gAdvised.clear();
+        void* at = AllocateBig(row.bytes);
+        std::memset(at, 0x5a, row.bytes);
+        if (row.advised) {
+            ASSERT_EQ(gAdvised.size(), 1u) << row.name;
+            EXPECT_EQ(gAdvised[0].at, at) << row.name;
+            EXPECT_EQ(gAdvised[0].bytes, row.advised) << row.name;
+            EXPECT_EQ(reinterpret_cast<std::uintptr_t>(at) % kBigBlock, 0u) << row.name;
+        } else {
+            EXPECT_TRUE(gAdvised.empty()) << row.name;
+        }
+        FreeBig(at, row.bytes);
+    }
+    std::vector<std::uint32_t, BigAllocator<std::uint32_t>> grown;
+    for (std::uint32_t i = 0; i < 1000000; ++i) grown.push_back(i * 2654435761u);
+    std::uint32_t wrong = 0;
+    for (std::uint32_t i = 0; i < grown.size(); ++i) wrong += grown[i] != i * 2654435761u;
+    EXPECT_EQ(wrong, 0u);
+    EXPECT_FALSE(gAdvised.empty());
+    SetBigBlockAdvice(system);
 }
 
 }  // namespace
