@@ -664,18 +664,25 @@ struct Keep {
     };
     Known known;
     std::vector<Piece> pieces;
-    // Where the next line goes (one longer than the room left makes its piece grow).
+    // Where the next line goes (one longer than the room left makes its piece
+    // grow). The first piece is small, each next one twice the last, up to
+    // a big block each (a string's room leaves a byte for its end): a run
+    // of few copies keeps little, one of many fills whole large pages.
     Piece& Room() {
-        // A big block each (a string's room leaves a byte for its end).
-        constexpr std::size_t kLines = kBigBlock / sizeof(Fetched), kTexts = kBigBlock - 1;
-        if (pieces.empty() || pieces.back().lines.size() == kLines ||
-            pieces.back().texts.size() + 1024 > kTexts) {
+        if (pieces.empty() || pieces.back().lines.size() == lines_ || pieces.back().texts.size() + 1024 > texts_) {
+            if (!pieces.empty()) {
+                lines_ = std::min(2 * lines_, kBigBlock / sizeof(Fetched));
+                texts_ = std::min(2 * texts_ + 1, kBigBlock - 1);
+            }
             pieces.emplace_back();
-            pieces.back().lines.reserve(kLines);
-            pieces.back().texts.reserve(kTexts);
+            pieces.back().lines.reserve(lines_);
+            pieces.back().texts.reserve(texts_);
         }
         return pieces.back();
     }
+
+private:
+    std::size_t lines_ = 1024, texts_ = (std::size_t{64} << 10) - 1;
 };
 
 // One catalogue's file lines into `records`, or into `keep` where their
