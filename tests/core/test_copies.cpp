@@ -126,6 +126,16 @@ TEST(FindDuplicates, SameNameAndSizeOnTwoDiscsLargestFirst) {
     }
     s.Write("Zehn.idx", many[0]);
     s.Write("Elf.idx", many[1]);
+    // A third disc like the first: where every hash meets, a pass that has
+    // learnt takes all its lines, more than its first piece holds.
+    s.Write("Dreissig.idx", many[0]);
+    std::vector<std::string> thrice;
+    for (int i = 1499; i >= 0; --i) {
+        const std::string n = std::to_string(i);
+        thrice.push_back(i % 100 ? "0-" + n + ".txt " + n + ": Zehn\\\\0-" + n + ".txt Dreissig\\\\0-" + n + ".txt"
+                                 : "gemeinsam-" + n + ".txt " + n + ": Zehn\\\\gemeinsam-" + n + ".txt Elf\\\\gemeinsam-" +
+                                       n + ".txt Dreissig\\\\gemeinsam-" + n + ".txt");
+    }
     // Seven discs, each with the same two files, then one on discs 4 to 7
     // only, in the same folder on every disc: a pass that has learnt the
     // first two takes their lines as it reads them, while the third's are
@@ -170,6 +180,7 @@ TEST(FindDuplicates, SameNameAndSizeOnTwoDiscsLargestFirst) {
          {"Film.mkv 12345678901234: Acht\\\\Film.mkv Neun\\\\Film.mkv", "neun.txt 123456789: Acht\\\\neun.txt Neun\\\\neun.txt",
           "Bild.jpg 500: Acht\\\\lang\\Ordner\\Bild.jpg Neun\\\\Bild.jpg", "null.txt 0: Acht\\\\null.txt Neun\\\\x\\null.txt"}},
         {"ManyLines", {"Zehn", "Elf"}, 0, shared},
+        {"ManyLinesThrice", {"Zehn", "Elf", "Dreissig"}, 0, thrice},
         {"FiveDiscs", {"Eins", "Zwei", "Drei", "Sechs", "Sieben"}, 0,
          {"gross.iso -2: Eins\\\\A\\gross.iso Zwei\\\\gross.iso",
           "Foto.JPG 500: Eins\\\\A\\Foto.JPG Zwei\\\\foto.jpg Zwei\\\\B\\foto.jpg",
