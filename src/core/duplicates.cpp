@@ -351,7 +351,7 @@ private:
     std::vector<Part> parts_ = std::vector<Part>(kParts);
     std::vector<BigBlock> blocks_;
     std::vector<Record*> free_;  // chunks folded, to be written again
-    Record* block_ = nullptr;    // the last block's first whole line
+    Record* block_ = nullptr;    // the last block
     std::size_t left_ = 0;       // chunks not yet cut from it
     std::vector<std::uint64_t> starts_;  // each disc's first place, rising
     std::vector<std::size_t> discs_;     // and its number
