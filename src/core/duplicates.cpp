@@ -665,24 +665,22 @@ struct Keep {
     Known known;
     std::vector<Piece> pieces;
     // Where the next line goes (one longer than the room left makes its piece
-    // grow). The first piece is small, each next one twice the last, up to
-    // a big block each (a string's room leaves a byte for its end): a run
-    // of few copies keeps little, one of many fills whole large pages.
+    // grow). The first piece is small, each next one twice the room of the
+    // last, up to a big block each (a string's room leaves a byte for its
+    // end): a run of few copies keeps little, one of many fills whole large
+    // pages.
     Piece& Room() {
-        if (pieces.empty() || pieces.back().lines.size() == lines_ || pieces.back().texts.size() + 1024 > texts_) {
-            if (!pieces.empty()) {
-                lines_ = std::min(2 * lines_, kBigBlock / sizeof(Fetched));
-                texts_ = std::min(2 * texts_ + 1, kBigBlock - 1);
-            }
+        if (pieces.empty() || pieces.back().lines.size() == pieces.back().lines.capacity() ||
+            pieces.back().texts.size() + 1024 > pieces.back().texts.capacity()) {
+            const Piece* last = pieces.empty() ? nullptr : &pieces.back();
+            const std::size_t lines = last ? std::min(2 * last->lines.capacity(), kBigBlock / sizeof(Fetched)) : 1024;
+            const std::size_t texts = last ? std::min(2 * last->texts.capacity() + 1, kBigBlock - 1) : (64 << 10) - 1;
             pieces.emplace_back();
-            pieces.back().lines.reserve(lines_);
-            pieces.back().texts.reserve(texts_);
+            pieces.back().lines.reserve(lines);
+            pieces.back().texts.reserve(texts);
         }
         return pieces.back();
     }
-
-private:
-    std::size_t lines_ = 1024, texts_ = (std::size_t{64} << 10) - 1;
 };
 
 // One catalogue's file lines into `records`, or into `keep` where their
