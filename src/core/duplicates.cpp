@@ -4,6 +4,7 @@
 #include <atomic>
 #include <bit>
 #include <charconv>
+#include <chrono>
 #include <climits>
 #include <cstdio>
 #include <cstring>
@@ -12,6 +13,7 @@
 #include <string_view>
 #include <system_error>
 #include <thread>
+#include <type_traits>
 
 #ifdef __SSE2__
 #include <emmintrin.h>
@@ -419,42 +421,104 @@ unsigned gThreads = 0;  // 0: as many as the machine has, up to kMaxThreads
 unsigned gGranted = UINT_MAX;  // tests: threads the system gives before it refuses
 constexpr unsigned kPassBits = 3, kMaxThreads = 1u << kPassBits;
 
-// Runs `job(0)` here and `job(1)` to `job(n - 1)` on threads of their own;
-// the first exception any of them throws is thrown here once all are done.
-// Where the system gives no more threads, the jobs left run here after the
-// first (which the others may wait for).
-template <typename Job>
-void InThreads(unsigned n, Job&& job) {
-    std::vector<std::exception_ptr> failed(n);
-    std::vector<std::thread> others;
-    unsigned started = 1;
-    try {
-        for (; started < n; ++started) {
-            if (started > gGranted) throw std::system_error(std::make_error_code(std::errc::resource_unavailable_try_again));
-            others.emplace_back([&job, &failed, t = started] {
-                try {
-                    job(t);
-                } catch (...) {
-                    failed[t] = std::current_exception();
-                }
-            });
+// Waits until `done(a)`: spinning first, for a core that sleeps may take
+// milliseconds to be woken (on a virtual machine above all), and the steps
+// of a run follow each other within fractions of that; then sleeping.
+template <typename T, typename Done>
+void AwaitAtomic(const std::atomic<T>& a, Done&& done) {
+    constexpr auto kSpin = std::chrono::milliseconds(4);
+    const auto since = std::chrono::steady_clock::now();
+    for (unsigned i = 1;; ++i) {
+        const T v = a.load(std::memory_order_acquire);
+        if (done(v)) return;
+        if (i % 256 == 0 && std::chrono::steady_clock::now() - since > kSpin) {
+            a.wait(v, std::memory_order_acquire);
+        } else {
+#if defined(__x86_64__) || defined(__i386__)
+            __builtin_ia32_pause();
+#endif
         }
-    } catch (const std::system_error&) {
     }
-    const auto joinAll = [&others] {
-        for (std::thread& o : others) o.join();
-    };
-    try {
-        job(0u);
-        for (unsigned t = started; t < n; ++t) job(t);
-    } catch (...) {
-        joinAll();
-        throw;
-    }
-    joinAll();
-    for (const std::exception_ptr& f : failed)
-        if (f) std::rethrow_exception(f);
 }
+
+// The threads of one run, started once at its beginning, so that no step
+// waits for a thread to be made or woken. Run(job) runs `job(0)` here and
+// `job(1)` to `job(n - 1)` on the others; the first exception any of them
+// throws is thrown here once all are done. Where the system gives fewer
+// threads, the jobs left run here after the first (which they may wait for).
+class Team {
+public:
+    explicit Team(unsigned n) : n_(n), failed_(n) {
+        try {
+            for (unsigned t = 1; t < n; ++t) {
+                if (t > gGranted) break;
+                threads_.emplace_back([this, t] { Work(t); });
+            }
+        } catch (const std::system_error&) {
+        } catch (...) {
+            End();
+            throw;
+        }
+    }
+    ~Team() { End(); }
+    Team(const Team&) = delete;
+    Team& operator=(const Team&) = delete;
+
+    unsigned Size() const { return n_; }
+
+    template <typename Job>
+    void Run(Job&& job) {
+        job_ = [](void* j, unsigned t) { (*static_cast<std::remove_reference_t<Job>*>(j))(t); };
+        context_ = const_cast<void*>(static_cast<const void*>(std::addressof(job)));
+        std::fill(failed_.begin(), failed_.end(), nullptr);
+        done_.store(0, std::memory_order_relaxed);
+        round_.fetch_add(1, std::memory_order_release);
+        round_.notify_all();
+        try {
+            job(0u);
+            for (auto t = static_cast<unsigned>(threads_.size() + 1); t < n_; ++t) job(t);
+        } catch (...) {
+            failed_[0] = std::current_exception();
+        }
+        const std::size_t others = threads_.size();
+        AwaitAtomic(done_, [others](std::size_t d) { return d == others; });
+        for (const std::exception_ptr& f : failed_)
+            if (f) std::rethrow_exception(f);
+    }
+    // The threads stop (they spin no more) and are joined.
+    void End() {
+        if (threads_.empty()) return;
+        quit_ = true;
+        round_.fetch_add(1, std::memory_order_release);
+        round_.notify_all();
+        for (std::thread& t : threads_) t.join();
+        threads_.clear();
+    }
+
+private:
+    void Work(unsigned t) {
+        for (unsigned seen = 0;;) {
+            AwaitAtomic(round_, [seen](unsigned r) { return r != seen; });
+            seen = round_.load(std::memory_order_acquire);
+            if (quit_) return;
+            try {
+                job_(context_, t);
+            } catch (...) {
+                failed_[t] = std::current_exception();
+            }
+            done_.fetch_add(1, std::memory_order_release);
+            done_.notify_one();
+        }
+    }
+    const unsigned n_;
+    std::vector<std::exception_ptr> failed_;
+    std::vector<std::thread> threads_;
+    void (*job_)(void*, unsigned) = nullptr;
+    void* context_ = nullptr;
+    std::atomic<unsigned> round_{0};
+    std::atomic<std::size_t> done_{0};
+    std::atomic<bool> quit_{false};
+};
 
 // The share of `count` things that thread t of n takes: [First(t), First(t + 1)).
 std::size_t First(std::size_t count, unsigned t, unsigned n) { return count * t / n; }
@@ -758,7 +822,7 @@ void ScanDisc(LineReader& reader, std::int64_t minSize, std::vector<std::uint64_
 // table of their own that stays in the cache; a slot holds the 24 bits of the
 // hash a record keeps, so two hashes may meet there wrongly: that only makes
 // candidates the names then tell apart.
-std::vector<Candidate> CandidatesOf(std::vector<Records>& records) {
+std::vector<Candidate> CandidatesOf(Team& team, std::vector<Records>& records) {
     const auto n = static_cast<unsigned>(records.size());
     std::vector<std::vector<Candidate>> found(n);
     const auto all = [&found] {
@@ -769,8 +833,8 @@ std::vector<Candidate> CandidatesOf(std::vector<Records>& records) {
     if (std::any_of(records.begin(), records.end(), [](const Records& r) { return r.Folded(); })) {
         // The passes' pairs brought together into the first's, each thread
         // its share of the parts, then the lines that waited.
-        InThreads(n, [&](unsigned t) { records[t].FoldAll(); });
-        InThreads(n, [&](unsigned t) {
+        team.Run([&](unsigned t) { records[t].FoldAll(); });
+        team.Run([&](unsigned t) {
             for (std::size_t k = 1; k < n; ++k)
                 records[0].Merge(records[k], First(kParts, t, n), First(kParts, t + 1, n), found[t]);
         });
@@ -865,7 +929,7 @@ std::vector<Candidate> CandidatesOf(std::vector<Records>& records) {
                 if (slot(w.hash).first == kMany) candidates.push_back({w.where, high | w.hash});
         }
     };
-    InThreads(n, look);
+    team.Run(look);
     return all();
 }
 
@@ -948,18 +1012,21 @@ std::int64_t Bytes(std::int64_t storedSize) {
 std::size_t FindDuplicates(const std::string& dataFolder, const std::vector<std::string>& labels,
                            std::int64_t minSize, const DuplicateSink& sink,
                            const std::function<bool(std::size_t, std::size_t)>& progress) {
-    // A pass on each thread, each taking every n-th disc (the same split every
-    // run) into records of its own. Only this thread speaks to `progress`, a
-    // disc or two ahead of its own, and the others read no disc `progress`
-    // hasn't heard of.
+    // A pass on each thread, each taking the next disc no pass has taken yet
+    // into records of its own: a thread that started late or was kept from
+    // its core takes fewer, and none waits for the last of another's. Only
+    // this thread speaks to `progress`, a disc or two ahead of those taken,
+    // and the others read no disc `progress` hasn't heard of.
     const std::size_t discs = std::min(labels.size(), kMaxDiscs);
     unsigned n = gThreads ? gThreads : std::clamp(std::thread::hardware_concurrency(), 1u, kMaxThreads);
     n = static_cast<unsigned>(std::clamp<std::size_t>(discs, 1, n));
+    Team team(n);
     std::vector<Records> records(n);
     std::vector<Keep> keeps(n);
     // Without a listener nothing is told, and the passes never wait for each other.
     std::atomic<std::size_t> heard{progress ? 0 : SIZE_MAX};
     std::atomic<bool> stop{false};
+    std::atomic<std::size_t> taken{0};  // the discs the passes took, each the next one not yet taken
     const auto pass = [&](unsigned t) {
         // However this pass ends (a throw from `progress` or an allocation
         // included), the others must not wait for it.
@@ -977,9 +1044,13 @@ std::size_t FindDuplicates(const std::string& dataFolder, const std::vector<std:
         LineReader reader(gBlock);
         std::vector<std::uint64_t> masks;
         const std::unique_ptr<ReadFolder> folder = OpenFolderForReading(dataFolder);
-        for (std::size_t disc = t;; disc += n) {
+        for (;;) {
+            const std::size_t disc = taken.fetch_add(1, std::memory_order_relaxed);
             if (t == 0) {
-                const std::size_t upTo = std::min(disc + (n > 1 ? n + 1 : 1), discs);
+                // Ahead of the discs taken so far by a few, that the others
+                // seldom wait.
+                const std::size_t ahead = taken.load(std::memory_order_relaxed);
+                const std::size_t upTo = std::min(n > 1 ? ahead + n : ahead, discs);
                 for (std::size_t h = heard; h < upTo && !stop; ++h) {
                     if (progress && !progress(h + 1, labels.size())) stop = true;
                     heard = stop ? SIZE_MAX : h + 1;  // a stop wakes the other threads too
@@ -998,8 +1069,8 @@ std::size_t FindDuplicates(const std::string& dataFolder, const std::vector<std:
             }
         }
     };
-    InThreads(n, pass);
-    std::vector<Candidate> met = CandidatesOf(records);
+    team.Run(pass);
+    std::vector<Candidate> met = CandidatesOf(team, records);
     std::vector<Records>().swap(records);
 
     // The candidates by disc (each disc's in line order), then read again,
@@ -1040,7 +1111,7 @@ std::size_t FindDuplicates(const std::string& dataFolder, const std::vector<std:
             FetchDisc(*folder, labels[d], b, e, buf, *arena[t], got[t]);
         }
     };
-    InThreads(n, fetch);
+    team.Run(fetch);
     candidates = {};
 
     // The copies brought together by hash in the order they were read (disc,
@@ -1128,7 +1199,7 @@ std::size_t FindDuplicates(const std::string& dataFolder, const std::vector<std:
     for (std::uint32_t i = 0; i < pairs.size(); ++i)
         if (pairs[i].manyDiscs) chosen.push_back(i);
     std::vector<DuplicateGroup> groups(chosen.size());
-    InThreads(n, [&](unsigned t) {
+    team.Run([&](unsigned t) {
         for (std::size_t j = First(chosen.size(), t, n); j < First(chosen.size(), t + 1, n); ++j) {
             const Pair& p = pairs[chosen[j]];
             DuplicateGroup& g = groups[j];
@@ -1141,6 +1212,7 @@ std::size_t FindDuplicates(const std::string& dataFolder, const std::vector<std:
                 g.hits.emplace_back(text(k, copy(k).hitAt, copy(k).hitLen));
         }
     });
+    team.End();
 
     // The groups point into the readers' texts now; what led to them goes
     // before the texts are laid out anew.

@@ -1,15 +1,15 @@
 // Copies across discs: files that stand on more than one disc under the same
 // name and size, the name compared without regard to case as the search's
 // name test compares it. One pass over the catalogues, a thread for each
-// core (up to eight) taking every n-th disc, keeps eight bytes per file line
-// (part of a hash of the name and size, and where the line stands), parted
-// by the hash as the lines come; where the lines run to two or more per
-// pair, they are folded into a table of the pairs, so that memory stays
-// proportional to the distinct (name, size) pairs. Once a pass has read its
-// first discs, the lines of the pairs it met on two of them are taken as they
-// come, with their names and paths; of the rest, only the lines whose pair
-// turns up on two discs are read again: no string is kept for a file without
-// a copy.
+// core (up to eight) taking the next disc not yet taken, keeps eight bytes
+// per file line (part of a hash of the name and size, and where the line
+// stands), parted by the hash as the lines come; where the lines run to two
+// or more per pair, they are folded into a table of the pairs, so that
+// memory stays proportional to the distinct (name, size) pairs. Once a pass
+// has read its first discs, the lines of the pairs it met on two of them are
+// taken as they come, with their names and paths; of the rest, only the
+// lines whose pair turns up on two discs are read again: no string is kept
+// for a file without a copy.
 #pragma once
 
 #include <cstdint>
