@@ -1116,7 +1116,8 @@ std::size_t FindDuplicates(const std::string& dataFolder, const std::vector<std:
 
     // The copies brought together by hash in the order they were read (disc,
     // then line order), each hash's copies then told apart by name and size,
-    // for a hash may stand for more than one pair where hashes meet.
+    // for a hash may stand for more than one pair where hashes meet. Each
+    // thread takes the hashes of its share, so no pair is split between two.
     struct Pair {
         std::uint64_t hash;
         std::uint32_t first, last, count;  // copies, chained through `next`
@@ -1124,11 +1125,11 @@ std::size_t FindDuplicates(const std::string& dataFolder, const std::vector<std:
         bool manyDiscs;
     };
     constexpr std::uint32_t kNone = UINT32_MAX;
-    // Copy k is the k-th in disc and line order of the lines the passes
-    // kept and those read again; they stay where they were read into, not
-    // copied together. Each thread's either are in that order already, and a
-    // disc's lines come from one pass and one reader, so the merge takes
-    // runs of them at a time.
+    // A thread's k-th copy is the k-th of its hashes in disc and line order
+    // of the lines the passes kept and those read again; they stay where
+    // they were read into, not copied together. Each thread's either are in
+    // that order already, and a disc's lines come from one pass and one
+    // reader, so the merge takes runs of them at a time.
     struct Copy {
         const Fetched* f;
         const char* texts;  // its reader's
@@ -1147,62 +1148,65 @@ std::size_t FindDuplicates(const std::string& dataFolder, const std::vector<std:
         sources.push_back({got[t].data(), got[t].data() + got[t].size(), arena[t]->data()});
         copies += got[t].size();
     }
-    std::vector<Copy> all;
-    all.reserve(copies);
-    for (;;) {
-        Source* first = nullptr;
-        std::uint64_t second = UINT64_MAX;  // where the next source's next line stands
-        for (Source& s : sources) {
-            if (s.at == s.end) continue;
-            if (!first || s.at->where < first->at->where) {
-                if (first) second = first->at->where;
-                first = &s;
-            } else {
-                second = std::min(second, s.at->where);
-            }
-        }
-        if (!first) break;
-        do all.push_back({first->at++, first->texts});
-        while (first->at != first->end && first->at->where < second);
-    }
-    const auto copy = [&](std::uint32_t k) -> const Fetched& { return *all[k].f; };
-    const auto text = [&](std::uint32_t k, std::uint32_t at, std::uint32_t len) {
-        return std::string_view(all[k].texts + at, len);
-    };
-    std::vector<Pair> pairs;
-    std::vector<std::uint32_t> next(copies, kNone);
-    std::vector<std::uint32_t> table(std::bit_ceil(2 * copies + 2), kNone);  // a hash's first pair
-    const std::size_t mask = table.size() - 1;
-    for (std::uint32_t k = 0; k < copies; ++k) {
-        const Fetched& f = copy(k);
-        std::size_t i = static_cast<std::size_t>(f.hash) & mask;
-        while (table[i] != kNone && pairs[table[i]].hash != f.hash) i = (i + 1) & mask;
-        std::uint32_t* link = &table[i];
-        while (*link != kNone) {
-            Pair& p = pairs[*link];
-            const Fetched& head = copy(p.first);
-            if (head.size == f.size && text(p.first, head.upperAt, head.upperLen) == text(k, f.upperAt, f.upperLen)) {
-                next[p.last] = k;
-                p.last = k;
-                ++p.count;
-                p.manyDiscs = p.manyDiscs || head.where >> kOffsetBits != f.where >> kOffsetBits;
-                break;
-            }
-            link = &p.otherPair;
-        }
-        if (*link == kNone) {
-            *link = static_cast<std::uint32_t>(pairs.size());
-            pairs.push_back({f.hash, k, k, 1, kNone, false});
-        }
-    }
-    std::vector<std::uint32_t> chosen;  // the pairs met on two discs or more
-    for (std::uint32_t i = 0; i < pairs.size(); ++i)
-        if (pairs[i].manyDiscs) chosen.push_back(i);
-    std::vector<DuplicateGroup> groups(chosen.size());
+    std::vector<std::vector<DuplicateGroup>> found(n);
     team.Run([&](unsigned t) {
-        for (std::size_t j = First(chosen.size(), t, n); j < First(chosen.size(), t + 1, n); ++j) {
-            const Pair& p = pairs[chosen[j]];
-            DuplicateGroup& g = groups[j];
+        std::vector<Source> from = sources;
+        std::vector<Copy> all;
+        all.reserve(copies / n + copies / 8);
+        for (;;) {
+            Source* first = nullptr;
+            std::uint64_t second = UINT64_MAX;  // where the next source's next line stands
+            for (Source& s : from) {
+                if (s.at == s.end) continue;
+                if (!first || s.at->where < first->at->where) {
+                    if (first) second = first->at->where;
+                    first = &s;
+                } else {
+                    second = std::min(second, s.at->where);
+                }
+            }
+            if (!first) break;
+            do {
+                if (static_cast<unsigned>((first->at->hash >> 32) * n >> 32) == t)
+                    all.push_back({first->at, first->texts});
+                ++first->at;
+            } while (first->at != first->end && first->at->where < second);
+        }
+        const auto copy = [&](std::uint32_t k) -> const Fetched& { return *all[k].f; };
+        const auto text = [&](std::uint32_t k, std::uint32_t at, std::uint32_t len) {
+            return std::string_view(all[k].texts + at, len);
+        };
+        const auto mine = static_cast<std::uint32_t>(all.size());
+        std::vector<Pair> pairs;
+        std::vector<std::uint32_t> next(mine, kNone);
+        std::vector<std::uint32_t> table(std::bit_ceil(2 * std::size_t{mine} + 2), kNone);  // a hash's first pair
+        const std::size_t mask = table.size() - 1;
+        for (std::uint32_t k = 0; k < mine; ++k) {
+            const Fetched& f = copy(k);
+            std::size_t i = static_cast<std::size_t>(f.hash) & mask;
+            while (table[i] != kNone && pairs[table[i]].hash != f.hash) i = (i + 1) & mask;
+            std::uint32_t* link = &table[i];
+            while (*link != kNone) {
+                Pair& p = pairs[*link];
+                const Fetched& head = copy(p.first);
+                if (head.size == f.size &&
+                    text(p.first, head.upperAt, head.upperLen) == text(k, f.upperAt, f.upperLen)) {
+                    next[p.last] = k;
+                    p.last = k;
+                    ++p.count;
+                    p.manyDiscs = p.manyDiscs || head.where >> kOffsetBits != f.where >> kOffsetBits;
+                    break;
+                }
+                link = &p.otherPair;
+            }
+            if (*link == kNone) {
+                *link = static_cast<std::uint32_t>(pairs.size());
+                pairs.push_back({f.hash, k, k, 1, kNone, false});
+            }
+        }
+        for (const Pair& p : pairs) {
+            if (!p.manyDiscs) continue;
+            DuplicateGroup& g = found[t].emplace_back();
             const Fetched& head = copy(p.first);
             const std::string_view hit = text(p.first, head.hitAt, head.hitLen);
             g.name = hit.substr(hit.size() - head.nameLen);
@@ -1213,17 +1217,16 @@ std::size_t FindDuplicates(const std::string& dataFolder, const std::vector<std:
         }
     });
     team.End();
+    std::vector<DuplicateGroup> groups = std::move(found[0]);
+    for (unsigned t = 1; t < n; ++t)
+        groups.insert(groups.end(), std::make_move_iterator(found[t].begin()), std::make_move_iterator(found[t].end()));
+    found = {};
 
     // The groups point into the readers' texts now; what led to them goes
     // before the texts are laid out anew.
-    std::vector<Copy>().swap(all);
     std::vector<FetchedLines>().swap(got);
     for (Keep& k : keeps)
         for (Keep::Piece& p : k.pieces) FetchedLines().swap(p.lines);
-    std::vector<Pair>().swap(pairs);
-    std::vector<std::uint32_t>().swap(next);
-    std::vector<std::uint32_t>().swap(table);
-    std::vector<std::uint32_t>().swap(chosen);
 
     // Largest first, then by name in list order, each name's key made once
     // (a listing of many copies has as many groups).
