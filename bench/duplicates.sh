@@ -7,8 +7,8 @@
 # them, reads the lines of the others again and prints one record a copy, so
 # the statistics run is the measure it is held to (target:
 # at most twice its time). Duplicates takes a thread per core (up to eight),
-# each every n-th disc; statistics reads on one: duplicates' wall time gains
-# from more cores, its CPU time does not. Run it on an otherwise idle
+# each the next disc not yet taken; statistics reads on one: duplicates' wall
+# time gains from more cores, its CPU time does not. Run it on an otherwise idle
 # machine: on a busy one the wall times say little. Where the system drops
 # cold file pages from its cache, a run may read from disk: the script reads
 # the collection once before, and the medians keep single slow runs out.
@@ -50,6 +50,7 @@ awk -v discs="$discs" -v files="$files" -v shared="$shared" -v out="$dir/Daten" 
 }'
 bytes=$(du -sb "$dir/Daten" | cut -f1)
 echo "collection: $discs catalogues, $((bytes / 1000000)) MB, $((files * discs)) files"
+sync -f "$dir/Daten" 2>/dev/null || sync
 cat "$dir/Daten/"*.idx > /dev/null
 
 # Both sides interleaved (A B B A ...) by bench/cputime: CPU time from wait4
