@@ -542,7 +542,7 @@ std::uint64_t FoldWord(std::uint64_t w) {
 // the bytes are the stored ASCII name, upper-cased on the way; false then
 // means the name holds other bytes and must go the search's way first.
 template <bool Fold>
-bool HashName(const char* p, std::size_t n, std::int64_t size, std::uint64_t& out) {
+bool HashName(const char* p, std::size_t n, std::uint64_t sizeKey, std::uint64_t& out) {
     std::uint64_t h = 0x243f6a8885a308d3ULL ^ n;
     const auto add = [&h](std::uint64_t w) {
         if constexpr (Fold) {
@@ -568,7 +568,7 @@ bool HashName(const char* p, std::size_t n, std::int64_t size, std::uint64_t& ou
         std::memcpy(&w, p + whole, rest);
     }
     if (!add(w)) return false;
-    out = Mum(h ^ static_cast<std::uint64_t>(size), 0x8ebc6af09c88c6e3ULL) & gHashMask;
+    out = Mum(h ^ sizeKey, 0x8ebc6af09c88c6e3ULL) & gHashMask;
     return true;
 }
 
@@ -649,6 +649,33 @@ bool SizeField(const char* p, std::size_t n, const char* lowest, std::int64_t& s
     return true;
 }
 
+// A size as the hash takes it. One of up to eight digits is its digits'
+// eight bytes, zeros before, the first digit in the lowest byte: the bytes
+// the pass loads from a Size field of such a number, so that it need not
+// turn them into a number. Any other size is the number itself.
+std::uint64_t SizeKey(std::int64_t size) {
+    if (size < 0 || size >= 100000000 || std::endian::native != std::endian::little)
+        return static_cast<std::uint64_t>(size);
+    std::uint64_t key = 0;
+    for (int digit = 7; digit >= 0; --digit, size /= 10)
+        key |= static_cast<std::uint64_t>('0' + size % 10) << (8 * digit);
+    return key;
+}
+
+// The Size field p[0..n) of one to eight digits (leading zeros are filled
+// in anyway) as SizeKey keys its number; false for any other field, which
+// then takes SizeField's way. `lowest` as for SizeField.
+bool SizeFieldKey(const char* p, std::size_t n, const char* lowest, std::uint64_t& key) {
+    if (std::endian::native != std::endian::little || n - 1 >= 8 || p + n < lowest + 8) return false;
+    std::uint64_t w;
+    std::memcpy(&w, p + n - 8, 8);
+    const std::uint64_t field = ~std::uint64_t{0} << (8 * (8 - n));
+    w = (w & field) | (0x3030303030303030ULL & ~field);
+    if (!AllDigits(w)) return false;
+    key = w;
+    return true;
+}
+
 // A file line taken apart as far as a copy needs it.
 struct FileLine {
     std::string_view path, name;
@@ -668,11 +695,11 @@ bool ParseFileLine(const char* p, std::size_t n, FileLine& out) {
     return true;
 }
 
-std::uint64_t HashOf(const FileLine& f, std::string& upper) {
+std::uint64_t HashOf(std::string_view name, std::uint64_t sizeKey, std::string& upper) {
     std::uint64_t hash;
-    if (!HashName<true>(f.name.data(), f.name.size(), f.size, hash)) {
-        UpperName(upper, f.name);
-        HashName<false>(upper.data(), upper.size(), f.size, hash);
+    if (!HashName<true>(name.data(), name.size(), sizeKey, hash)) {
+        UpperName(upper, name);
+        HashName<false>(upper.data(), upper.size(), sizeKey, hash);
     }
     return hash;
 }
@@ -795,16 +822,23 @@ void ScanDisc(LineReader& reader, std::int64_t minSize, std::vector<std::uint64_
                 }
             }
             if (bar2 == n) bar2 = eol;
+            // Where every size counts, the digits of a field of up to eight
+            // go to the hash as they stand; any other is read as a number
+            // first.
             std::int64_t size;
-            if (bar != n && SizeField(b + bar + 1, bar2 - bar - 1, b, size) && Bytes(size) >= minSize) {
+            std::uint64_t sizeKey;
+            if (bar != n && ((minSize <= 0 && SizeFieldKey(b + bar + 1, bar2 - bar - 1, b, sizeKey)) ||
+                             (SizeField(b + bar + 1, bar2 - bar - 1, b, size) && Bytes(size) >= minSize &&
+                              (sizeKey = SizeKey(size), true)))) {
                 const std::uint64_t offset = base + i;
                 if (offset > kOffsetMask || !records.Fits(offset)) return;
                 const std::size_t name = slash == n ? i : slash + 1;
-                const FileLine f{{b + i, bar - i}, {b + name, bar - name}, size};
-                const std::uint64_t hash = HashOf(f, upper);
+                const std::uint64_t hash = HashOf({b + name, bar - name}, sizeKey, upper);
                 if (!keep.known.Has(ShortHash(hash))) {
                     records.Add(hash, offset);
                 } else {
+                    FileLine f{{b + i, bar - i}, {b + name, bar - name}, 0};
+                    SizeField(b + bar + 1, bar2 - bar - 1, b, f.size);
                     UpperName(upper, f.name);
                     Keep::Piece& piece = keep.Room();
                     piece.lines.push_back(Take(f, upper, hash, disc << kOffsetBits | offset, label, piece.texts));
@@ -985,7 +1019,7 @@ void FetchDisc(ReadFolder& folder, const std::string& label, const Candidate* fi
         // The name upper-cased once, for the hash and for the texts.
         UpperName(upper, f.name);
         std::uint64_t hash;
-        HashName<false>(upper.data(), upper.size(), f.size, hash);
+        HashName<false>(upper.data(), upper.size(), SizeKey(f.size), hash);
         if (ShortHash(hash) != c->hash) continue;
         out.push_back(Take(f, upper, hash, c->where, label, arena));
     }
