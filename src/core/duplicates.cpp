@@ -1151,42 +1151,69 @@ std::size_t FindDuplicates(const std::string& dataFolder, const std::vector<std:
     // The copies brought together by hash in the order they were read (disc,
     // then line order), each hash's copies then told apart by name and size,
     // for a hash may stand for more than one pair where hashes meet. Each
-    // thread takes the hashes of its share, so no pair is split between two.
-    struct Pair {
-        std::uint64_t hash;
-        std::uint32_t first, last, count;  // copies, chained through `next`
-        std::uint32_t otherPair;           // the next pair of the same hash, or kNone
-        bool manyDiscs;
-    };
-    constexpr std::uint32_t kNone = UINT32_MAX;
-    // A thread's k-th copy is the k-th of its hashes in disc and line order
-    // of the lines the passes kept and those read again; they stay where
-    // they were read into, not copied together. Each thread's either are in
-    // that order already, and a disc's lines come from one pass and one
-    // reader, so the merge takes runs of them at a time.
-    struct Copy {
-        const Fetched* f;
-        const char* texts;  // its reader's
-    };
+    // thread takes the hashes of its share, so no pair is split between two,
+    // and the copies' hit texts go straight to their pair's group: they stay
+    // where they were read into, not copied together, and no copy is looked
+    // at twice. Each thread's lines of either kind are in disc and line
+    // order already, and a disc's lines come from one pass and one reader,
+    // so the merge takes runs of them at a time.
     struct Source {
         const Fetched *at, *end;
-        const char* texts;
+        const char* texts;  // its reader's
     };
     std::vector<Source> sources;
-    std::size_t copies = 0;
     for (unsigned t = 0; t < n; ++t) {
-        for (const Keep::Piece& p : keeps[t].pieces) {
+        for (const Keep::Piece& p : keeps[t].pieces)
             sources.push_back({p.lines.data(), p.lines.data() + p.lines.size(), p.texts.data()});
-            copies += p.lines.size();
-        }
         sources.push_back({got[t].data(), got[t].data() + got[t].size(), arena[t]->data()});
-        copies += got[t].size();
     }
     std::vector<std::vector<DuplicateGroup>> found(n);
     team.Run([&](unsigned t) {
+        struct Pair {
+            std::uint64_t hash;
+            std::string_view upper;  // its name as compared
+            std::uint64_t disc;      // its first copy's
+            std::uint32_t otherPair;  // the next pair of the same hash, or kNone
+            bool manyDiscs;
+            DuplicateGroup group;
+        };
+        constexpr std::uint32_t kNone = UINT32_MAX;
+        std::vector<Pair> pairs;
+        std::vector<std::uint32_t> table(16, kNone);  // a hash's first pair, at most half full
+        std::size_t used = 0;
+        const auto place = [&table](std::uint64_t hash, const std::vector<Pair>& in) -> std::uint32_t& {
+            const std::size_t mask = table.size() - 1;
+            std::size_t i = static_cast<std::size_t>(hash) & mask;
+            while (table[i] != kNone && in[table[i]].hash != hash) i = (i + 1) & mask;
+            return table[i];
+        };
+        const auto take = [&](const Fetched& f, const char* texts) {
+            const std::string_view upper(texts + f.upperAt, f.upperLen), hit(texts + f.hitAt, f.hitLen);
+            std::uint32_t& slot = place(f.hash, pairs);
+            std::uint32_t* link = &slot;
+            while (*link != kNone) {
+                Pair& p = pairs[*link];
+                if (p.group.size == f.size && p.upper == upper) {
+                    p.group.hits.push_back(hit);
+                    p.manyDiscs = p.manyDiscs || p.disc != f.where >> kOffsetBits;
+                    return;
+                }
+                link = &p.otherPair;
+            }
+            const bool first = link == &slot;  // the hash's first pair takes a slot
+            *link = static_cast<std::uint32_t>(pairs.size());
+            Pair& p = pairs.emplace_back(Pair{f.hash, upper, f.where >> kOffsetBits, kNone, false, {}});
+            p.group.name = hit.substr(hit.size() - f.nameLen);
+            p.group.size = f.size;
+            p.group.hits.push_back(hit);
+            if (first && 2 * ++used > table.size()) {
+                std::vector<std::uint32_t> old(2 * table.size(), kNone);
+                old.swap(table);
+                for (const std::uint32_t i : old)
+                    if (i != kNone) place(pairs[i].hash, pairs) = i;
+            }
+        };
         std::vector<Source> from = sources;
-        std::vector<Copy> all;
-        all.reserve(copies / n + copies / 8);
         for (;;) {
             Source* first = nullptr;
             std::uint64_t second = UINT64_MAX;  // where the next source's next line stands
@@ -1201,54 +1228,12 @@ std::size_t FindDuplicates(const std::string& dataFolder, const std::vector<std:
             }
             if (!first) break;
             do {
-                if (static_cast<unsigned>((first->at->hash >> 32) * n >> 32) == t)
-                    all.push_back({first->at, first->texts});
+                if (static_cast<unsigned>((first->at->hash >> 32) * n >> 32) == t) take(*first->at, first->texts);
                 ++first->at;
             } while (first->at != first->end && first->at->where < second);
         }
-        const auto copy = [&](std::uint32_t k) -> const Fetched& { return *all[k].f; };
-        const auto text = [&](std::uint32_t k, std::uint32_t at, std::uint32_t len) {
-            return std::string_view(all[k].texts + at, len);
-        };
-        const auto mine = static_cast<std::uint32_t>(all.size());
-        std::vector<Pair> pairs;
-        std::vector<std::uint32_t> next(mine, kNone);
-        std::vector<std::uint32_t> table(std::bit_ceil(2 * std::size_t{mine} + 2), kNone);  // a hash's first pair
-        const std::size_t mask = table.size() - 1;
-        for (std::uint32_t k = 0; k < mine; ++k) {
-            const Fetched& f = copy(k);
-            std::size_t i = static_cast<std::size_t>(f.hash) & mask;
-            while (table[i] != kNone && pairs[table[i]].hash != f.hash) i = (i + 1) & mask;
-            std::uint32_t* link = &table[i];
-            while (*link != kNone) {
-                Pair& p = pairs[*link];
-                const Fetched& head = copy(p.first);
-                if (head.size == f.size &&
-                    text(p.first, head.upperAt, head.upperLen) == text(k, f.upperAt, f.upperLen)) {
-                    next[p.last] = k;
-                    p.last = k;
-                    ++p.count;
-                    p.manyDiscs = p.manyDiscs || head.where >> kOffsetBits != f.where >> kOffsetBits;
-                    break;
-                }
-                link = &p.otherPair;
-            }
-            if (*link == kNone) {
-                *link = static_cast<std::uint32_t>(pairs.size());
-                pairs.push_back({f.hash, k, k, 1, kNone, false});
-            }
-        }
-        for (const Pair& p : pairs) {
-            if (!p.manyDiscs) continue;
-            DuplicateGroup& g = found[t].emplace_back();
-            const Fetched& head = copy(p.first);
-            const std::string_view hit = text(p.first, head.hitAt, head.hitLen);
-            g.name = hit.substr(hit.size() - head.nameLen);
-            g.size = head.size;
-            g.hits.reserve(p.count);
-            for (std::uint32_t k = p.first; k != kNone; k = next[k])
-                g.hits.emplace_back(text(k, copy(k).hitAt, copy(k).hitLen));
-        }
+        for (Pair& p : pairs)
+            if (p.manyDiscs) found[t].push_back(std::move(p.group));
     });
     team.End();
     std::vector<DuplicateGroup> groups = std::move(found[0]);
