@@ -166,6 +166,9 @@ TEST(FindDuplicates, SameNameAndSizeOnTwoDiscsLargestFirst) {
         {"MinSize", {"Eins", "Zwei"}, 5,
          {"gross.iso -2: Eins\\\\A\\gross.iso Zwei\\\\gross.iso", "Foto.JPG 500: Eins\\\\A\\Foto.JPG Zwei\\\\foto.jpg Zwei\\\\B\\foto.jpg"}},
         {"OneDisc", {"Drei"}, 0, {}},
+        // With every hash meeting, the lines of another disc make the two
+        // copies on one disc candidates: still no copy across discs.
+        {"TwiceOnOneDiscBesideAnother", {"Drei", "Sechs"}, 0, {}},
         {"OneSizeByName", {"Sechs", "Sieben"}, 0,
          {"apfel.txt 7: Sechs\\\\apfel.txt Sieben\\\\apfel.txt",
           "\xC3\x84pfel.txt 7: Sechs\\\\\xC3\x84pfel.txt Sieben\\\\\xC3\x84pfel.txt",
