@@ -464,8 +464,6 @@ public:
     Team(const Team&) = delete;
     Team& operator=(const Team&) = delete;
 
-    unsigned Size() const { return n_; }
-
     template <typename Job>
     void Run(Job&& job) {
         job_ = [](void* j, unsigned t) { (*static_cast<std::remove_reference_t<Job>*>(j))(t); };
