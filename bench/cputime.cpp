@@ -10,8 +10,9 @@
 // /dev/null as -q and stops early, so a real file it is). One line on stdout:
 //   a_cpu_med a_cpu_min a_wall_med a_wall_min b_cpu_med b_cpu_min b_wall_med b_wall_min a_rss b_rss
 // times in milliseconds, a_rss and b_rss the largest peak of a side's runs in
-// KiB (new fields go at the end, so readers of the first ones stay right). A failing run (exit status above 1; grep and the search
-// exit 1 for "nothing found") makes the tool exit 2.
+// KiB (new fields go at the end, so readers of the first ones stay right). A
+// failing run (exit status above 1; grep and the search exit 1 for "nothing
+// found") makes the tool exit 2.
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>

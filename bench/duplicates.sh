@@ -5,13 +5,14 @@
 # bytes per line (or, where lines run to several per pair, sixteen per pair),
 # takes the texts of the copies it already knows to be copies as it reads
 # them, reads the lines of the others again and prints one record a copy, so
-# the statistics run is the measure it is held to (target:
-# at most twice its time). Duplicates takes a thread per core (up to eight),
-# each the next disc not yet taken; statistics reads on one: duplicates' wall
-# time gains from more cores, its CPU time does not. Run it on an otherwise idle
-# machine: on a busy one the wall times say little. Where the system drops
-# cold file pages from its cache, a run may read from disk: the script reads
-# the collection once before, and the medians keep single slow runs out.
+# the statistics run is the measure it is held to (target: at most twice its
+# time). Duplicates takes a thread per core (up to eight), each the next disc
+# not yet taken; statistics reads on one: duplicates' wall time gains from
+# more cores, its CPU time does not. Run it on an otherwise idle machine: on
+# a busy one the wall times say little. Where the system drops cold file
+# pages from its cache, a run may read from disk: the script writes the
+# collection out and reads it once before, and the medians keep single slow
+# runs out.
 #
 #   bench/duplicates.sh [BUILD_DIR]     (default: build)
 #   DISCS=1000 FILES=2000 SHARED=5 RUNS=10 KEEP=1 bench/duplicates.sh

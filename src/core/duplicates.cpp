@@ -703,13 +703,14 @@ std::uint64_t HashOf(std::string_view name, std::uint64_t sizeKey, std::string& 
 }
 
 // A copy's line as the listing needs it: its hash, where it stands (disc and
-// offset as a Candidate's), its size, and in the texts of whoever read it its
-// name as compared and its hit text (label, '\\', path as UTF-8), whose last
-// `nameLen` bytes are the name as the lists show it.
+// offset as a Candidate's), its size, and in the texts of whoever read it,
+// from `textAt` on, its name as compared and right behind it its hit text
+// (label, '\\', path as UTF-8), whose last `nameLen` bytes are the name as the
+// lists show it.
 struct Fetched {
     std::uint64_t hash, where;
     std::int64_t size;
-    std::uint32_t upperAt, upperLen, hitAt, hitLen, nameLen;
+    std::uint32_t textAt, upperLen, hitLen, nameLen;
 };
 // Where copies' lines and texts are kept: a listing of many copies fills
 // megabytes of them at once.
@@ -731,13 +732,12 @@ Fetched Take(const FileLine& f, const std::string& upper, std::uint64_t hash, st
         texts += std::string_view(DecodeLine(f.path));
     const std::size_t slash = std::string_view(texts).substr(pathAt).rfind('\\');
     const std::size_t nameAt = slash == std::string_view::npos ? pathAt : pathAt + slash + 1;
-    const auto hitAt = static_cast<std::uint32_t>(at + upper.size());
+    const std::size_t hitAt = at + upper.size();
     return {hash,
             where,
             f.size,
             at,
             static_cast<std::uint32_t>(upper.size()),
-            hitAt,
             static_cast<std::uint32_t>(texts.size() - hitAt),
             static_cast<std::uint32_t>(texts.size() - nameAt)};
 }
@@ -1123,7 +1123,7 @@ std::size_t FindDuplicates(const std::string& dataFolder, const std::vector<std:
         runs[t] = d;
     }
     std::vector<FetchedLines> got(n);
-    std::vector<std::unique_ptr<Texts>> arena(n);
+    std::vector<Texts> arena(n);
     const auto fetch = [&](unsigned t) {
         std::vector<char> buf;
         const std::unique_ptr<ReadFolder> folder = OpenFolderForReading(dataFolder);
@@ -1133,14 +1133,13 @@ std::size_t FindDuplicates(const std::string& dataFolder, const std::vector<std:
         // (Pages that stay unwritten cost nothing.)
         const std::size_t lines = from[last] - from[first];
         got[t].reserve(lines);
-        arena[t] = std::make_unique<Texts>();
-        arena[t]->reserve(lines * 256);
+        arena[t].reserve(lines * 256);
         for (std::size_t d = first; d < last; ++d) {
             if (from[d] == from[d + 1]) continue;
             Candidate* const b = candidates.data() + from[d];
             Candidate* const e = candidates.data() + from[d + 1];
             std::sort(b, e, [](const Candidate& x, const Candidate& y) { return x.where < y.where; });
-            FetchDisc(*folder, labels[d], b, e, buf, *arena[t], got[t]);
+            FetchDisc(*folder, labels[d], b, e, buf, arena[t], got[t]);
         }
     };
     team.Run(fetch);
@@ -1163,7 +1162,7 @@ std::size_t FindDuplicates(const std::string& dataFolder, const std::vector<std:
     for (unsigned t = 0; t < n; ++t) {
         for (const Keep::Piece& p : keeps[t].pieces)
             sources.push_back({p.lines.data(), p.lines.data() + p.lines.size(), p.texts.data()});
-        sources.push_back({got[t].data(), got[t].data() + got[t].size(), arena[t]->data()});
+        sources.push_back({got[t].data(), got[t].data() + got[t].size(), arena[t].data()});
     }
     std::vector<std::vector<DuplicateGroup>> found(n);
     team.Run([&](unsigned t) {
@@ -1186,7 +1185,7 @@ std::size_t FindDuplicates(const std::string& dataFolder, const std::vector<std:
             return table[i];
         };
         const auto take = [&](const Fetched& f, const char* texts) {
-            const std::string_view upper(texts + f.upperAt, f.upperLen), hit(texts + f.hitAt, f.hitLen);
+            const std::string_view upper(texts + f.textAt, f.upperLen), hit(upper.data() + f.upperLen, f.hitLen);
             std::uint32_t& slot = place(f.hash, pairs);
             std::uint32_t* link = &slot;
             while (*link != kNone) {

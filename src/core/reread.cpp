@@ -15,7 +15,6 @@ constexpr std::string_view kSuffix = ".idx.reread";
 constexpr std::string_view kShortSuffix = ".rr";
 constexpr std::size_t kNameMax = 255;
 
-
 }  // namespace
 
 std::string SetAsideName(const std::string& label, int number) {

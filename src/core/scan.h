@@ -31,7 +31,6 @@ std::int64_t CountLineEnds(const char* p, std::size_t n);
 // how many there are (at most `max`).
 std::size_t FindBars(const char* p, std::size_t n, std::size_t* at, std::size_t max);
 
-
 // The bars and line ends of a whole block as bit masks, in one pass: bit k
 // of bars[w] is set when p[64 * w + k] is a '|', of ends[w] when it is a CR
 // or LF; both arrays hold (n + 63) / 64 words, the bits beyond n clear.

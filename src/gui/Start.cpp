@@ -199,7 +199,7 @@ QString Say(const char* german, const char* english) {
 }
 
 void ReportFailure(QWidget* parent, const QString& title, const QString& head, const QString& reason) {
-    Normal();  // the message box sees the normal pointer
+    Normal();  // the work that failed has ended: the arrow stays after the box too
     seams::MessageBox(parent, title, reason.isEmpty() ? head : head + QStringLiteral("\n\n") + reason,
                       QMessageBox::Ok, QMessageBox::Ok, QMessageBox::Warning);
 }
